@@ -1,0 +1,38 @@
+# Compiler settings, as interface targets that every target of ours links.
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
+endif()
+
+add_library(vantora_options INTERFACE)
+add_library(vantora::options ALIAS vantora_options)
+target_include_directories(vantora_options INTERFACE "${CMAKE_SOURCE_DIR}/src")
+target_compile_options(vantora_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
+  -Woverloaded-virtual -Wold-style-cast -Wcast-qual -Wformat=2 -Wimplicit-fallthrough
+  $<$<BOOL:${VANTORA_WERROR}>:-Werror>)
+
+# vantora::lean is for the programs that run all day: no unused function stays, and
+# libstdc++ costs no relocations and no pages of its own.
+add_library(vantora_lean INTERFACE)
+add_library(vantora::lean ALIAS vantora_lean)
+if(CMAKE_BUILD_TYPE STREQUAL "Release")
+  target_compile_options(vantora_options INTERFACE -ffunction-sections -fdata-sections)
+  if(NOT APPLE)
+    target_link_options(vantora_lean INTERFACE
+      -Wl,--gc-sections -Wl,--as-needed -static-libstdc++ -static-libgcc)
+  endif()
+endif()
+
+if(VANTORA_SANITIZE)
+  target_compile_options(vantora_options INTERFACE
+    -fsanitize=${VANTORA_SANITIZE} -fno-sanitize-recover=all)
+  target_link_options(vantora_options INTERFACE -fsanitize=${VANTORA_SANITIZE})
+endif()
+if(VANTORA_FUZZ)
+  if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    message(FATAL_ERROR "The fuzz targets need Clang")
+  endif()
+  target_compile_options(vantora_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()

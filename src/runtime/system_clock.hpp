@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "runtime/clock.hpp"
+
+namespace vantora {
+
+/// The machine's clocks. uptime() is CLOCK_MONOTONIC on Linux and mach_absolute_time on
+/// macOS, which is what std::chrono::steady_clock stands for on both; neither counts
+/// the time that the machine sleeps.
+class SystemClock final : public Clock {
+ public:
+  [[nodiscard]] Seconds uptime() const override;
+  [[nodiscard]] WallTime now() const override;
+};
+
+}  // namespace vantora

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#include <sys/prctl.h>
+
+#include <string>
+
+#include "runtime/thread_hints.hpp"
+
+namespace vantora {
+
+void setTimerSlackOfThisThread(Seconds slack) {
+  // 0 asks for the thread's default slack (50 microseconds unless it was inherited).
+  const double nanoseconds = slack.count() * 1e9;
+  prctl(PR_SET_TIMERSLACK, static_cast<unsigned long>(nanoseconds > 0 ? nanoseconds : 0), 0, 0, 0);
+}
+
+void nameThisThread(std::string_view name) {
+  // The kernel keeps 15 bytes (TASK_COMM_LEN); the end tells queues apart best.
+  constexpr std::size_t longest = 15;
+  const std::string kept(name.size() > longest ? name.substr(name.size() - longest) : name);
+  prctl(PR_SET_NAME, kept.c_str(), 0, 0, 0);
+}
+
+}  // namespace vantora

@@ -1,0 +1,220 @@
+// SPDX-License-Identifier: MIT
+#include "runtime/uv_task_queue.hpp"
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+#include <utility>
+
+#include "runtime/thread_hints.hpp"
+
+namespace vantora {
+namespace {
+
+using Nanoseconds = std::chrono::duration<std::uint64_t, std::nano>;
+constexpr double nanosecondsPerSecond = 1e9;
+constexpr std::uint64_t nanosecondsPerMillisecond = 1'000'000;
+
+std::uint64_t toNanoseconds(Seconds span) {
+  // A century is longer than any timer of ours and far from overflowing.
+  constexpr double century = 3.2e9;
+  const double seconds = std::clamp(span.count(), 0.0, century);
+  return static_cast<std::uint64_t>(std::llround(seconds * nanosecondsPerSecond));
+}
+
+}  // namespace
+
+// One scheduled task. It holds itself until libuv has closed the handle, because libuv
+// uses the memory until then.
+struct ScheduledTask {
+  uv_timer_t handle{};
+  std::uint64_t due = 0;       // uv_hrtime of the next run
+  std::uint64_t interval = 0;  // 0: once
+  Seconds leeway{};
+  TaskQueue::Task task;
+  std::atomic<bool> isCancelled = false;
+  bool isClosing = false;
+  std::shared_ptr<ScheduledTask> self;
+};
+
+struct UvTaskQueue::Core {
+  uv_loop_t* loop = nullptr;
+  uv_async_t* wake = nullptr;
+  std::thread::id thread;
+
+  std::mutex mutex;
+  bool isClosed = false;      // guarded by mutex
+  std::vector<Task> pending;  // guarded by mutex
+
+  std::vector<std::shared_ptr<ScheduledTask>> timers;  // the queue's thread only
+  Seconds slack{-1};                                   // the queue's thread only
+
+  void runPending() {
+    std::vector<Task> batch;
+    {
+      const std::lock_guard lock(mutex);
+      batch.swap(pending);
+    }
+    for (Task& task : batch) {
+      task();
+      task = nullptr;
+    }
+  }
+
+  // From any thread. False when the queue has ended; the task is then dropped.
+  bool post(Task task) {
+    const std::lock_guard lock(mutex);
+    if (isClosed) {
+      return false;
+    }
+    pending.push_back(std::move(task));
+    if (pending.size() == 1) {
+      uv_async_send(wake);
+    }
+    return true;
+  }
+
+  void arm(ScheduledTask& timer) {
+    uv_update_time(loop);
+    // Rounded up to libuv's millisecond grid, so that no timer runs early.
+    const std::uint64_t dueMilliseconds =
+        (timer.due + nanosecondsPerMillisecond - 1) / nanosecondsPerMillisecond;
+    const std::uint64_t now = uv_now(loop);
+    const std::uint64_t delay = dueMilliseconds > now ? dueMilliseconds - now : 0;
+    uv_timer_start(
+        &timer.handle, [](uv_timer_t* handle) { fire(*static_cast<ScheduledTask*>(handle->data)); },
+        delay, 0);
+  }
+
+  static void fire(ScheduledTask& timer) {
+    const std::shared_ptr<ScheduledTask> keep = timer.self;
+    auto* core = static_cast<Core*>(timer.handle.loop->data);
+    if (timer.isCancelled) {
+      return;
+    }
+    if (timer.interval == 0) {
+      core->close(timer);
+    } else {
+      timer.due += timer.interval;
+      const std::uint64_t now = uv_hrtime();
+      if (timer.due <= now) {
+        const std::uint64_t missed = (now - timer.due) / timer.interval + 1;
+        timer.due += missed * timer.interval;
+      }
+      core->arm(timer);
+    }
+    timer.task();
+  }
+
+  // The queue's thread only. The task itself goes with the handle.
+  void close(ScheduledTask& timer) {
+    if (timer.isClosing) {
+      return;
+    }
+    timer.isClosing = true;
+    uv_close(reinterpret_cast<uv_handle_t*>(&timer.handle),
+             [](uv_handle_t* handle) { static_cast<ScheduledTask*>(handle->data)->self.reset(); });
+    std::erase_if(timers, [&](const auto& other) { return other.get() == &timer; });
+    updateSlack();
+  }
+
+  // The kernel may delay this thread's wake-ups by what every one of its timers allows.
+  void updateSlack() {
+    Seconds wanted{0};
+    if (!timers.empty()) {
+      wanted = (*std::min_element(timers.begin(), timers.end(), [](const auto& a, const auto& b) {
+                 return a->leeway < b->leeway;
+               }))->leeway;
+    }
+    if (wanted != slack) {
+      slack = wanted;
+      setTimerSlackOfThisThread(slack);
+    }
+  }
+};
+
+class UvTaskQueue::UvTimer final : public Timer {
+ public:
+  UvTimer(std::shared_ptr<Core> core, std::shared_ptr<ScheduledTask> timer)
+      : core_(std::move(core)), timer_(std::move(timer)) {}
+
+  ~UvTimer() override {
+    timer_->isCancelled = true;
+    if (std::this_thread::get_id() == core_->thread) {
+      core_->close(*timer_);
+      return;
+    }
+    // When the queue has ended, it has closed the timer itself.
+    core_->post([core = core_, timer = timer_] { core->close(*timer); });
+  }
+  UvTimer(const UvTimer&) = delete;
+  UvTimer& operator=(const UvTimer&) = delete;
+
+ private:
+  std::shared_ptr<Core> core_;
+  std::shared_ptr<ScheduledTask> timer_;
+};
+
+UvTaskQueue::UvTaskQueue(uv_loop_t& loop) : core_(std::make_shared<Core>()) {
+  assert(loop.data == nullptr && "one queue a loop");
+  core_->loop = &loop;
+  core_->thread = std::this_thread::get_id();
+  core_->wake = new uv_async_t;
+  core_->wake->data = core_.get();
+  loop.data = core_.get();
+  const int status = uv_async_init(
+      &loop, core_->wake, [](uv_async_t* wake) { static_cast<Core*>(wake->data)->runPending(); });
+  // The only failure is that the process has no descriptor left at its very start.
+  if (status != 0) {
+    std::abort();
+  }
+}
+
+UvTaskQueue::~UvTaskQueue() {
+  std::vector<Task> dropped;
+  {
+    const std::lock_guard lock(core_->mutex);
+    core_->isClosed = true;
+    dropped.swap(core_->pending);
+  }
+  dropped.clear();
+  const auto timers = core_->timers;
+  for (const auto& timer : timers) {
+    timer->isCancelled = true;
+    core_->close(*timer);
+  }
+  uv_close(reinterpret_cast<uv_handle_t*>(core_->wake),
+           [](uv_handle_t* handle) { delete reinterpret_cast<uv_async_t*>(handle); });
+  core_->loop->data = nullptr;
+}
+
+void UvTaskQueue::post(Task task) {
+  core_->post(std::move(task));
+}
+
+TimerHandle UvTaskQueue::runAfter(Seconds delay, Seconds leeway, Task task) {
+  return start(delay, Seconds{0}, leeway, std::move(task));
+}
+
+TimerHandle UvTaskQueue::runEvery(Seconds interval, Seconds leeway, Task task) {
+  assert(interval > Seconds{0});
+  return start(interval, interval, leeway, std::move(task));
+}
+
+TimerHandle UvTaskQueue::start(Seconds delay, Seconds interval, Seconds leeway, Task task) {
+  assert(std::this_thread::get_id() == core_->thread);
+  auto timer = std::make_shared<ScheduledTask>();
+  timer->self = timer;
+  timer->due = uv_hrtime() + toNanoseconds(delay);
+  timer->interval = toNanoseconds(interval);
+  timer->leeway = leeway;
+  timer->task = std::move(task);
+  timer->handle.data = timer.get();
+  uv_timer_init(core_->loop, &timer->handle);
+  core_->timers.push_back(timer);
+  core_->arm(*timer);
+  core_->updateSlack();
+  return std::make_unique<UvTimer>(core_, std::move(timer));
+}
+
+}  // namespace vantora
