@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+#include "model/json.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace vantora {
+namespace {
+
+std::string nested(int depth) {
+  const auto size = static_cast<std::size_t>(depth);
+  return std::string(size, '[') + std::string(size, ']');
+}
+
+TEST(ParseJson, ReadsOneValue) {
+  const auto value = parseJson(R"( {"a": [1, 2.5, null, true, "é"]} )");
+  ASSERT_TRUE(value);
+  EXPECT_EQ(writeJson(*value), R"({"a":[1,2.5,null,true,"é"]})");
+}
+
+TEST(ParseJson, RefusesWhatIsNotJson) {
+  for (const char* text : {"", " ", "{", "{]", "nul", "{\"a\":1,}", "{} {}", "[1,]", "'a'",
+                           "{\"a\"}", "NaN", "01", "\"\x01\""}) {
+    EXPECT_FALSE(parseJson(text)) << text;
+  }
+}
+
+TEST(ParseJson, RefusesNumbersThatNoDoubleHolds) {
+  EXPECT_FALSE(parseJson("1e400"));
+  EXPECT_FALSE(parseJson("[-1e999]"));
+  EXPECT_TRUE(parseJson("1e-999"));
+}
+
+TEST(ParseJson, RefusesBytesThatAreNotUtf8) {
+  EXPECT_FALSE(parseJson("\"\xff\""));
+  EXPECT_FALSE(parseJson("\"\xc3\""));
+  EXPECT_FALSE(parseJson(R"("\ud800")"));
+  EXPECT_FALSE(parseJson(R"("\udc00")"));
+  EXPECT_TRUE(parseJson(R"("\ud83d\ude00")"));
+}
+
+TEST(ParseJson, LimitsTheDepth) {
+  EXPECT_TRUE(parseJson(nested(deepestJson)));
+  EXPECT_FALSE(parseJson(nested(deepestJson + 1)));
+  EXPECT_FALSE(parseJson(nested(100'000)));
+  EXPECT_FALSE(parseJson(std::string(100'000, '[')));
+}
+
+TEST(ParseJson, LetsTheLastOfTwoEqualMembersCount) {
+  const auto value = parseJson(R"({"a":1,"a":2})");
+  ASSERT_TRUE(value);
+  EXPECT_EQ(asInteger(*member(*value, "a")), 2);
+}
+
+TEST(Member, TellsNullFromAbsence) {
+  const auto value = parseJson(R"({"a":null})");
+  EXPECT_NE(member(*value, "a"), nullptr);
+  EXPECT_EQ(presentMember(*value, "a"), nullptr);
+  EXPECT_EQ(member(*value, "b"), nullptr);
+  EXPECT_EQ(member(Json::array(), "a"), nullptr);
+}
+
+TEST(AsInteger, TakesIntegralNumbersOnly) {
+  EXPECT_EQ(asInteger(*parseJson("2")), 2);
+  EXPECT_EQ(asInteger(*parseJson("2.0")), 2);
+  EXPECT_EQ(asInteger(*parseJson("2e1")), 20);
+  EXPECT_EQ(asInteger(*parseJson("-3")), -3);
+  EXPECT_EQ(asInteger(*parseJson("1.5")), std::nullopt);
+  EXPECT_EQ(asInteger(*parseJson("9223372036854775807")), INT64_MAX);
+  EXPECT_EQ(asInteger(*parseJson("9223372036854775808")), std::nullopt);
+  EXPECT_EQ(asInteger(*parseJson("1e300")), std::nullopt);
+  EXPECT_EQ(asInteger(*parseJson("true")), std::nullopt);
+  EXPECT_EQ(asInteger(*parseJson("\"2\"")), std::nullopt);
+}
+
+TEST(AsScalars, TakeTheirOwnTypeOnly) {
+  EXPECT_EQ(asDouble(*parseJson("2")), 2.0);
+  EXPECT_EQ(asDouble(*parseJson("\"2\"")), std::nullopt);
+  EXPECT_EQ(asDouble(*parseJson("true")), std::nullopt);
+  EXPECT_EQ(asBool(*parseJson("true")), true);
+  EXPECT_EQ(asBool(*parseJson("1")), std::nullopt);
+  EXPECT_EQ(asText(*parseJson("\"a\"")), "a");
+  EXPECT_EQ(asText(*parseJson("null")), std::nullopt);
+}
+
+TEST(WriteJson, RefusesTextsThatAreNotUtf8) {
+  EXPECT_EQ(writeJson(Json("\xff")), std::nullopt);
+}
+
+}  // namespace
+}  // namespace vantora

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#include "model/uuid.hpp"
+
+#include <gtest/gtest.h>
+
+namespace vantora {
+namespace {
+
+TEST(UUID, IsWrittenInUpperCaseAndReadInEither) {
+  const auto upper = UUID::parse("E621E1F8-C36C-495A-93FC-0C247A3E6E5F");
+  const auto lower = UUID::parse("e621e1f8-c36c-495a-93fc-0c247a3e6e5f");
+  ASSERT_TRUE(upper);
+  EXPECT_EQ(upper, lower);
+  EXPECT_EQ(lower->text(), "E621E1F8-C36C-495A-93FC-0C247A3E6E5F");
+}
+
+TEST(UUID, ReadsNoOtherForm) {
+  for (const char* text :
+       {"", "E621E1F8C36C495A93FC0C247A3E6E5F", "{E621E1F8-C36C-495A-93FC-0C247A3E6E5F}",
+        "E621E1F8-C36C-495A-93FC-0C247A3E6E5", "E621E1F8-C36C-495A-93FC-0C247A3E6E5FF",
+        "G621E1F8-C36C-495A-93FC-0C247A3E6E5F", "E621E1F8+C36C-495A-93FC-0C247A3E6E5F",
+        "E621E1F-8C36C-495A-93FC-0C247A3E6E5F"}) {
+    EXPECT_EQ(UUID::parse(text), std::nullopt) << text;
+  }
+}
+
+TEST(UUID, IsRandomOfVersionFour) {
+  const UUID first = UUID::random();
+  const std::string text = first.text();
+  EXPECT_NE(first, UUID::random());
+  EXPECT_EQ(text[14], '4');
+  EXPECT_NE(std::string_view("89AB").find(text[19]), std::string_view::npos);
+  EXPECT_EQ(UUID::parse(text), first);
+}
+
+}  // namespace
+}  // namespace vantora
