@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#include "runtime/line_framer.hpp"
+
+#include <algorithm>
+
+namespace vantora {
+
+bool LineFramer::append(std::string_view bytes) {
+  if (bytes.size() > byteLimit_ || pendingBytes() > byteLimit_ - bytes.size()) {
+    return false;
+  }
+  // Taken bytes go when they are at least half of the buffer: each byte that is moved
+  // to the front is then paid for by one that was taken.
+  if (taken_ > 0 && taken_ >= pendingBytes()) {
+    buffer_.erase(0, taken_);
+    scanned_ = std::max(scanned_, taken_) - taken_;
+    taken_ = 0;
+  }
+  buffer_.append(bytes);
+  return true;
+}
+
+std::optional<std::string_view> LineFramer::takeLine() {
+  const std::size_t end = buffer_.find('\n', std::max(scanned_, taken_));
+  if (end == std::string::npos) {
+    scanned_ = buffer_.size();
+    return std::nullopt;
+  }
+  const std::string_view line(buffer_.data() + taken_, end - taken_);
+  taken_ = end + 1;
+  scanned_ = taken_;
+  return line;
+}
+
+}  // namespace vantora
