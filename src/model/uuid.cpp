@@ -68,17 +68,22 @@ std::optional<UUID> UUID::parse(std::string_view text) {
 }
 
 std::string UUID::text() const {
-  static constexpr std::string_view hexDigits = "0123456789ABCDEF";
   std::string result;
   result.reserve(textLength);
-  for (const std::uint8_t byte : bytes_) {
-    if (isHyphenPlace(result.size())) {
-      result += '-';
-    }
-    result += hexDigits[byte >> 4];
-    result += hexDigits[byte & 0x0f];
-  }
+  appendTo(result);
   return result;
+}
+
+void UUID::appendTo(std::string& target) const {
+  static constexpr std::string_view hexDigits = "0123456789ABCDEF";
+  const std::size_t start = target.size();
+  for (const std::uint8_t byte : bytes_) {
+    if (isHyphenPlace(target.size() - start)) {
+      target += '-';
+    }
+    target += hexDigits[byte >> 4];
+    target += hexDigits[byte & 0x0f];
+  }
 }
 
 }  // namespace vantora

@@ -23,6 +23,8 @@ class UUID {
   /// Nothing unless `text` is the 36-character hyphenated form.
   [[nodiscard]] static std::optional<UUID> parse(std::string_view text);
   [[nodiscard]] std::string text() const;
+  /// The same behind what `target` holds.
+  void appendTo(std::string& target) const;
 
   auto operator<=>(const UUID&) const = default;
 

@@ -14,6 +14,12 @@ TEST(UUID, IsWrittenInUpperCaseAndReadInEither) {
   EXPECT_EQ(lower->text(), "E621E1F8-C36C-495A-93FC-0C247A3E6E5F");
 }
 
+TEST(UUID, AppendsItsTextBehindWhatIsThere) {
+  std::string text = "before ";
+  UUID().appendTo(text);
+  EXPECT_EQ(text, "before 00000000-0000-0000-0000-000000000000");
+}
+
 TEST(UUID, ReadsNoOtherForm) {
   for (const char* text :
        {"", "E621E1F8C36C495A93FC0C247A3E6E5F", "{E621E1F8-C36C-495A-93FC-0C247A3E6E5F}",
