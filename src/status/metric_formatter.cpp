@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: MIT
+#include "status/metric_formatter.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <string_view>
+
+#include "claude/claude_quota_formatter.hpp"
+#include "codex/codex_quota_formatter.hpp"
+#include "model/decimal.hpp"
+
+namespace vantora::MetricFormatter {
+namespace {
+
+constexpr std::string_view dash = "—";
+constexpr double bytesPerMegabyte = 1e6;
+/// Beyond this a double may not fit a 64-bit integer. No reading comes near it.
+constexpr double largestWhole = 9e18;
+
+std::string whole(double value, std::string_view unit) {
+  if (!(std::fabs(value) <= largestWhole)) {
+    return std::string(dash);
+  }
+  // std::round takes halves away from zero; through an integer, "-0" is "0".
+  std::string text = std::to_string(static_cast<std::int64_t>(std::round(value)));
+  text += unit;
+  return text;
+}
+
+std::string watts(double value) {
+  constexpr double mostShown = 9999.5;
+  return value > mostShown ? ">9999W" : whole(value, "W");
+}
+
+std::string hoursAndMinutes(double value) {
+  const double rounded = std::ceil(value);
+  if (!(rounded >= 0.0 && rounded <= largestWhole)) {
+    return std::string(dash);
+  }
+  constexpr std::int64_t minutesPerHour = 60;
+  const auto minutes = static_cast<std::int64_t>(rounded);
+  const std::int64_t rest = minutes % minutesPerHour;
+  std::string text = std::to_string(minutes / minutesPerHour);
+  text += ':';
+  text += static_cast<char>('0' + rest / 10);
+  text += static_cast<char>('0' + rest % 10);
+  return text;
+}
+
+std::string missing(MetricID metric, const MetricSnapshot& snapshot) {
+  // On adapter power with a full or held battery there is no time to show.
+  const bool isHeld = snapshot.batteryOnAC && !snapshot.batteryCharging;
+  return metric == MetricID::batteryTime && isHeld ? "AC" : std::string(dash);
+}
+
+std::string reading(MetricID metric, double value) {
+  switch (metric) {
+    case MetricID::batteryPercent:
+    case MetricID::cpuUsage:
+    case MetricID::fan1Percent:
+    case MetricID::fan2Percent:
+      return whole(value, "%");
+    case MetricID::batteryTemperature:
+    case MetricID::cpuTemperature:
+      return whole(value, "°C");
+    case MetricID::fan1RPM:
+    case MetricID::fan2RPM:
+      return whole(value, {});
+    case MetricID::adapterWatts:
+    case MetricID::inputWatts:
+    case MetricID::batteryChargeWatts:
+      return watts(value);
+    case MetricID::batteryTime:
+      return hoursAndMinutes(value);
+    case MetricID::upload:
+    case MetricID::download:
+      return compactRate(value);
+    case MetricID::none:
+    case MetricID::codexWeeklyPercent:
+    case MetricID::codexWeeklyReset:
+    case MetricID::claudeWeeklyPercent:
+    case MetricID::claudeSessionPercent:
+      break;
+  }
+  return {};
+}
+
+}  // namespace
+
+std::string text(MetricID metric, const MetricSnapshot& snapshot, WallTime now) {
+  switch (metric) {
+    case MetricID::codexWeeklyPercent:
+    case MetricID::codexWeeklyReset:
+      return CodexQuotaFormatter::text(metric, snapshot.codex, now).value_or(std::string());
+    case MetricID::claudeWeeklyPercent:
+    case MetricID::claudeSessionPercent:
+      return ClaudeQuotaFormatter::text(metric, snapshot.claude, now);
+    case MetricID::none:
+      return {};
+    default:
+      break;
+  }
+  const MetricSample& sample = snapshot[metric];
+  const bool isUsable =
+      sample.quality == Quality::valid && sample.value && std::isfinite(*sample.value);
+  return isUsable ? reading(metric, *sample.value) : missing(metric, snapshot);
+}
+
+std::string compactRate(double bytesPerSecond) {
+  if (!std::isfinite(bytesPerSecond) || bytesPerSecond < 0.0) {
+    return std::string(dash);
+  }
+  // Added to zero, a negative zero loses its sign.
+  const double megabytes = bytesPerSecond / bytesPerMegabyte + 0.0;
+  if (megabytes < 1.0) {
+    // The cap keeps "1,00M", which is wider, from ever appearing.
+    constexpr double mostWithFraction = 0.99;
+    std::string text = fixedDecimal(std::min(megabytes, mostWithFraction), 2, ',');
+    text += 'M';
+    return text;
+  }
+  constexpr double mostShown = 999.5;
+  return megabytes >= mostShown ? ">999M" : whole(megabytes, "M");
+}
+
+}  // namespace vantora::MetricFormatter
