@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "model/result.hpp"
+
+namespace vantora {
+
+/// The path of the Codex executable that the user chose for this machine. No part of
+/// the configuration, so that exported layouts do not carry it.
+inline constexpr std::string_view codexExecutablePathKey = "Vantora.CodexExecutablePath";
+
+/// Small preferences of this user on this machine. Main thread; every call answers at
+/// once.
+class UserDefaults {
+ public:
+  virtual ~UserDefaults() = default;
+
+  /// The text stored under the key; nothing when there is none or it cannot be read.
+  [[nodiscard]] virtual std::optional<std::string> text(std::string_view key) = 0;
+
+  /// Stores the text; other keys stay. Nothing on success, otherwise a fault with the
+  /// system's description, and what was stored before stays.
+  [[nodiscard]] virtual std::optional<Fault> setText(std::string_view key,
+                                                     std::string_view value) = 0;
+};
+
+}  // namespace vantora
