@@ -7,6 +7,7 @@ function(vantora_library name)
   add_library(vantora::${name} ALIAS vantora_${name})
   target_link_libraries(vantora_${name} PUBLIC vantora::options ${ARG_LINKS}
                                         PRIVATE ${ARG_PRIVATE_LINKS})
+  set_property(GLOBAL APPEND PROPERTY VANTORA_LIBRARIES vantora_${name})
 endfunction()
 
 # vantora_tests(NAME SOURCES ... [LINKS ...])

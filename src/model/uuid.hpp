@@ -7,6 +7,7 @@
 #include <array>
 #include <compare>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,7 +27,12 @@ class UUID {
   /// The same behind what `target` holds.
   void appendTo(std::string& target) const;
 
-  auto operator<=>(const UUID&) const = default;
+  bool operator==(const UUID&) const = default;
+  /// By bytes. Spelled out because the standard library of macOS 13's time does not order
+  /// arrays by itself.
+  std::strong_ordering operator<=>(const UUID& other) const {
+    return std::memcmp(bytes_.data(), other.bytes_.data(), bytes_.size()) <=> 0;
+  }
 
  private:
   std::array<std::uint8_t, 16> bytes_{};
