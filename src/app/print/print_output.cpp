@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+#include "app/print/print_output.hpp"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace vantora {
+namespace {
+
+// ECMA-48 controls: erase the line (EL 2), one line up (CUU).
+constexpr const char* eraseLine = "\x1b[2K";
+constexpr const char* backToFirstLine = "\r\x1b[1A";
+
+std::size_t terminalColumns(int descriptor) {
+  constexpr std::size_t whenUnknown = 80;
+  winsize size{};
+  if (ioctl(descriptor, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) {
+    return whenUnknown;
+  }
+  return size.ws_col;
+}
+
+}  // namespace
+
+bool PrintOutput::print(const PrintReport& report) {
+  const bool isWritten = write(next(report));
+  hasPrinted_ = true;
+  return isWritten;
+}
+
+void PrintOutput::finish() {
+  if (!hasPrinted_) {
+    return;
+  }
+  // Nobody may be reading any more; there is nothing left to do about it.
+  if (format_ == PrintFormat::i3bar) {
+    (void)write(follow_ ? "[]]\n" : "]\n");
+  } else if (format_ == PrintFormat::text && isTerminal_ && follow_) {
+    (void)write("\n");
+  }
+}
+
+std::string PrintOutput::next(const PrintReport& report) {
+  switch (format_) {
+    case PrintFormat::json:
+      return PrintFormatter::jsonLine(report) + "\n";
+    case PrintFormat::waybar:
+      return PrintFormatter::waybarLine(report) + "\n";
+    case PrintFormat::i3bar:
+      return (hasPrinted_ ? "" : std::string(PrintFormatter::i3barHeader) + "\n") +
+             PrintFormatter::i3barLine(report) + (follow_ ? ",\n" : "\n");
+    case PrintFormat::text:
+      break;
+  }
+  if (!isTerminal_) {
+    return PrintFormatter::textLine(report) + "\n";
+  }
+  std::string lines = PrintFormatter::textColumns(report, terminalColumns(descriptor_));
+  if (!follow_) {
+    return lines + "\n";
+  }
+  lines.insert(lines.find('\n') + 1, eraseLine);
+  return (hasPrinted_ ? backToFirstLine : "") + (eraseLine + lines);
+}
+
+bool PrintOutput::write(const std::string& text) {
+  std::size_t written = 0;
+  while (written < text.size()) {
+    const ssize_t count = ::write(descriptor_, text.data() + written, text.size() - written);
+    if (count < 0 && errno == EINTR) {
+      continue;
+    }
+    if (count <= 0) {
+      return false;
+    }
+    written += static_cast<std::size_t>(count);
+  }
+  return true;
+}
+
+}  // namespace vantora

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+//
+// Where the lines of vantora-print go: a terminal, whose two lines update in place, or
+// anything else, which gets whole lines.
+#pragma once
+
+#include <string>
+
+#include "app/print/print_options.hpp"
+#include "app/print/print_report.hpp"
+
+namespace vantora {
+
+/// Writes at once and in full to a descriptor that it does not own; on the main thread.
+class PrintOutput {
+ public:
+  /// `isTerminal`: whether two lines may be drawn and drawn again with ECMA-48 controls.
+  PrintOutput(int descriptor, PrintFormat format, bool follow, bool isTerminal)
+      : descriptor_(descriptor), format_(format), follow_(follow), isTerminal_(isTerminal) {}
+
+  /// False when nobody reads any more, or when nothing can be written.
+  [[nodiscard]] bool print(const PrintReport& report);
+
+  /// Leaves the terminal's cursor on a line of its own and closes what print() opened.
+  void finish();
+
+ private:
+  [[nodiscard]] std::string next(const PrintReport& report);
+  [[nodiscard]] bool write(const std::string& text);
+
+  int descriptor_;
+  PrintFormat format_;
+  bool follow_;
+  bool isTerminal_;
+  bool hasPrinted_ = false;
+};
+
+}  // namespace vantora

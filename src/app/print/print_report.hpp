@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+//
+// The readings as lines of text, for terminals, bars and scripts. Pure functions of one
+// moment's values; none of the results holds a line feed unless it says so.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "model/configuration.hpp"
+#include "model/sample.hpp"
+#include "status/status_presentation.hpp"
+
+namespace vantora {
+
+/// What was drawn, and what it was drawn from. Refers to its parts.
+struct PrintReport {
+  const AppConfiguration& configuration;
+  const MetricSnapshot& snapshot;
+  const StatusPresentation& presentation;
+  const std::optional<std::string>& notice;
+  WallTime now;  ///< The instant that texts which depend on the time are for.
+};
+
+namespace PrintFormatter {
+
+/// One line: the visible modules left to right, "L1 L2" each, parted by " | ".
+[[nodiscard]] std::string textLine(const PrintReport& report);
+
+/// Two lines parted by a line feed: all L1 above all L2, each module in a column as wide
+/// as its wider text and at most `columns` characters in all.
+[[nodiscard]] std::string textColumns(const PrintReport& report, std::size_t columns);
+
+/// One JSON object. Dates in ISO 8601, UTC, whole seconds; what is absent is null.
+[[nodiscard]] std::string jsonLine(const PrintReport& report);
+
+/// One status line of the i3bar input protocol
+/// (https://i3wm.org/docs/i3bar-protocol.html): an array with a block a module. The
+/// stream around it is i3barHeader, then each line with a comma behind it.
+[[nodiscard]] std::string i3barLine(const PrintReport& report);
+inline constexpr const char* i3barHeader = "{\"version\":1}\n[";
+
+/// One update of a waybar custom module with "return-type": "json" (waybar-custom(5)).
+/// Text and tool tip are Pango markup there, so "<" and "&" are escaped.
+[[nodiscard]] std::string waybarLine(const PrintReport& report);
+
+}  // namespace PrintFormatter
+
+}  // namespace vantora

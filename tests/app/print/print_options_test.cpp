@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+#include "app/print/print_options.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace vantora {
+namespace {
+
+std::variant<PrintOptions, PrintExit> parse(std::vector<const char*> arguments) {
+  arguments.insert(arguments.begin(), "vantora-print");
+  return parsePrintOptions(static_cast<int>(arguments.size()), arguments.data());
+}
+
+PrintOptions accepted(std::vector<const char*> arguments) {
+  const auto parsed = parse(std::move(arguments));
+  EXPECT_TRUE(std::holds_alternative<PrintOptions>(parsed));
+  return std::holds_alternative<PrintOptions>(parsed) ? std::get<PrintOptions>(parsed)
+                                                      : PrintOptions();
+}
+
+PrintExit refused(std::vector<const char*> arguments) {
+  const auto parsed = parse(std::move(arguments));
+  EXPECT_TRUE(std::holds_alternative<PrintExit>(parsed));
+  return std::holds_alternative<PrintExit>(parsed) ? std::get<PrintExit>(parsed) : PrintExit();
+}
+
+TEST(PrintOptions, PrintTextOnceWithinAMinuteByDefault) {
+  const auto options = accepted({});
+  EXPECT_FALSE(options.follow);
+  EXPECT_EQ(options.format, PrintFormat::text);
+  EXPECT_EQ(options.timeout, Seconds{60});
+  EXPECT_FALSE(options.hasTimeout);
+}
+
+TEST(PrintOptions, TakeEveryArgument) {
+  const auto options = accepted({"--follow", "--format", "json", "--timeout", "2.5"});
+  EXPECT_TRUE(options.follow);
+  EXPECT_EQ(options.format, PrintFormat::json);
+  EXPECT_EQ(options.timeout, Seconds{2.5});
+  EXPECT_TRUE(options.hasTimeout);
+  EXPECT_EQ(accepted({"--format=i3bar"}).format, PrintFormat::i3bar);
+  EXPECT_EQ(accepted({"--format", "waybar"}).format, PrintFormat::waybar);
+  EXPECT_EQ(accepted({"--format", "text"}).format, PrintFormat::text);
+}
+
+TEST(PrintOptions, RefuseWhatTheyDoNotKnowInOneLineWithStatusTwo) {
+  const std::vector<std::pair<std::vector<const char*>, const char*>> cases = {
+      {{"--foo"}, "argumento desconhecido: --foo"},
+      {{"extra"}, "argumento desconhecido: extra"},
+      {{"--format", "xml"}, "formato desconhecido: \"xml\""},
+      {{"--format", ""}, "formato desconhecido: \"\""},
+      {{"--format"}, "falta o valor"},
+      {{"--timeout"}, "falta o valor"},
+      {{"--timeout", "0"}, "tempo inválido: \"0\""},
+      {{"--timeout", "-1"}, "tempo inválido: \"-1\""},
+      {{"--timeout", "abc"}, "tempo inválido: \"abc\""},
+      {{"--timeout", "nan"}, "tempo inválido: \"nan\""},
+      {{"--timeout", "1e999"}, "tempo inválido"},
+      {{"--timeout", "86401"}, "tempo inválido"},
+      {{"--format", "json", "--format", "text"}, "duas vezes"},
+      {{"--follow=maybe"}, ""},
+  };
+  for (const auto& [arguments, expected] : cases) {
+    const auto result = refused(arguments);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.text, testing::StartsWith("vantora-print: "));
+    EXPECT_THAT(result.text, testing::HasSubstr(expected));
+    EXPECT_EQ(result.text.find('\n'), result.text.size() - 1);
+  }
+}
+
+TEST(PrintOptions, ShowTheirHelpWithStatusZero) {
+  const auto result = refused({"--help"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.text, testing::HasSubstr("Uso: vantora-print"));
+}
+
+}  // namespace
+}  // namespace vantora

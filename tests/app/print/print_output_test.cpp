@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: MIT
+#include "app/print/print_output.hpp"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <csignal>
+
+#include "model/json.hpp"
+
+namespace vantora {
+namespace {
+
+class PrintOutputTest : public testing::Test {
+ protected:
+  PrintOutputTest() {
+    configuration_.modules.resize(1);
+    configuration_.modules[0].top = MetricID::cpuUsage;
+    configuration_.modules[0].bottom = MetricID::none;
+    EXPECT_EQ(pipe2(ends_, O_CLOEXEC), 0);
+    std::signal(SIGPIPE, SIG_IGN);
+  }
+  ~PrintOutputTest() override {
+    closeReader();
+    close(ends_[1]);
+  }
+
+  void closeReader() {
+    if (ends_[0] >= 0) {
+      close(ends_[0]);
+      ends_[0] = -1;
+    }
+  }
+
+  void setUsage(double percent) {
+    snapshot_.samples.set(MetricID::cpuUsage, MetricSample::valid(percent, "", WallTime{}));
+  }
+  [[nodiscard]] PrintReport report() const {
+    return {configuration_, snapshot_, presentation_, notice_, WallTime{}};
+  }
+  // What was written since the last call; the tests write less than a pipe holds.
+  std::string written() {
+    char buffer[4096];
+    const ssize_t count = read(ends_[0], buffer, sizeof buffer);
+    return {buffer, static_cast<std::size_t>(count > 0 ? count : 0)};
+  }
+  [[nodiscard]] int descriptor() const { return ends_[1]; }
+
+ private:
+  AppConfiguration configuration_;
+  MetricSnapshot snapshot_;
+  StatusPresentation presentation_;
+  std::optional<std::string> notice_;
+  int ends_[2] = {-1, -1};
+};
+
+TEST_F(PrintOutputTest, WritesALineAPrintWhereNoTerminalReads) {
+  PrintOutput output(descriptor(), PrintFormat::text, true, false);
+  setUsage(1);
+  EXPECT_TRUE(output.print(report()));
+  setUsage(2);
+  EXPECT_TRUE(output.print(report()));
+  output.finish();
+  EXPECT_EQ(written(), "1%\n2%\n");
+}
+
+TEST_F(PrintOutputTest, DrawsTwoLinesAgainInPlaceOnATerminal) {
+  PrintOutput output(descriptor(), PrintFormat::text, true, true);
+  setUsage(1);
+  EXPECT_TRUE(output.print(report()));
+  EXPECT_EQ(written(), "\x1b[2K1%\n\x1b[2K  ");
+  setUsage(12);
+  EXPECT_TRUE(output.print(report()));
+  EXPECT_EQ(written(), "\r\x1b[1A\x1b[2K12%\n\x1b[2K   ");
+  output.finish();
+  EXPECT_EQ(written(), "\n");
+}
+
+TEST_F(PrintOutputTest, WritesTwoPlainLinesOnceOnATerminal) {
+  PrintOutput output(descriptor(), PrintFormat::text, false, true);
+  setUsage(1);
+  EXPECT_TRUE(output.print(report()));
+  output.finish();
+  EXPECT_EQ(written(), "1%\n  \n");
+}
+
+TEST_F(PrintOutputTest, WritesAWholeJsonDocumentForI3bar) {
+  for (const bool follow : {false, true}) {
+    PrintOutput output(descriptor(), PrintFormat::i3bar, follow, false);
+    setUsage(1);
+    EXPECT_TRUE(output.print(report()));
+    if (follow) {
+      EXPECT_TRUE(output.print(report()));
+    }
+    output.finish();
+    const std::string text = written();
+    const std::size_t headerEnd = text.find('\n');
+    EXPECT_EQ(text.substr(0, headerEnd), R"({"version":1})");
+    const auto body = parseJson(text.substr(headerEnd));
+    ASSERT_TRUE(body) << text;
+    EXPECT_EQ((*body)[0][0]["full_text"], "1%");
+  }
+}
+
+TEST_F(PrintOutputTest, SaysWhenNobodyReadsAnyMore) {
+  PrintOutput output(descriptor(), PrintFormat::json, true, false);
+  closeReader();
+  EXPECT_FALSE(output.print(report()));
+}
+
+}  // namespace
+}  // namespace vantora

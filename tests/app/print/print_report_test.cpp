@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: MIT
+#include "app/print/print_report.hpp"
+
+#include <gtest/gtest.h>
+
+#include "app/print/iso_date.hpp"
+#include "model/json.hpp"
+
+namespace vantora {
+namespace {
+
+const WallTime now = wallTimeFromUnix(1'790'000'000);  // 2026-09-21T14:13:20Z
+
+struct Scene {
+  Scene() {
+    configuration.modules.resize(2);
+    configuration.modules[0].top = MetricID::cpuUsage;
+    configuration.modules[0].bottom = MetricID::cpuTemperature;
+    configuration.modules[1].top = MetricID::codexWeeklyPercent;
+    configuration.modules[1].bottom = MetricID::codexWeeklyReset;
+    snapshot.samples.set(MetricID::cpuUsage, MetricSample::valid(7, "Linux /proc/stat", now));
+    snapshot.codex.status = CodexQuotaStatus::ready;
+    snapshot.codex.usedPercent = 99.5;
+    snapshot.codex.resetAt = now + std::chrono::seconds(30);
+    snapshot.codex.lastSuccess = now;
+    presentation.accessibilityText = "CPU & <cota>";
+  }
+  [[nodiscard]] PrintReport report() const {
+    return {configuration, snapshot, presentation, notice, now};
+  }
+
+  AppConfiguration configuration;
+  MetricSnapshot snapshot;
+  StatusPresentation presentation;
+  std::optional<std::string> notice;
+};
+
+TEST(IsoDate, IsUtcInWholeSeconds) {
+  EXPECT_EQ(isoDate(now), "2026-09-21T14:13:20Z");
+  EXPECT_EQ(isoDate(now + std::chrono::milliseconds(999)), "2026-09-21T14:13:20Z");
+  EXPECT_EQ(isoDate(wallTimeFromUnix(0)), "1970-01-01T00:00:00Z");
+  EXPECT_EQ(isoDate(wallTimeFromUnix(-1)), "1969-12-31T23:59:59Z");
+}
+
+TEST(PrintFormatter, WritesTheVisibleModulesInOneLine) {
+  EXPECT_EQ(PrintFormatter::textLine(Scene().report()), "7% — | <1% <1m");
+}
+
+TEST(PrintFormatter, LeavesOutInvisibleModulesAndEmptyLines) {
+  Scene scene;
+  scene.configuration.modules[1].enabled = false;
+  scene.configuration.modules[0].bottom = MetricID::none;
+  EXPECT_EQ(PrintFormatter::textLine(scene.report()), "7%");
+}
+
+TEST(PrintFormatter, ShowsTheMarkOfThePictureWhenNoModuleIsVisible) {
+  Scene scene;
+  scene.configuration.modules.clear();
+  EXPECT_EQ(PrintFormatter::textLine(scene.report()), "VA");
+  EXPECT_EQ(PrintFormatter::textColumns(scene.report(), 80), "VA\n");
+}
+
+TEST(PrintFormatter, AlignsTheTwoLinesByCharacters) {
+  Scene scene;
+  scene.snapshot.samples.set(MetricID::cpuTemperature, MetricSample::valid(41.4, "", now));
+  EXPECT_EQ(PrintFormatter::textColumns(scene.report(), 80), "  7%  <1%\n41°C  <1m");
+}
+
+TEST(PrintFormatter, CutsTheTwoLinesToTheTerminal) {
+  Scene scene;
+  scene.snapshot.samples.set(MetricID::cpuTemperature, MetricSample::valid(41.4, "", now));
+  EXPECT_EQ(PrintFormatter::textColumns(scene.report(), 3), "  7\n41°");
+}
+
+TEST(PrintFormatter, WritesEverythingAsOneJsonObject) {
+  Scene scene;
+  scene.snapshot.networkName = "en0";
+  scene.snapshot.codex.candidates = {{"codex", "Codex"}, {"outra", std::nullopt}};
+  scene.notice = "aviso";
+  const std::string text = PrintFormatter::jsonLine(scene.report());
+  EXPECT_EQ(text.find('\n'), std::string::npos);
+  const auto json = parseJson(text);
+  ASSERT_TRUE(json);
+  const Json& object = *json;
+  ASSERT_EQ(object["modules"].size(), 2U);
+  EXPECT_EQ(object["modules"][0]["id"], scene.configuration.modules[0].id.text());
+  EXPECT_EQ(object["modules"][0]["top"], (Json{{"metric", "cpuUsage"}, {"text", "7%"}}));
+  EXPECT_EQ(object["modules"][0]["bottom"], (Json{{"metric", "cpuTemperature"}, {"text", "—"}}));
+  EXPECT_EQ(object["samples"].size(), 4U);
+  EXPECT_EQ(object["samples"]["cpuUsage"], (Json{{"value", 7.0},
+                                                 {"quality", "valid"},
+                                                 {"source", "Linux /proc/stat"},
+                                                 {"sampledAt", "2026-09-21T14:13:20Z"}}));
+  EXPECT_EQ(object["samples"]["cpuTemperature"],
+            (Json{{"value", nullptr},
+                  {"quality", "unavailable"},
+                  {"source", "Fonte ainda não validada neste Mac"},
+                  {"sampledAt", nullptr}}));
+  EXPECT_EQ(object["batteryOnAC"], false);
+  EXPECT_EQ(object["batteryCharging"], false);
+  EXPECT_EQ(object["networkName"], "en0");
+  EXPECT_EQ(object["codex"]["status"], "ready");
+  EXPECT_EQ(object["codex"]["usedPercent"], 99.5);
+  EXPECT_EQ(object["codex"]["resetAt"], "2026-09-21T14:13:50Z");
+  EXPECT_EQ(object["codex"]["candidates"],
+            (Json{{{"id", "codex"}, {"name", "Codex"}}, {{"id", "outra"}, {"name", nullptr}}}));
+  EXPECT_EQ(object["codex"]["limitID"], nullptr);
+  EXPECT_EQ(object["codex"]["settings"]["intervalMinutes"], 3);
+  EXPECT_EQ(object["claude"]["status"], "disabled");
+  EXPECT_EQ(object["claude"]["message"], "Integração desativada.");
+  EXPECT_EQ(object["claude"]["sessionUsed"], nullptr);
+  EXPECT_EQ(object["accessibilityText"], "CPU & <cota>");
+  EXPECT_EQ(object["warning"], nullptr);
+  EXPECT_EQ(object["notice"], "aviso");
+}
+
+TEST(PrintFormatter, WritesJsonEvenWhenANameIsNotUtf8) {
+  Scene scene;
+  scene.snapshot.networkName = "\xff";
+  EXPECT_TRUE(parseJson(PrintFormatter::jsonLine(scene.report())));
+}
+
+TEST(PrintFormatter, WritesABlockAModuleForI3bar) {
+  const auto json = parseJson(PrintFormatter::i3barLine(Scene().report()));
+  ASSERT_TRUE(json);
+  ASSERT_EQ(json->size(), 2U);
+  EXPECT_EQ((*json)[0]["full_text"], "7% —");
+  EXPECT_EQ((*json)[1]["full_text"], "<1% <1m");
+  EXPECT_EQ((*json)[1]["name"], "vantora");
+}
+
+TEST(PrintFormatter, EscapesMarkupForWaybar) {
+  const auto json = parseJson(PrintFormatter::waybarLine(Scene().report()));
+  ASSERT_TRUE(json);
+  EXPECT_EQ((*json)["text"], "7% — | &lt;1% &lt;1m");
+  EXPECT_EQ((*json)["tooltip"], "CPU &amp; &lt;cota&gt;");
+  EXPECT_EQ((*json)["class"], "running");
+}
+
+}  // namespace
+}  // namespace vantora
