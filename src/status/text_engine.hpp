@@ -42,19 +42,20 @@ struct LineMetrics {
 };
 
 /// Lives on the main thread. Never fails: a glyph that no font has shows as the font's
-/// own sign for that.
+/// own sign for that, and bytes that are no UTF-8 as U+FFFD.
 class TextEngine {
  public:
   virtual ~TextEngine() = default;
 
-  /// The advance of the whole line.
+  /// The advance of the whole line, in points. 0 for an empty one.
   [[nodiscard]] virtual double width(const StyledText& text) = 0;
 
+  /// The line box of the font, which texts hang from by their ascent.
   [[nodiscard]] virtual LineMetrics metrics(const Font& font) = 0;
 
-  /// Draws the line into the mask, its baseline's left end at (x, y) from the mask's
-  /// lower left corner. `scale` is the number of pixels in a point. What falls outside
-  /// of the mask is cut off.
+  /// Draws the line into the mask, its baseline's left end at (x, y) points from the
+  /// mask's lower left corner. `scale` is the number of pixels in a point. What falls
+  /// outside of the mask is cut off; ink that is there stays.
   virtual void draw(AlphaBitmap& target, double scale, double x, double y,
                     const StyledText& text) = 0;
 };
