@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/json_user_defaults.hpp"
+
+#include <gtest/gtest.h>
+
+#include "settings/fakes.hpp"
+#include "settings/temporary_folder.hpp"
+
+namespace vantora {
+namespace {
+
+namespace fs = std::filesystem;
+using test::readBytes;
+using test::writeBytes;
+
+// What every UserDefaults holds to.
+void expectContract(UserDefaults& defaults) {
+  EXPECT_EQ(defaults.text("a"), std::nullopt);
+  EXPECT_EQ(defaults.setText("a", "/usr/bin/codex"), std::nullopt);
+  EXPECT_EQ(defaults.setText("b", ""), std::nullopt);
+  EXPECT_EQ(defaults.text("a"), "/usr/bin/codex");
+  EXPECT_EQ(defaults.text("b"), "");
+  EXPECT_EQ(defaults.setText("a", "ção"), std::nullopt);
+  EXPECT_EQ(defaults.text("a"), "ção");
+  EXPECT_EQ(defaults.text("b"), "");
+}
+
+TEST(UserDefaults, KeepsTheContractAsAFake) {
+  test::FakeUserDefaults defaults;
+  expectContract(defaults);
+}
+
+class JsonUserDefaultsTest : public testing::Test {
+ protected:
+  test::TemporaryFolder folder_;
+  const fs::path file_ = folder_ / "Vantora/preferences.json";
+  JsonUserDefaults defaults_{folder_.path()};
+};
+
+TEST_F(JsonUserDefaultsTest, KeepsTheContract) {
+  expectContract(defaults_);
+  JsonUserDefaults another(folder_.path());
+  EXPECT_EQ(another.text("a"), "ção");
+}
+
+TEST_F(JsonUserDefaultsTest, KeepsWhatOthersStored) {
+  fs::create_directories(file_.parent_path());
+  writeBytes(file_, R"({"x":[1,{"y":null}],"Vantora.CodexExecutablePath":7})");
+  EXPECT_EQ(defaults_.text(codexExecutablePathKey), std::nullopt);
+  EXPECT_EQ(defaults_.setText(codexExecutablePathKey, "/c"), std::nullopt);
+  EXPECT_EQ(readBytes(file_), R"({"Vantora.CodexExecutablePath":"/c","x":[1,{"y":null}]})");
+}
+
+TEST_F(JsonUserDefaultsTest, ReadsWhatIsNoObjectAsEmptyAndKeepsItAside) {
+  fs::create_directories(file_.parent_path());
+  for (const char* bytes : {"", "[1]", "{\"a\":", "\"a\""}) {
+    writeBytes(file_, bytes);
+    EXPECT_EQ(defaults_.text("a"), std::nullopt);
+    EXPECT_EQ(defaults_.setText("a", "1"), std::nullopt);
+    EXPECT_EQ(defaults_.text("a"), "1");
+    EXPECT_EQ(readBytes(folder_ / "Vantora/preferences.backup.json"), bytes);
+  }
+}
+
+TEST_F(JsonUserDefaultsTest, StoresNothingWhereItMayNot) {
+  writeBytes(folder_ / "Vantora", "in the way");
+  EXPECT_TRUE(defaults_.setText("a", "1"));
+  EXPECT_TRUE(JsonUserDefaults(folder_ / "other").setText("a", "\xff"));
+  EXPECT_EQ(defaults_.text("a"), std::nullopt);
+}
+
+}  // namespace
+}  // namespace vantora
