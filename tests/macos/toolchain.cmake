@@ -28,6 +28,8 @@ string(APPEND macos_check_flags
 foreach(language C CXX OBJCXX)
   set(CMAKE_${language}_FLAGS_INIT "${macos_check_flags}")
 endforeach()
+# The compiler's driver adds an -ObjC++ of its own, which nothing then uses.
+string(APPEND CMAKE_OBJCXX_FLAGS_INIT " -Wno-unused-command-line-argument")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-F${macos_check}/link -L${macos_check}/link")
 
 # Nothing of the Linux machine is ever found by accident.

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#include "platform/macos/app_service_login_item.hpp"
+
+#import <ServiceManagement/ServiceManagement.h>
+
+#include "platform/macos/foundation_text.hpp"
+
+namespace vantora {
+
+LoginItemStatus AppServiceLoginItem::status() {
+  switch (SMAppService.mainAppService.status) {
+    case SMAppServiceStatusNotRegistered:
+      return LoginItemStatus::notRegistered;
+    case SMAppServiceStatusEnabled:
+      return LoginItemStatus::enabled;
+    case SMAppServiceStatusRequiresApproval:
+      return LoginItemStatus::requiresApproval;
+    case SMAppServiceStatusNotFound:
+      return LoginItemStatus::notFound;
+  }
+  // A status of a later system.
+  return LoginItemStatus::notRegistered;
+}
+
+std::optional<Fault> AppServiceLoginItem::setRegistered(bool registered) {
+  NSError* error = nil;
+  SMAppService* service = SMAppService.mainAppService;
+  const BOOL succeeded = registered ? [service registerAndReturnError:&error]
+                                    : [service unregisterAndReturnError:&error];
+  if (succeeded) {
+    return std::nullopt;
+  }
+  return Fault::failed(textOf(error.localizedDescription));
+}
+
+}  // namespace vantora

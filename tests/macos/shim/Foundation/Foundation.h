@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+//
+// Our own declarations of the Foundation names that Vantora uses; see
+// CoreFoundation/CoreFoundation.h beside.
+#pragma once
+
+#import <CoreFoundation/CoreFoundation.h>
+#import <objc/NSObjCRuntime.h>
+#import <objc/NSObject.h>
+#import <objc/objc.h>
+
+#define NS_ASSUME_NONNULL_BEGIN _Pragma("clang assume_nonnull begin")
+#define NS_ASSUME_NONNULL_END _Pragma("clang assume_nonnull end")
+#define NS_ENUM(type, name) \
+  enum name : type name;    \
+  enum __attribute__((enum_extensibility(open))) name : type
+#define NS_OPTIONS(type, name) \
+  type name;                   \
+  enum __attribute__((flag_enum, enum_extensibility(open))) : type
+#define FOUNDATION_EXPORT extern "C"
+
+typedef CGPoint NSPoint;
+typedef CGSize NSSize;
+typedef CGRect NSRect;
+static inline NSSize NSMakeSize(CGFloat width, CGFloat height) { return NSSize{width, height}; }
+static inline NSPoint NSMakePoint(CGFloat x, CGFloat y) { return NSPoint{x, y}; }
+static inline NSRect NSMakeRect(CGFloat x, CGFloat y, CGFloat width, CGFloat height) {
+  return NSRect{{x, y}, {width, height}};
+}
+
+NS_ASSUME_NONNULL_BEGIN
+
+@class NSString;
+@protocol NSCopying
+- (id)copyWithZone:(nullable struct _NSZone*)zone;
+@end
+
+typedef NSUInteger NSStringEncoding;
+enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
+
+@interface NSString : NSObject <NSCopying>
+@property(readonly) NSUInteger length;
+@property(nullable, readonly) const char* UTF8String;
+- (nullable instancetype)initWithBytes:(const void*)bytes
+                                length:(NSUInteger)length
+                              encoding:(NSStringEncoding)encoding;
+@end
+
+@interface NSNumber : NSObject <NSCopying>
+@end
+
+@interface NSArray<__covariant Object> : NSObject <NSCopying>
+@property(readonly) NSUInteger count;
+@end
+
+@interface NSDictionary<__covariant Key, __covariant Object> : NSObject <NSCopying>
++ (instancetype)dictionaryWithObjects:(const Object _Nonnull[_Nullable])objects
+                              forKeys:(const Key<NSCopying> _Nonnull[_Nullable])keys
+                                count:(NSUInteger)count;
+@end
+
+@interface NSMutableDictionary<Key, Object> : NSDictionary <Key, Object>
+@end
+
+@interface NSError : NSObject <NSCopying>
+@property(readonly, copy) NSString* localizedDescription;
+@end
+
+NS_ASSUME_NONNULL_END
