@@ -49,9 +49,14 @@ void AppCoordinator::sampled(MetricSnapshot snapshot) {
   snapshot.codex = std::move(snapshot_.codex);
   snapshot.claude = std::move(snapshot_.claude);
   snapshot_ = std::move(snapshot);
+  ++samplingRounds_;
+  updated();
+}
+
+void AppCoordinator::updated() {
   drawStatus(/*force=*/false);
-  if (onSampled) {
-    onSampled();
+  if (onUpdate) {
+    onUpdate();
   }
 }
 

@@ -43,8 +43,12 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   /// The latest readings with the latest quota states.
   [[nodiscard]] const MetricSnapshot& snapshot() const { return snapshot_; }
 
-  /// After a snapshot of the sampling was taken over and drawn: for whoever counts rounds.
-  std::function<void()> onSampled;
+  /// How many snapshots the sampling has handed over so far.
+  [[nodiscard]] int samplingRounds() const { return samplingRounds_; }
+
+  /// After new readings or quota states were taken over and, where that changed a text,
+  /// drawn.
+  std::function<void()> onUpdate;
 
  private:
   struct Token {};
@@ -57,9 +61,11 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   void drawStatus(bool force);
   void configurationChanged(const AppConfiguration& configuration);
   void sampled(MetricSnapshot snapshot);
+  void updated();
 
   AppParts parts_;
   MetricSnapshot snapshot_;
+  int samplingRounds_ = 0;
   std::optional<std::string> lastSignature_;               // of what was drawn last
   std::optional<AppConfiguration> lastConfiguration_;      // of what was drawn last
   std::optional<AppConfiguration> samplingConfiguration_;  // handed to the sampling last

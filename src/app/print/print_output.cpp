@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/print/print_output.hpp"
 
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -24,13 +25,18 @@ std::size_t terminalColumns(int descriptor) {
 
 }  // namespace
 
-bool PrintOutput::print(const PrintReport& report) {
-  const bool isWritten = write(next(report));
+int PrintOutput::print(const PrintReport& report) {
+  const int error = write(next(report));
   hasPrinted_ = true;
-  return isWritten;
+  return error;
 }
 
-void PrintOutput::finish() {
+bool PrintOutput::hasReader() const {
+  pollfd output{descriptor_, 0, 0};
+  return poll(&output, 1, 0) != 1 || (output.revents & (POLLERR | POLLHUP)) == 0;
+}
+
+void PrintOutput::finish() const {
   if (!hasPrinted_) {
     return;
   }
@@ -65,19 +71,19 @@ std::string PrintOutput::next(const PrintReport& report) {
   return (hasPrinted_ ? backToFirstLine : "") + (eraseLine + lines);
 }
 
-bool PrintOutput::write(const std::string& text) {
+int PrintOutput::write(const std::string& text) const {
   std::size_t written = 0;
   while (written < text.size()) {
     const ssize_t count = ::write(descriptor_, text.data() + written, text.size() - written);
     if (count < 0 && errno == EINTR) {
       continue;
     }
-    if (count <= 0) {
-      return false;
+    if (count < 0) {
+      return errno;
     }
     written += static_cast<std::size_t>(count);
   }
-  return true;
+  return 0;
 }
 
 }  // namespace vantora

@@ -18,15 +18,18 @@ class PrintOutput {
   PrintOutput(int descriptor, PrintFormat format, bool follow, bool isTerminal)
       : descriptor_(descriptor), format_(format), follow_(follow), isTerminal_(isTerminal) {}
 
-  /// False when nobody reads any more, or when nothing can be written.
-  [[nodiscard]] bool print(const PrintReport& report);
+  /// 0, or why nothing could be written (errno(3)); EPIPE when nobody reads any more.
+  [[nodiscard]] int print(const PrintReport& report);
+
+  /// Whether someone may still read: false once a pipe's reader is gone.
+  [[nodiscard]] bool hasReader() const;
 
   /// Leaves the terminal's cursor on a line of its own and closes what print() opened.
-  void finish();
+  void finish() const;
 
  private:
   [[nodiscard]] std::string next(const PrintReport& report);
-  [[nodiscard]] bool write(const std::string& text);
+  [[nodiscard]] int write(const std::string& text) const;
 
   int descriptor_;
   PrintFormat format_;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "app/print/cells.hpp"
 #include "app/print/iso_date.hpp"
 #include "model/json.hpp"
 #include "status/metric_formatter.hpp"
@@ -24,8 +25,7 @@ std::vector<Column> visibleColumns(const PrintReport& report) {
   std::vector<Column> columns;
   for (const ModuleConfiguration& module : report.configuration.modules) {
     if (module.isVisible(report.snapshot)) {
-      columns.push_back({&module,
-                         MetricFormatter::text(module.top, report.snapshot, report.now),
+      columns.push_back({&module, MetricFormatter::text(module.top, report.snapshot, report.now),
                          MetricFormatter::text(module.bottom, report.snapshot, report.now)});
     }
   }
@@ -39,16 +39,10 @@ std::string joined(const Column& column) {
   return column.top + " " + column.bottom;
 }
 
-// Characters, not bytes: each code point of these texts takes one cell.
-std::size_t cells(std::string_view text) {
-  return static_cast<std::size_t>(std::count_if(
-      text.begin(), text.end(), [](char byte) { return (byte & 0xc0) != 0x80; }));
-}
-
 std::string cutToCells(std::string text, std::size_t most) {
   std::size_t seen = 0;
   for (std::size_t index = 0; index < text.size(); ++index) {
-    if ((text[index] & 0xc0) != 0x80 && seen++ == most) {
+    if (beginsCharacter(text[index]) && seen++ == most) {
       text.resize(index);
       break;
     }
@@ -162,12 +156,12 @@ std::string textColumns(const PrintReport& report, std::size_t columns) {
   std::string top;
   std::string bottom;
   for (const Column& column : visibleColumns(report)) {
-    const std::size_t width = std::max(cells(column.top), cells(column.bottom));
+    const std::size_t width = std::max(cellCount(column.top), cellCount(column.bottom));
     const auto append = [&](std::string& line, const std::string& text) {
       if (!line.empty()) {
         line += "  ";
       }
-      line.append(width - cells(text), ' ');
+      line.append(width - cellCount(text), ' ');
       line += text;
     };
     append(top, column.top);

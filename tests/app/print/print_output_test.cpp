@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 
 #include "model/json.hpp"
@@ -58,9 +59,9 @@ class PrintOutputTest : public testing::Test {
 TEST_F(PrintOutputTest, WritesALineAPrintWhereNoTerminalReads) {
   PrintOutput output(descriptor(), PrintFormat::text, true, false);
   setUsage(1);
-  EXPECT_TRUE(output.print(report()));
+  EXPECT_EQ(output.print(report()), 0);
   setUsage(2);
-  EXPECT_TRUE(output.print(report()));
+  EXPECT_EQ(output.print(report()), 0);
   output.finish();
   EXPECT_EQ(written(), "1%\n2%\n");
 }
@@ -68,10 +69,10 @@ TEST_F(PrintOutputTest, WritesALineAPrintWhereNoTerminalReads) {
 TEST_F(PrintOutputTest, DrawsTwoLinesAgainInPlaceOnATerminal) {
   PrintOutput output(descriptor(), PrintFormat::text, true, true);
   setUsage(1);
-  EXPECT_TRUE(output.print(report()));
+  EXPECT_EQ(output.print(report()), 0);
   EXPECT_EQ(written(), "\x1b[2K1%\n\x1b[2K  ");
   setUsage(12);
-  EXPECT_TRUE(output.print(report()));
+  EXPECT_EQ(output.print(report()), 0);
   EXPECT_EQ(written(), "\r\x1b[1A\x1b[2K12%\n\x1b[2K   ");
   output.finish();
   EXPECT_EQ(written(), "\n");
@@ -80,7 +81,7 @@ TEST_F(PrintOutputTest, DrawsTwoLinesAgainInPlaceOnATerminal) {
 TEST_F(PrintOutputTest, WritesTwoPlainLinesOnceOnATerminal) {
   PrintOutput output(descriptor(), PrintFormat::text, false, true);
   setUsage(1);
-  EXPECT_TRUE(output.print(report()));
+  EXPECT_EQ(output.print(report()), 0);
   output.finish();
   EXPECT_EQ(written(), "1%\n  \n");
 }
@@ -89,9 +90,9 @@ TEST_F(PrintOutputTest, WritesAWholeJsonDocumentForI3bar) {
   for (const bool follow : {false, true}) {
     PrintOutput output(descriptor(), PrintFormat::i3bar, follow, false);
     setUsage(1);
-    EXPECT_TRUE(output.print(report()));
+    EXPECT_EQ(output.print(report()), 0);
     if (follow) {
-      EXPECT_TRUE(output.print(report()));
+      EXPECT_EQ(output.print(report()), 0);
     }
     output.finish();
     const std::string text = written();
@@ -105,8 +106,10 @@ TEST_F(PrintOutputTest, WritesAWholeJsonDocumentForI3bar) {
 
 TEST_F(PrintOutputTest, SaysWhenNobodyReadsAnyMore) {
   PrintOutput output(descriptor(), PrintFormat::json, true, false);
+  EXPECT_TRUE(output.hasReader());
   closeReader();
-  EXPECT_FALSE(output.print(report()));
+  EXPECT_FALSE(output.hasReader());
+  EXPECT_EQ(output.print(report()), EPIPE);
 }
 
 }  // namespace

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+//
+// The text engine of a face that shows characters and no picture: it measures in cells
+// and draws nothing, so that the program loads no font.
+#pragma once
+
+#include "status/text_engine.hpp"
+
+namespace vantora {
+
+class CellTextEngine final : public TextEngine {
+ public:
+  /// Every character takes 0.6 of its point size, as in a usual terminal's face.
+  [[nodiscard]] double width(const StyledText& text) override;
+  [[nodiscard]] LineMetrics metrics(const Font& font) override;
+  void draw(AlphaBitmap&, double, double, double, const StyledText&) override {}
+};
+
+}  // namespace vantora

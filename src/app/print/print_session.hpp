@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+//
+// One run of vantora-print: the status item of a coordinator whose bar is a stream of
+// lines. Prints once when everything asked for is there, or at every change.
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include "app/app_coordinator.hpp"
+#include "app/print/print_options.hpp"
+#include "app/print/print_output.hpp"
+#include "app/status_item.hpp"
+#include "runtime/clock.hpp"
+#include "runtime/task_queue.hpp"
+
+namespace vantora {
+
+/// Lives on the main thread, longer than the coordinator that shows in it.
+class PrintSession final : public StatusItem {
+ public:
+  /// `onEnd` is called once with 0, or with why the output cannot be written (errno).
+  /// A reader that went away is an ordinary end.
+  PrintSession(const PrintOptions& options, PrintOutput& output, TaskQueue& queue,
+               const Clock& clock, std::function<void(int error)> onEnd);
+
+  /// Launches the coordinator, which was made with this session as its status item.
+  void start(AppCoordinator& coordinator);
+
+  /// A signal asked for the end.
+  void stop() { end(0); }
+
+  [[nodiscard]] double thickness() const override { return 24; }
+  void show(const StatusPresentation& presentation) override;
+
+ private:
+  void updated();
+  void print();
+  void end(int error);
+
+  PrintOptions options_;
+  PrintOutput& output_;
+  TaskQueue& queue_;
+  const Clock& clock_;
+  std::function<void(int)> onEnd_;
+  AppCoordinator* coordinator_ = nullptr;
+  std::optional<StatusPresentation> presentation_;
+  TimerHandle timeout_;
+  bool hasEnded_ = false;
+};
+
+}  // namespace vantora

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+//
+// A whole application over fakes and virtual time.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <initializer_list>
+#include <memory>
+#include <utility>
+
+#include "app/app_coordinator.hpp"
+#include "model/configuration_codec.hpp"
+#include "settings/fakes.hpp"
+#include "settings/temporary_folder.hpp"
+#include "support/fake_network_source.hpp"
+#include "support/fake_power_sources.hpp"
+#include "support/fake_text_engine.hpp"
+#include "support/fake_tick_counters.hpp"
+#include "support/virtual_time.hpp"
+
+namespace vantora::test {
+
+/// A configuration of these modules at one second.
+inline AppConfiguration showing(std::initializer_list<std::pair<MetricID, MetricID>> modules) {
+  AppConfiguration configuration;
+  configuration.modules.clear();
+  for (const auto& [top, bottom] : modules) {
+    configuration.modules.emplace_back();
+    configuration.modules.back().top = top;
+    configuration.modules.back().bottom = bottom;
+  }
+  configuration.intervalSeconds = 1;
+  return configuration;
+}
+
+struct AppWorld {
+  /// Makes the coordinator over a stored configuration; the caller launches it.
+  void make(const AppConfiguration& configuration, StatusItem& item) {
+    std::filesystem::create_directories(folder / "Vantora");
+    writeBytes(folder / "Vantora/configuration.json", *ConfigurationCodec::encode(configuration));
+    auto fakeTicks = std::make_unique<FakeTickCounters>();
+    ticks = fakeTicks.get();
+    SamplingSources sources{std::move(fakeTicks), std::make_unique<FakeNetworkSource>(),
+                            std::make_unique<FakeBatterySource>(),
+                            std::make_unique<FakeSensorSource>()};
+    coordinator = AppCoordinator::create(
+        {time, item, engine,
+         std::make_unique<SettingsModel>(*main, ConfigurationStore(folder.path()), loginItem,
+                                         defaults),
+         SamplingCoordinator::create(*sampling, *main, time, std::move(sources))});
+  }
+
+  void change(const std::function<void(AppConfiguration&)>& edit) {
+    AppConfiguration configuration = coordinator->model().configuration();
+    edit(configuration);
+    coordinator->model().setConfiguration(std::move(configuration));
+    time.runPosted();
+  }
+
+  /// The usage that the next reading finds since the last one.
+  void setUsage(std::uint64_t percent) {
+    active += percent;
+    idle += 100 - percent;
+    ticks->set(active, idle);
+  }
+
+  VirtualTime time;
+  std::unique_ptr<VirtualQueue> main = time.makeQueue();
+  std::unique_ptr<VirtualQueue> sampling = time.makeQueue();
+  TemporaryFolder folder;
+  FakeLoginItem loginItem;
+  FakeUserDefaults defaults;
+  FakeTextEngine engine;
+  FakeTickCounters* ticks = nullptr;
+  std::uint64_t active = 1000;
+  std::uint64_t idle = 9000;
+  std::shared_ptr<AppCoordinator> coordinator;
+};
+
+}  // namespace vantora::test

@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: MIT
+#include "app/print/print_session.hpp"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+
+#include "app/app_world.hpp"
+
+namespace vantora::test {
+namespace {
+
+class PrintSessionTest : public testing::Test, protected AppWorld {
+ protected:
+  PrintSessionTest() {
+    std::signal(SIGPIPE, SIG_IGN);
+    EXPECT_EQ(pipe2(ends_.data(), O_CLOEXEC | O_NONBLOCK), 0);
+  }
+  ~PrintSessionTest() override {
+    closeReader();
+    close(ends_[1]);
+  }
+  void closeReader() {
+    if (ends_[0] >= 0) {
+      close(std::exchange(ends_[0], -1));
+    }
+  }
+
+  void start(const AppConfiguration& configuration, PrintOptions options) {
+    output_ = std::make_unique<PrintOutput>(ends_[1], options.format, options.follow, false);
+    session_ = std::make_unique<PrintSession>(options, *output_, *main, time, [this](int error) {
+      ++ends;
+      lastError = error;
+    });
+    make(configuration, *session_);
+    session_->start(*coordinator);
+    time.runPosted();
+  }
+
+  // What was printed since the last call.
+  std::string printed() {
+    std::array<char, 8192> buffer{};
+    const ssize_t count = read(ends_[0], buffer.data(), buffer.size());
+    return {buffer.data(), static_cast<std::size_t>(count > 0 ? count : 0)};
+  }
+
+  int ends = 0;
+  int lastError = -1;
+  std::unique_ptr<PrintOutput> output_;
+  std::unique_ptr<PrintSession> session_;
+
+ private:
+  std::array<int, 2> ends_{-1, -1};
+};
+
+TEST_F(PrintSessionTest, PrintsOnceAfterTheSecondRound) {
+  start(showing({{MetricID::cpuUsage, MetricID::none}}), {});
+  EXPECT_EQ(printed(), "");
+  setUsage(30);
+  time.advance(Seconds{0.999});
+  EXPECT_EQ(ends, 0);
+  time.advance(Seconds{0.001});
+  EXPECT_EQ(printed(), "30%\n");
+  EXPECT_EQ(ends, 1);
+  EXPECT_EQ(lastError, 0);
+  setUsage(40);
+  time.advance(Seconds{90});
+  EXPECT_EQ(printed(), "");
+  EXPECT_EQ(ends, 1);
+}
+
+TEST_F(PrintSessionTest, PrintsAfterTheFirstRoundWhereNoTimerSamples) {
+  start(showing({{MetricID::batteryPercent, MetricID::batteryTime}}), {});
+  EXPECT_EQ(printed(), "— —\n");
+  EXPECT_EQ(ends, 1);
+}
+
+TEST_F(PrintSessionTest, PrintsWhatThereIsWhenTheTimeIsUp) {
+  PrintOptions options;
+  options.timeout = Seconds{0.5};
+  start(showing({{MetricID::cpuUsage, MetricID::none}}), options);
+  time.advance(Seconds{0.499});
+  EXPECT_EQ(ends, 0);
+  time.advance(Seconds{0.001});
+  EXPECT_EQ(printed(), "—\n");
+  EXPECT_EQ(ends, 1);
+}
+
+TEST_F(PrintSessionTest, FollowsWithALineAtEveryChange) {
+  PrintOptions options;
+  options.follow = true;
+  start(showing({{MetricID::cpuUsage, MetricID::none}}), options);
+  for (const std::uint64_t percent : {30U, 30U, 31U}) {
+    setUsage(percent);
+    time.advance(Seconds{1});
+  }
+  EXPECT_EQ(printed(), "—\n30%\n31%\n");
+  EXPECT_EQ(ends, 0);
+}
+
+TEST_F(PrintSessionTest, FollowsForAsLongAsTheUserSaid) {
+  PrintOptions options;
+  options.follow = true;
+  options.timeout = Seconds{100};
+  options.hasTimeout = true;
+  start(showing({{MetricID::batteryPercent, MetricID::none}}), options);
+  time.advance(Seconds{99.9});
+  EXPECT_EQ(ends, 0);
+  time.advance(Seconds{0.1});
+  EXPECT_EQ(ends, 1);
+  EXPECT_EQ(lastError, 0);
+}
+
+TEST_F(PrintSessionTest, FollowsWithoutEndOtherwise) {
+  PrintOptions options;
+  options.follow = true;
+  start(showing({{MetricID::batteryPercent, MetricID::none}}), options);
+  time.advance(Seconds{3600});
+  EXPECT_EQ(ends, 0);
+}
+
+TEST_F(PrintSessionTest, EndsQuietlyWhenNobodyReadsEvenIfNothingChanges) {
+  PrintOptions options;
+  options.follow = true;
+  start(showing({{MetricID::cpuUsage, MetricID::none}}), options);
+  closeReader();
+  time.advance(Seconds{1});
+  EXPECT_EQ(ends, 1);
+  EXPECT_EQ(lastError, 0);
+}
+
+TEST_F(PrintSessionTest, EndsOnceWhenASignalAsksForIt) {
+  PrintOptions options;
+  options.follow = true;
+  start(showing({{MetricID::cpuUsage, MetricID::none}}), options);
+  session_->stop();
+  session_->stop();
+  setUsage(50);
+  time.advance(Seconds{5});
+  EXPECT_EQ(printed(), "—\n");
+  EXPECT_EQ(ends, 1);
+}
+
+TEST_F(PrintSessionTest, CarriesTheNoticeOfADocumentThatWasRefused) {
+  PrintOptions options;
+  options.format = PrintFormat::json;
+  AppConfiguration tooFast = showing({{MetricID::batteryPercent, MetricID::none}});
+  tooFast.intervalSeconds = 0;
+  start(tooFast, options);
+  time.advance(Seconds{2});
+  EXPECT_THAT(printed(),
+              testing::HasSubstr("Configuração inválida preservada em disco; padrão carregado."));
+}
+
+}  // namespace
+}  // namespace vantora::test
