@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+namespace vantora {
+
+/// Where the session's message bus listens, from the values of DBUS_SESSION_BUS_ADDRESS
+/// and XDG_RUNTIME_DIR (null when unset): the first, else the "bus" socket in the second
+/// (the place that systemd's user sessions use). Empty when neither tells.
+[[nodiscard]] std::string sessionBusAddress(const char* sessionBusAddress,
+                                            const char* runtimeDirectory);
+
+}  // namespace vantora

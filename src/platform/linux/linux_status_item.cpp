@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/linux_status_item.hpp"
+
+#include <array>
+#include <utility>
+
+namespace vantora {
+namespace {
+
+// Panels are 24 points high where nobody says otherwise; the picture takes 22 of them.
+constexpr double barThickness = 24;
+// The item is 6 points longer than the picture: 3 on either side.
+constexpr double sideMargin = 3;
+constexpr double plateRadius = 5;
+// What panels of the usual heights ask for, and twice the smaller ones.
+constexpr std::array<int, 5> squareSides{16, 22, 24, 32, 48};
+constexpr std::array<int, 4> markSides{16, 22, 32, 48};
+
+}  // namespace
+
+LinuxStatusItem::LinuxStatusItem(BusConnection& connection, TaskQueue& queue, TextEngine& engine,
+                                 Rasteriser rasterise, Options options,
+                                 std::function<void(StatusItemSituation)> onSituation)
+    : queue_(queue),
+      engine_(engine),
+      rasterise_(std::move(rasterise)),
+      options_(std::move(options)),
+      onSituation_(std::move(onSituation)),
+      item_(connection, *this),
+      portal_(connection, [this](ColorScheme scheme) { colorSchemeChanged(scheme); }),
+      watcher_(connection, queue, options_.processRoot,
+               [this](const StatusNotifierWatcher::State& state) { watcherChanged(state); }) {}
+
+double LinuxStatusItem::thickness() const {
+  return barThickness;
+}
+
+void LinuxStatusItem::show(const StatusPresentation& presentation) {
+  const bool isNewImage = presentation.image != image_;
+  const bool isNewText = presentation.accessibilityText != text_;
+  if (isNewImage) {
+    image_ = presentation.image;
+  }
+  if (isNewText) {
+    text_ = presentation.accessibilityText;
+  }
+  const PictureForm form = this->form();
+  bool isNewIcon = isNewImage && form == PictureForm::wide;
+  bool isNewLabel = false;
+  if (isNewImage && form != PictureForm::wide) {
+    const ModuleColumn module = firstModule_;
+    const std::string label = label_;
+    takeColumns();
+    isNewIcon = module != firstModule_;
+    isNewLabel = label != label_;
+  }
+  if (!watcherState_.isPresent) {
+    return;  // whoever comes asks for everything
+  }
+  if (isNewIcon) {
+    item_.announceIcon();
+  }
+  if (isNewLabel) {
+    item_.announceLabel(label_);
+  }
+  if (isNewText && showsToolTip(watcherState_.host)) {
+    item_.announceToolTip();
+  }
+}
+
+PictureForm LinuxStatusItem::form() const {
+  return pictureForm(watcherState_.host);
+}
+
+void LinuxStatusItem::colorSchemeChanged(ColorScheme scheme) {
+  const Ink before = ink();
+  colorScheme_ = scheme;
+  if (watcherState_.isPresent && ink() != before) {
+    item_.announceIcon();
+  }
+}
+
+// Keeps of the image what the form needs, so that the next image can be compared.
+void LinuxStatusItem::takeColumns() {
+  firstModule_ = {};
+  label_.clear();
+  const PictureForm form = this->form();
+  if (form == PictureForm::wide) {
+    return;
+  }
+  std::vector<ModuleColumn> columns = moduleColumns(image_, engine_);
+  if (form == PictureForm::label) {
+    label_ = labelText(columns);
+  } else if (!columns.empty()) {
+    firstModule_ = std::move(columns.front());
+  }
+}
+
+void LinuxStatusItem::watcherChanged(const StatusNotifierWatcher::State& state) {
+  const bool isNewHost = state.host != watcherState_.host;
+  watcherState_ = state;
+  if (isNewHost) {
+    takeColumns();
+    item_.setHasLabel(form() == PictureForm::label);
+  }
+  if (state.hasHost) {
+    patience_.reset();
+    tellSituation(StatusItemSituation::shown);
+  } else if (!state.hasBus) {
+    patience_.reset();
+    tellSituation(StatusItemSituation::noBus);
+  } else if (patience_ == nullptr) {
+    patience_ = queue_.runAfter(options_.patience, options_.patience / 4,
+                                [this] { tellSituation(StatusItemSituation::noHost); });
+  }
+}
+
+void LinuxStatusItem::tellSituation(StatusItemSituation situation) {
+  if (!hasTold_ || situation != told_) {
+    hasTold_ = true;
+    told_ = situation;
+    onSituation_(situation);
+  }
+}
+
+std::size_t LinuxStatusItem::pictureCount() const {
+  switch (form()) {
+    case PictureForm::wide:
+      return static_cast<std::size_t>(options_.largestScale);
+    case PictureForm::label:
+      return markSides.size();
+    case PictureForm::square:
+      return squareSides.size();
+  }
+  return 0;
+}
+
+StatusNotifierContent::Picture LinuxStatusItem::picture(std::size_t index) {
+  switch (form()) {
+    case PictureForm::wide: {
+      StatusImage image = image_;
+      image.width += 2 * sideMargin;
+      for (PlacedText& text : image.texts) {
+        text.x += sideMargin;
+      }
+      const auto scale = static_cast<double>(index + 1);
+      return {rasterise_(image, engine_, scale), plateRadius * scale};
+    }
+    case PictureForm::label:
+      return {applicationMark(markSides.at(index)), 0};
+    case PictureForm::square: {
+      const double side = squareSides.at(index);
+      return {rasterise_(squareImage(firstModule_, side, engine_), engine_, 1), side / plateRadius};
+    }
+  }
+  return {};
+}
+
+Ink LinuxStatusItem::ink() const {
+  return statusItemInk(watcherState_.host, colorScheme_);
+}
+
+std::string LinuxStatusItem::toolTip() const {
+  return showsToolTip(watcherState_.host) ? toolTipTitle(watcherState_.host, text_) : std::string();
+}
+
+std::string LinuxStatusItem::accessibleDescription() const {
+  return repeatsDescription(watcherState_.host) ? std::string() : text_;
+}
+
+std::string LinuxStatusItem::label() const {
+  return label_;
+}
+
+}  // namespace vantora

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+//
+// The status item on Linux: one StatusNotifierItem whose picture suits the panel that
+// shows it.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "app/status_item.hpp"
+#include "platform/linux/appearance_portal.hpp"
+#include "platform/linux/bus_connection.hpp"
+#include "platform/linux/status_item_host.hpp"
+#include "platform/linux/status_item_picture.hpp"
+#include "platform/linux/status_notifier_item.hpp"
+#include "platform/linux/status_notifier_watcher.hpp"
+
+namespace vantora {
+
+/// Lives on the main thread. Nothing is drawn before a panel asks for the picture, and
+/// nothing is announced that has not changed.
+class LinuxStatusItem final : public StatusItem, private StatusNotifierContent {
+ public:
+  /// Draws the template of an image; `scale` is the number of pixels in a point.
+  using Rasteriser = std::function<AlphaBitmap(const StatusImage&, TextEngine&, double scale)>;
+
+  struct Options {
+    std::string processRoot = "/proc";
+    /// Pixels in a point on the session's finest screen; wide pictures are offered for
+    /// every whole scale up to it.
+    int largestScale = 1;
+    /// How long a session may be without a panel before that is told: at login and when
+    /// a panel restarts it takes a while.
+    Seconds patience{5};
+  };
+
+  /// `onSituation` comes when the situation has changed, "noHost" only after the
+  /// patience. Everything given here outlives the item.
+  LinuxStatusItem(BusConnection& connection, TaskQueue& queue, TextEngine& engine,
+                  Rasteriser rasterise, Options options,
+                  std::function<void(StatusItemSituation)> onSituation);
+
+  [[nodiscard]] double thickness() const override;
+  void show(const StatusPresentation& presentation) override;
+
+ private:
+  [[nodiscard]] std::size_t pictureCount() const override;
+  [[nodiscard]] Picture picture(std::size_t index) override;
+  [[nodiscard]] Ink ink() const override;
+  [[nodiscard]] std::string toolTip() const override;
+  [[nodiscard]] std::string accessibleDescription() const override;
+  [[nodiscard]] std::string label() const override;
+
+  void watcherChanged(const StatusNotifierWatcher::State& state);
+  void colorSchemeChanged(ColorScheme scheme);
+  void tellSituation(StatusItemSituation situation);
+  [[nodiscard]] PictureForm form() const;
+  void takeColumns();
+
+  TaskQueue& queue_;
+  TextEngine& engine_;
+  Rasteriser rasterise_;
+  Options options_;
+  std::function<void(StatusItemSituation)> onSituation_;
+
+  StatusImage image_;
+  std::string text_;
+  ModuleColumn firstModule_;  // kept for the square form only
+  std::string label_;         // kept for the label form only
+
+  StatusNotifierWatcher::State watcherState_;
+  ColorScheme colorScheme_ = ColorScheme::noPreference;
+  bool hasTold_ = false;
+  StatusItemSituation told_ = StatusItemSituation::shown;
+  TimerHandle patience_;
+
+  // Destroyed before what they call.
+  StatusNotifierItem item_;
+  AppearancePortal portal_;
+  StatusNotifierWatcher watcher_;
+};
+
+}  // namespace vantora

@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/status_notifier_item.hpp"
+
+#include <span>
+
+#include "platform/linux/status_item_picture.hpp"
+
+namespace vantora {
+namespace {
+
+constexpr const char* itemPath = "/StatusNotifierItem";
+constexpr const char* itemInterface = "org.kde.StatusNotifierItem";
+
+StatusNotifierContent& contentOf(void* item) {
+  return static_cast<StatusNotifierItem*>(item)->content();
+}
+
+// One element of a(iiay), its bytes written straight into the message.
+int appendPicture(sd_bus_message* reply, const StatusNotifierContent::Picture& picture, Ink ink) {
+  int result = sd_bus_message_open_container(reply, SD_BUS_TYPE_STRUCT, "iiay");
+  if (result < 0) {
+    return result;
+  }
+  const AlphaBitmap& bitmap = picture.bitmap;
+  result = sd_bus_message_append(reply, "ii", bitmap.width, bitmap.height);
+  if (result < 0) {
+    return result;
+  }
+  const std::size_t size = bitmap.pixels.size() * 4;
+  void* space = nullptr;
+  result = sd_bus_message_append_array_space(reply, SD_BUS_TYPE_BYTE, size, &space);
+  if (result < 0) {
+    return result;
+  }
+  tint(bitmap, ink, picture.cornerRadius, std::span(static_cast<std::uint8_t*>(space), size));
+  return sd_bus_message_close_container(reply);
+}
+
+int getIconPixmap(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void* item,
+                  sd_bus_error*) {
+  StatusNotifierContent& content = contentOf(item);
+  int result = sd_bus_message_open_container(reply, SD_BUS_TYPE_ARRAY, "(iiay)");
+  for (std::size_t index = 0; result >= 0 && index < content.pictureCount(); ++index) {
+    result = appendPicture(reply, content.picture(index), content.ink());
+  }
+  return result < 0 ? result : sd_bus_message_close_container(reply);
+}
+
+int getToolTip(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void* item,
+               sd_bus_error*) {
+  // Icon name, icon pixmaps (none), title, description. The lines stand in the title:
+  // every panel shows it, while some leave out the description.
+  return sd_bus_message_append(reply, "(sa(iiay)ss)", "", 0, contentOf(item).toolTip().c_str(), "");
+}
+
+int getAccessibleDescription(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply,
+                             void* item, sd_bus_error*) {
+  return sd_bus_message_append(reply, "s", contentOf(item).accessibleDescription().c_str());
+}
+
+int getLabel(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void* item,
+             sd_bus_error*) {
+  return sd_bus_message_append(reply, "s", contentOf(item).label().c_str());
+}
+
+// Properties that never change. The name of the property comes with the call.
+int getFixedText(sd_bus*, const char*, const char*, const char* property, sd_bus_message* reply,
+                 void*, sd_bus_error*) {
+  struct Fixed {
+    std::string_view property;
+    const char* value;
+  };
+  constexpr Fixed fixed[] = {
+      {"Category", "SystemServices"},
+      {"Id", "vantora"},
+      {"Title", "Vantora"},
+      {"Status", "Active"},
+  };
+  for (const Fixed& entry : fixed) {
+    if (entry.property == property) {
+      return sd_bus_message_append(reply, "s", entry.value);
+    }
+  }
+  return sd_bus_message_append(reply, "s", "");  // IconName and its relatives: pixmaps only
+}
+
+int getFalse(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void*,
+             sd_bus_error*) {
+  return sd_bus_message_append(reply, "b", 0);
+}
+
+int getZero(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void*,
+            sd_bus_error*) {
+  return sd_bus_message_append(reply, "i", 0);
+}
+
+// Clicks that have no meaning yet are answered, so that no panel waits or complains.
+int acceptAndIgnore(sd_bus_message* call, void*, sd_bus_error*) {
+  return sd_bus_reply_method_return(call, "");
+}
+
+const sd_bus_vtable itemTable[] = {
+    SD_BUS_VTABLE_START(0),
+    SD_BUS_PROPERTY("Category", "s", getFixedText, 0, SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_PROPERTY("Id", "s", getFixedText, 0, SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_PROPERTY("Title", "s", getFixedText, 0, SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_PROPERTY("Status", "s", getFixedText, 0, SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_PROPERTY("WindowId", "i", getZero, 0, SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_PROPERTY("IconName", "s", getFixedText, 0, SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_PROPERTY("IconPixmap", "a(iiay)", getIconPixmap, 0, 0),
+    SD_BUS_PROPERTY("IconAccessibleDesc", "s", getAccessibleDescription, 0, 0),
+    SD_BUS_PROPERTY("OverlayIconName", "s", getFixedText, 0, SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_PROPERTY("AttentionIconName", "s", getFixedText, 0, SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_PROPERTY("ToolTip", "(sa(iiay)ss)", getToolTip, 0, 0),
+    SD_BUS_PROPERTY("ItemIsMenu", "b", getFalse, 0, SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_METHOD("Activate", "ii", "", acceptAndIgnore, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("SecondaryActivate", "ii", "", acceptAndIgnore, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("ContextMenu", "ii", "", acceptAndIgnore, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("Scroll", "is", "", acceptAndIgnore, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_SIGNAL("NewTitle", "", 0),
+    SD_BUS_SIGNAL("NewIcon", "", 0),
+    SD_BUS_SIGNAL("NewAttentionIcon", "", 0),
+    SD_BUS_SIGNAL("NewOverlayIcon", "", 0),
+    SD_BUS_SIGNAL("NewToolTip", "", 0),
+    SD_BUS_SIGNAL("NewStatus", "s", 0),
+    SD_BUS_VTABLE_END,
+};
+
+// A second table of the same interface: present only while the item has a label.
+const sd_bus_vtable labelTable[] = {
+    SD_BUS_VTABLE_START(0),
+    SD_BUS_PROPERTY("XAyatanaLabel", "s", getLabel, 0, 0),
+    SD_BUS_PROPERTY("XAyatanaLabelGuide", "s", getLabel, 0, 0),
+    SD_BUS_SIGNAL("XAyatanaNewLabel", "ss", 0),
+    SD_BUS_VTABLE_END,
+};
+
+}  // namespace
+
+StatusNotifierItem::StatusNotifierItem(BusConnection& connection, StatusNotifierContent& content)
+    : connection_(connection), content_(content) {
+  connection_.add(*this);
+}
+
+StatusNotifierItem::~StatusNotifierItem() {
+  connection_.remove(*this);
+}
+
+void StatusNotifierItem::busConnected(sd_bus& bus) {
+  bus_ = &bus;
+  sd_bus_add_object_vtable(bus_, out(object_), itemPath, itemInterface, itemTable, this);
+  exportLabel();
+}
+
+void StatusNotifierItem::busLost() {
+  bus_ = nullptr;
+  labelObject_.reset();
+  object_.reset();
+}
+
+void StatusNotifierItem::setHasLabel(bool hasLabel) {
+  if (hasLabel != hasLabel_) {
+    hasLabel_ = hasLabel;
+    exportLabel();
+  }
+}
+
+void StatusNotifierItem::exportLabel() {
+  labelObject_.reset();
+  if (bus_ != nullptr && hasLabel_) {
+    sd_bus_add_object_vtable(bus_, out(labelObject_), itemPath, itemInterface, labelTable, this);
+  }
+}
+
+void StatusNotifierItem::announceIcon() {
+  if (bus_ != nullptr) {
+    sd_bus_emit_signal(bus_, itemPath, itemInterface, "NewIcon", "");
+  }
+}
+
+void StatusNotifierItem::announceToolTip() {
+  if (bus_ != nullptr) {
+    sd_bus_emit_signal(bus_, itemPath, itemInterface, "NewToolTip", "");
+  }
+}
+
+void StatusNotifierItem::announceLabel(const std::string& label) {
+  if (bus_ != nullptr) {
+    sd_bus_emit_signal(bus_, itemPath, itemInterface, "XAyatanaNewLabel", "ss", label.c_str(),
+                       label.c_str());
+  }
+}
+
+}  // namespace vantora

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/status_item_host.hpp"
+
+#include <gtest/gtest.h>
+
+#include "platform/linux/bus_address.hpp"
+
+namespace vantora {
+namespace {
+
+TEST(StatusItemHost, IsKnownByTheNameOfTheWatchersProcess) {
+  EXPECT_EQ(statusItemHost("waybar\n"), StatusItemHost::waybar);
+  EXPECT_EQ(statusItemHost("notification-ar\n"), StatusItemHost::mate);
+  EXPECT_EQ(statusItemHost("mate-panel"), StatusItemHost::mate);
+  EXPECT_EQ(statusItemHost("gnome-shell\n"), StatusItemHost::gnome);
+  EXPECT_EQ(statusItemHost("panel-6-systray\n"), StatusItemHost::xfce);
+  EXPECT_EQ(statusItemHost("panel-12-systray\n"), StatusItemHost::xfce);
+  EXPECT_EQ(statusItemHost("kded5\n"), StatusItemHost::plasma);
+  EXPECT_EQ(statusItemHost("lxqt-panel\n"), StatusItemHost::lxqt);
+}
+
+TEST(StatusItemHost, IsOtherForWhateverIsNotKnown) {
+  EXPECT_EQ(statusItemHost(""), StatusItemHost::other);
+  EXPECT_EQ(statusItemHost("\n"), StatusItemHost::other);
+  EXPECT_EQ(statusItemHost("swaybar\n"), StatusItemHost::other);
+  EXPECT_EQ(statusItemHost("waybar-clone"), StatusItemHost::other);
+  EXPECT_EQ(statusItemHost("panel-6-clock"), StatusItemHost::other);
+}
+
+TEST(StatusItemHost, GetsTheWholePictureOnlyWhereThePanelKeepsItWide) {
+  EXPECT_EQ(pictureForm(StatusItemHost::waybar), PictureForm::wide);
+  EXPECT_EQ(pictureForm(StatusItemHost::mate), PictureForm::wide);
+  EXPECT_EQ(pictureForm(StatusItemHost::gnome), PictureForm::label);
+  EXPECT_EQ(pictureForm(StatusItemHost::xfce), PictureForm::square);
+  EXPECT_EQ(pictureForm(StatusItemHost::plasma), PictureForm::square);
+  EXPECT_EQ(pictureForm(StatusItemHost::lxqt), PictureForm::square);
+  EXPECT_EQ(pictureForm(StatusItemHost::other), PictureForm::square);
+}
+
+TEST(StatusItemHost, GetsTheDesktopsColoursWhereItsPanelFollowsThem) {
+  EXPECT_EQ(statusItemInk(StatusItemHost::plasma, ColorScheme::light), Ink::dark);
+  EXPECT_EQ(statusItemInk(StatusItemHost::plasma, ColorScheme::dark), Ink::light);
+  EXPECT_EQ(statusItemInk(StatusItemHost::plasma, ColorScheme::noPreference), Ink::lightOnPlate);
+}
+
+TEST(StatusItemHost, GetsAPlateWhereThePanelsColoursAreNotKnown) {
+  EXPECT_EQ(statusItemInk(StatusItemHost::waybar, ColorScheme::noPreference), Ink::lightOnPlate);
+  EXPECT_EQ(statusItemInk(StatusItemHost::waybar, ColorScheme::light), Ink::lightOnPlate);
+  EXPECT_EQ(statusItemInk(StatusItemHost::waybar, ColorScheme::dark), Ink::light);
+  EXPECT_EQ(statusItemInk(StatusItemHost::gnome, ColorScheme::light), Ink::light);
+}
+
+TEST(StatusItemHost, GetsALineOfToolTipForEachSentence) {
+  EXPECT_EQ(toolTipTitle(StatusItemHost::plasma, "CPU: 12%; Rede: 0,5M. Bateria: —"),
+            "CPU: 12%; Rede: 0,5M\nBateria: —");
+  EXPECT_EQ(toolTipTitle(StatusItemHost::plasma, "Fim."), "Fim.");
+  EXPECT_EQ(toolTipTitle(StatusItemHost::plasma, ""), "");
+}
+
+TEST(StatusItemHost, GetsMarkupEscapedOnlyWhereItIsTakenForMarkup) {
+  EXPECT_EQ(toolTipTitle(StatusItemHost::waybar, "a<b> & c"), "a&lt;b&gt; &amp; c");
+  EXPECT_EQ(toolTipTitle(StatusItemHost::mate, "a<b> & c"), "a<b> & c");
+}
+
+TEST(StatusItemSituation, IsToldInOneLine) {
+  for (const auto situation :
+       {StatusItemSituation::shown, StatusItemSituation::noHost, StatusItemSituation::noBus}) {
+    EXPECT_FALSE(describe(situation).empty());
+    EXPECT_EQ(describe(situation).find('\n'), std::string_view::npos);
+  }
+}
+
+TEST(BusAddress, IsTheEnvironmentsAddress) {
+  EXPECT_EQ(sessionBusAddress("unix:path=/a", "/run/user/1000"), "unix:path=/a");
+}
+
+TEST(BusAddress, IsTheRuntimeDirectorysSocketWithoutOne) {
+  EXPECT_EQ(sessionBusAddress(nullptr, "/run/user/1000"), "unix:path=/run/user/1000/bus");
+  EXPECT_EQ(sessionBusAddress("", "/run/user/1000"), "unix:path=/run/user/1000/bus");
+}
+
+TEST(BusAddress, EscapesWhatAnAddressMayNotHold) {
+  EXPECT_EQ(sessionBusAddress(nullptr, "/tmp/a b,c;d"), "unix:path=/tmp/a%20b%2cc%3bd/bus");
+}
+
+TEST(BusAddress, IsEmptyWhereNothingTells) {
+  EXPECT_EQ(sessionBusAddress(nullptr, nullptr), "");
+  EXPECT_EQ(sessionBusAddress("", ""), "");
+  EXPECT_EQ(sessionBusAddress(nullptr, "relative"), "");
+}
+
+}  // namespace
+}  // namespace vantora

@@ -1,0 +1,432 @@
+// SPDX-License-Identifier: MIT
+//
+// The item on a bus of its own, with a panel that the test plays.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <optional>
+
+#include "platform/linux/block_text_engine.hpp"
+#include "platform/linux/linux_status_item.hpp"
+#include "platform/linux/loop_driver.hpp"
+#include "platform/linux/private_bus.hpp"
+#include "platform/linux/scripted_panel.hpp"
+#include "support/virtual_time.hpp"
+
+namespace vantora {
+namespace {
+
+using test::BlockTextEngine;
+using test::ItemProperties;
+using test::PrivateBus;
+using test::ScriptedPanel;
+using test::VirtualQueue;
+using test::VirtualTime;
+
+StyledText line(const std::string& text) {
+  return {{.text = text, .font = {.face = FontFace::tabularDigits, .pointSize = 9}}};
+}
+
+StatusPresentation presentation(const std::string& first, const std::string& second = "0,1M") {
+  StatusPresentation shown;
+  shown.image = {.width = 60,
+                 .height = 22,
+                 .texts = {{2, 3, line("48")}, {2, 13, line(first)}, {30, 3, line(second)}}};
+  shown.width = 60;
+  shown.accessibilityText = "CPU: " + first + ". Rede: " + second;
+  return shown;
+}
+
+// The desktop's portal with one setting.
+class ScriptedPortal final : public BusConnection::Listener {
+ public:
+  ScriptedPortal(BusConnection& connection, std::uint32_t scheme)
+      : connection_(connection), scheme_(scheme) {
+    connection_.add(*this);
+  }
+  ~ScriptedPortal() override { connection_.remove(*this); }
+  void busConnected(sd_bus& bus) override {
+    bus_ = &bus;
+    sd_bus_add_object_vtable(&bus, out(object_), path, interface, table, this);
+    sd_bus_request_name_async(
+        &bus, out(name_), "org.freedesktop.portal.Desktop", 0,
+        [](sd_bus_message*, void*, sd_bus_error*) { return 0; }, nullptr);
+  }
+  void busLost() override {}
+  void change(std::uint32_t scheme) {
+    scheme_ = scheme;
+    sd_bus_emit_signal(bus_, path, interface, "SettingChanged", "ssv", "org.freedesktop.appearance",
+                       "color-scheme", "u", scheme);
+  }
+
+ private:
+  static constexpr const char* path = "/org/freedesktop/portal/desktop";
+  static constexpr const char* interface = "org.freedesktop.portal.Settings";
+  static int onRead(sd_bus_message* call, void* self, sd_bus_error*) {
+    return sd_bus_reply_method_return(call, "v", "v", "u",
+                                      static_cast<ScriptedPortal*>(self)->scheme_);
+  }
+  static const sd_bus_vtable table[];
+  BusConnection& connection_;
+  std::uint32_t scheme_;
+  sd_bus* bus_ = nullptr;
+  BusSlot object_;
+  BusSlot name_;
+};
+const sd_bus_vtable ScriptedPortal::table[] = {
+    SD_BUS_VTABLE_START(0),
+    SD_BUS_METHOD("Read", "ss", "v", onRead, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_SIGNAL("SettingChanged", "ssv", 0),
+    SD_BUS_VTABLE_END,
+};
+
+class LinuxStatusItemTest : public testing::Test {
+ protected:
+  LinuxStatusItemTest() {
+    options_.processRoot = bus_.directory() + "/proc";
+    options_.largestScale = 2;
+    panelConnection_ = connect();
+    portalConnection_ = connect();
+  }
+
+  std::unique_ptr<BusConnection> connect() {
+    auto made = std::make_unique<BusConnection>(loop_.raw(), *queue_, bus_.address());
+    made->open();
+    return made;
+  }
+
+  // The panel's process: this one, under the name that the test chooses.
+  void namePanel(const std::string& name) {
+    const std::string directory = options_.processRoot + "/" + std::to_string(::getpid());
+    std::filesystem::create_directories(directory);
+    std::ofstream(directory + "/comm") << name << '\n';
+  }
+
+  void startPanel(const std::string& name, ScriptedPanel::Script script = {}) {
+    namePanel(name);
+    panel_ = std::make_unique<ScriptedPanel>(*panelConnection_, script);
+  }
+
+  void startItem() {
+    itemConnection_ = std::make_unique<BusConnection>(loop_.raw(), *queue_, bus_.address());
+    item_ = std::make_unique<LinuxStatusItem>(
+        *itemConnection_, *queue_, engine_,
+        [this](const StatusImage& image, TextEngine& engine, double scale) {
+          ++drawn_;
+          return test::rasteriseBlocks(image, engine, scale);
+        },
+        options_, [this](StatusItemSituation situation) { situations_.push_back(situation); });
+    itemConnection_->open();
+  }
+
+  bool until(const std::function<bool()>& isDone) { return test::runUntil(loop_, isDone); }
+  bool untilRegistered(std::size_t count = 1) {
+    return until([this, count] { return panel_->items().size() == count; });
+  }
+  bool untilShown() {
+    return until([this] {
+      return !situations_.empty() && situations_.back() == StatusItemSituation::shown;
+    });
+  }
+
+  // What the item answers now. Signals that were sent before have arrived with it.
+  ItemProperties ask() {
+    panel_->ask();
+    EXPECT_TRUE(until([this] { return panel_->properties.has_value(); }));
+    return panel_->properties.value_or(ItemProperties{});
+  }
+
+  using Strings = std::vector<std::string>;
+  using Situations = std::vector<StatusItemSituation>;
+
+  VirtualTime time_;
+  std::unique_ptr<VirtualQueue> queue_ = time_.makeQueue();
+  PrivateBus bus_;
+  UvLoop loop_;
+  BlockTextEngine engine_;
+  LinuxStatusItem::Options options_;
+  int drawn_ = 0;
+  Situations situations_;
+  std::unique_ptr<BusConnection> panelConnection_;
+  std::unique_ptr<BusConnection> portalConnection_;
+  std::unique_ptr<BusConnection> itemConnection_;
+  std::unique_ptr<ScriptedPortal> portal_;
+  std::unique_ptr<ScriptedPanel> panel_;
+  std::unique_ptr<LinuxStatusItem> item_;
+};
+
+TEST_F(LinuxStatusItemTest, RegistersUnderItsOwnNameWithAPanelThatIsThere) {
+  startPanel("waybar");
+  ASSERT_TRUE(until([this] { return panelConnection_->bus() != nullptr; }));
+  startItem();
+  ASSERT_TRUE(untilRegistered());
+  EXPECT_EQ(panel_->items().front(),
+            "org.kde.StatusNotifierItem-" + std::to_string(::getpid()) + "-1");
+  EXPECT_TRUE(untilShown());
+}
+
+TEST_F(LinuxStatusItemTest, SaysWhatItIs) {
+  startPanel("waybar");
+  startItem();
+  item_->show(presentation("12%"));
+  ASSERT_TRUE(untilRegistered());
+  const ItemProperties properties = ask();
+  EXPECT_EQ(properties.texts.at("Category"), "SystemServices");
+  EXPECT_EQ(properties.texts.at("Id"), "vantora");
+  EXPECT_EQ(properties.texts.at("Title"), "Vantora");
+  EXPECT_EQ(properties.texts.at("Status"), "Active");
+  EXPECT_EQ(properties.texts.at("IconName"), "");
+  EXPECT_EQ(properties.texts.at("IconAccessibleDesc"), "CPU: 12%. Rede: 0,1M");
+  EXPECT_EQ(properties.toolTipTitle, "CPU: 12%\nRede: 0,1M");
+  EXPECT_EQ(properties.toolTipDescription, "");
+  EXPECT_EQ(properties.numbers.at("ItemIsMenu"), 0);
+}
+
+TEST_F(LinuxStatusItemTest, GivesWaybarTheWholePictureAtEveryScale) {
+  startPanel("waybar");
+  startItem();
+  item_->show(presentation("12%"));
+  ASSERT_TRUE(untilRegistered());
+  const ItemProperties properties = ask();
+  ASSERT_EQ(properties.pixmaps.size(), 2U);
+  EXPECT_EQ(properties.pixmaps[0].width, 66);
+  EXPECT_EQ(properties.pixmaps[0].height, 22);
+  EXPECT_EQ(properties.pixmaps[1].width, 132);
+  EXPECT_EQ(properties.pixmaps[1].height, 44);
+  StatusImage image = presentation("12%").image;
+  image.width += 6;
+  for (PlacedText& text : image.texts) {
+    text.x += 3;
+  }
+  const AlphaBitmap expected = test::rasteriseBlocks(image, engine_, 1);
+  std::vector<std::uint8_t> bytes(expected.pixels.size() * 4);
+  tint(expected, Ink::lightOnPlate, 5, bytes);
+  EXPECT_EQ(properties.pixmaps[0].bytes, bytes);
+}
+
+TEST_F(LinuxStatusItemTest, GivesMateTheWholePictureAndNoLabel) {
+  startPanel("notification-ar");
+  startItem();
+  item_->show(presentation("12%"));
+  ASSERT_TRUE(untilRegistered());
+  const ItemProperties properties = ask();
+  ASSERT_FALSE(properties.pixmaps.empty());
+  EXPECT_EQ(properties.pixmaps[0].width, 66);
+  EXPECT_FALSE(properties.texts.contains("XAyatanaLabel"));
+}
+
+TEST_F(LinuxStatusItemTest, GivesGnomeALabelBesideASquareMark) {
+  startPanel("gnome-shell");
+  startItem();
+  item_->show(presentation("12%"));
+  ASSERT_TRUE(untilRegistered());
+  const ItemProperties properties = ask();
+  EXPECT_EQ(properties.texts.at("XAyatanaLabel"), "12% 48 · 0,1M");
+  ASSERT_FALSE(properties.pixmaps.empty());
+  for (const test::Pixmap& pixmap : properties.pixmaps) {
+    EXPECT_EQ(pixmap.width, pixmap.height);
+  }
+  item_->show(presentation("13%"));
+  ask();
+  EXPECT_EQ(panel_->signals(), Strings{"XAyatanaNewLabel:13% 48 · 0,1M"});
+}
+
+TEST_F(LinuxStatusItemTest, GivesOtherPanelsASquareOfTheFirstModule) {
+  startPanel("tint2");
+  startItem();
+  item_->show(presentation("12%"));
+  ASSERT_TRUE(untilRegistered());
+  const ItemProperties properties = ask();
+  ASSERT_EQ(properties.pixmaps.size(), 5U);
+  EXPECT_EQ(properties.pixmaps[1].width, 22);
+  EXPECT_EQ(properties.pixmaps[1].height, 22);
+  const StatusImage square = squareImage({line("12%"), line("48")}, 22, engine_);
+  const AlphaBitmap expected = test::rasteriseBlocks(square, engine_, 1);
+  std::vector<std::uint8_t> bytes(expected.pixels.size() * 4);
+  tint(expected, Ink::lightOnPlate, 22.0 / 5, bytes);
+  EXPECT_EQ(properties.pixmaps[1].bytes, bytes);
+
+  item_->show(presentation("12%", "9,9M"));
+  ask();
+  EXPECT_EQ(panel_->signals(), Strings{"NewToolTip"}) << "the first module has not changed";
+}
+
+TEST_F(LinuxStatusItemTest, LeavesTheDescriptionOutWhereItWouldRepeatTheToolTip) {
+  startPanel("panel-6-systray");
+  startItem();
+  item_->show(presentation("12%"));
+  ASSERT_TRUE(untilRegistered());
+  const ItemProperties properties = ask();
+  EXPECT_EQ(properties.texts.at("IconAccessibleDesc"), "");
+  EXPECT_EQ(properties.toolTipTitle, "CPU: 12%\nRede: 0,1M");
+}
+
+TEST_F(LinuxStatusItemTest, AnnouncesOnlyWhatHasChanged) {
+  startPanel("waybar");
+  startItem();
+  item_->show(presentation("12%"));
+  ASSERT_TRUE(untilRegistered());
+  ASSERT_TRUE(untilShown());
+  ask();
+  EXPECT_EQ(panel_->signals(), Strings{}) << "who registers is asked anyway";
+
+  item_->show(presentation("12%"));
+  ask();
+  EXPECT_EQ(panel_->signals(), Strings{});
+
+  item_->show(presentation("13%"));
+  ask();
+  EXPECT_EQ(panel_->signals(), (Strings{"NewIcon", "NewToolTip"}));
+  panel_->forgetSignals();
+
+  StatusPresentation wider = presentation("13%");
+  wider.image.width += 8;
+  item_->show(wider);
+  ask();
+  EXPECT_EQ(panel_->signals(), Strings{"NewIcon"});
+  panel_->forgetSignals();
+
+  wider.accessibilityText += ". Claude: conectado";
+  item_->show(wider);
+  ask();
+  EXPECT_EQ(panel_->signals(), Strings{"NewToolTip"});
+}
+
+TEST_F(LinuxStatusItemTest, DrawsNothingBeforeAPanelAsks) {
+  startPanel("waybar");
+  startItem();
+  item_->show(presentation("12%"));
+  ASSERT_TRUE(untilRegistered());
+  item_->show(presentation("13%"));
+  ASSERT_TRUE(until([this] { return !panel_->signals().empty(); }));
+  EXPECT_EQ(drawn_, 0);
+  ask();
+  EXPECT_EQ(drawn_, 2) << "once for each scale";
+}
+
+TEST_F(LinuxStatusItemTest, RegistersWithAPanelThatComesLate) {
+  startItem();
+  item_->show(presentation("12%"));
+  ASSERT_TRUE(until([this] { return itemConnection_->bus() != nullptr; }));
+  startPanel("waybar");
+  ASSERT_TRUE(untilRegistered());
+  EXPECT_EQ(ask().pixmaps.front().width, 66);
+}
+
+TEST_F(LinuxStatusItemTest, RegistersAgainWithAPanelThatRestarts) {
+  startPanel("waybar");
+  startItem();
+  item_->show(presentation("12%"));
+  ASSERT_TRUE(untilRegistered());
+  panel_.reset();
+  startPanel("tint2");
+  ASSERT_TRUE(untilRegistered());
+  EXPECT_EQ(ask().pixmaps.front().width, 16) << "another panel, another form";
+}
+
+TEST_F(LinuxStatusItemTest, RegistersAgainAfterTheBusDiedAndCameBack) {
+  startPanel("waybar");
+  startItem();
+  item_->show(presentation("12%"));
+  ASSERT_TRUE(untilRegistered());
+  ASSERT_TRUE(untilShown());
+  bus_.stop();
+  ASSERT_TRUE(until([this] { return situations_.back() == StatusItemSituation::noBus; }));
+  item_->show(presentation("14%"));
+  bus_.start();
+  time_.advance(Seconds{2});
+  ASSERT_TRUE(untilRegistered(2));
+  ASSERT_TRUE(untilShown());
+  EXPECT_EQ(ask().toolTipTitle, "CPU: 14%\nRede: 0,1M");
+}
+
+TEST_F(LinuxStatusItemTest, TriesAgainWithAPanelThatIsNotReady) {
+  startPanel("waybar", {.hasHost = true, .refusals = 2});
+  startItem();
+  ASSERT_TRUE(untilShown());
+  ASSERT_TRUE(until([this] { return time_.pendingCount() == 1; }));
+  EXPECT_TRUE(panel_->items().empty());
+  time_.advance(Seconds{1});
+  ASSERT_TRUE(until([this] { return time_.pendingCount() == 1; }));
+  time_.advance(Seconds{2});
+  ASSERT_TRUE(untilRegistered());
+}
+
+TEST_F(LinuxStatusItemTest, SaysOnceAndNotTooSoonThatThereIsNoPanel) {
+  startItem();
+  ASSERT_TRUE(until([this] { return time_.pendingCount() == 1; }));
+  time_.advance(Seconds{4.999});
+  EXPECT_EQ(situations_, Situations{});
+  time_.advance(Seconds{0.001});
+  EXPECT_EQ(situations_, Situations{StatusItemSituation::noHost});
+  time_.advance(Seconds{600});
+  EXPECT_EQ(situations_.size(), 1U);
+  startPanel("waybar");
+  ASSERT_TRUE(untilShown());
+}
+
+TEST_F(LinuxStatusItemTest, DoesNotTakeAWatcherAloneForAPanel) {
+  startPanel("watcher", {.hasHost = false});
+  startItem();
+  ASSERT_TRUE(untilRegistered());
+  ask();
+  time_.advance(Seconds{5});
+  EXPECT_EQ(situations_, Situations{StatusItemSituation::noHost});
+  panel_->setHasHost(true);
+  ASSERT_TRUE(untilShown());
+  panel_->setHasHost(false);
+  ASSERT_TRUE(until([this] { return time_.pendingCount() == 1; }));
+  time_.advance(Seconds{5});
+  EXPECT_EQ(situations_.back(), StatusItemSituation::noHost);
+}
+
+TEST_F(LinuxStatusItemTest, SaysThatThereIsNoBus) {
+  bus_.stop();
+  startItem();
+  EXPECT_EQ(situations_, Situations{StatusItemSituation::noBus});
+  item_->show(presentation("12%"));
+  time_.advance(Seconds{600});
+  EXPECT_EQ(situations_.size(), 1U);
+}
+
+TEST_F(LinuxStatusItemTest, TakesTheColoursFromThePortal) {
+  portal_ = std::make_unique<ScriptedPortal>(*portalConnection_, 2);
+  startPanel("kded5");
+  ASSERT_TRUE(until([this] { return portalConnection_->bus() != nullptr; }));
+  startItem();
+  item_->show(presentation("12%"));
+  ASSERT_TRUE(untilRegistered());
+  const auto corner = [this] {
+    const ItemProperties properties = ask();
+    return std::pair<int, int>(properties.pixmaps.front().bytes[0],
+                               properties.pixmaps.front().bytes[1]);
+  };
+  ASSERT_TRUE(until([&] { return corner() == std::pair(0, 0x1E); })) << "light desktop, dark ink";
+  panel_->forgetSignals();
+  portal_->change(1);
+  ASSERT_TRUE(until([this] { return panel_->signals() == Strings{"NewIcon"}; }));
+  EXPECT_EQ(corner(), std::pair(0, 0xF5)) << "dark desktop, light ink";
+  portal_->change(1);
+  portal_->change(7);
+  ASSERT_TRUE(until([this] { return panel_->signals() == (Strings{"NewIcon", "NewIcon"}); }));
+}
+
+TEST_F(LinuxStatusItemTest, AsksAPortalThatStartsLater) {
+  startPanel("kded5");
+  startItem();
+  item_->show(presentation("12%"));
+  ASSERT_TRUE(untilRegistered());
+  portal_ = std::make_unique<ScriptedPortal>(*portalConnection_, 1);
+  ASSERT_TRUE(until([this] { return panel_->signals() == Strings{"NewIcon"}; }));
+}
+
+TEST_F(LinuxStatusItemTest, StandsInABarOfTwentyFourPoints) {
+  startItem();
+  EXPECT_EQ(item_->thickness(), 24);
+}
+
+}  // namespace
+}  // namespace vantora
