@@ -13,6 +13,8 @@
 
 #include <cstddef>
 
+#include "sampling/interface_list.hpp"
+
 static_assert(sizeof(if_msghdr2) == 160);
 static_assert(offsetof(if_msghdr2, ifm_msglen) == 0);
 static_assert(sizeof(if_msghdr2::ifm_msglen) == 2);
@@ -30,7 +32,8 @@ static_assert(offsetof(if_msghdr2, ifm_data.ifi_obytes) == 104);
 static_assert(sizeof(if_data64::ifi_ibytes) == 8);
 static_assert(sizeof(if_data64::ifi_obytes) == 8);
 
-static_assert(CTL_NET == 4 && PF_ROUTE == 17 && NET_RT_IFLIST2 == 6);
+static_assert(vantora::InterfaceListReader::sysctlName ==
+              std::array<int, 6>{CTL_NET, PF_ROUTE, 0, 0, NET_RT_IFLIST2, 0});
 static_assert(RTM_IFINFO2 == 18);
 static_assert(IFF_UP == 1);
 static_assert(IFT_ETHER == 6);
