@@ -4,6 +4,8 @@
 #include <array>
 #include <utility>
 
+#include "status/rasterise.hpp"
+
 namespace vantora {
 namespace {
 
@@ -19,11 +21,10 @@ constexpr std::array<int, 4> markSides{16, 22, 32, 48};
 }  // namespace
 
 LinuxStatusItem::LinuxStatusItem(BusConnection& connection, TaskQueue& queue, TextEngine& engine,
-                                 Rasteriser rasterise, Options options,
+                                 Options options,
                                  std::function<void(StatusItemSituation)> onSituation)
     : queue_(queue),
       engine_(engine),
-      rasterise_(std::move(rasterise)),
       options_(std::move(options)),
       onSituation_(std::move(onSituation)),
       item_(connection, *this),
@@ -144,13 +145,13 @@ StatusNotifierContent::Picture LinuxStatusItem::picture(std::size_t index) {
         text.x += sideMargin;
       }
       const auto scale = static_cast<double>(index + 1);
-      return {rasterise_(image, engine_, scale), plateRadius * scale};
+      return {rasterise(image, engine_, scale), plateRadius * scale};
     }
     case PictureForm::label:
       return {applicationMark(markSides.at(index)), 0};
     case PictureForm::square: {
       const double side = squareSides.at(index);
-      return {rasterise_(squareImage(firstModule_, side, engine_), engine_, 1), side / plateRadius};
+      return {rasterise(squareImage(firstModule_, side, engine_), engine_, 1), side / plateRadius};
     }
   }
   return {};

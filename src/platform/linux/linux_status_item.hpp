@@ -23,9 +23,6 @@ namespace vantora {
 /// nothing is announced that has not changed.
 class LinuxStatusItem final : public StatusItem, private StatusNotifierContent {
  public:
-  /// Draws the template of an image; `scale` is the number of pixels in a point.
-  using Rasteriser = std::function<AlphaBitmap(const StatusImage&, TextEngine&, double scale)>;
-
   struct Options {
     std::string processRoot = "/proc";
     /// Pixels in a point on the session's finest screen; wide pictures are offered for
@@ -38,8 +35,7 @@ class LinuxStatusItem final : public StatusItem, private StatusNotifierContent {
 
   /// `onSituation` comes when the situation has changed, "noHost" only after the
   /// patience. Everything given here outlives the item.
-  LinuxStatusItem(BusConnection& connection, TaskQueue& queue, TextEngine& engine,
-                  Rasteriser rasterise, Options options,
+  LinuxStatusItem(BusConnection& connection, TaskQueue& queue, TextEngine& engine, Options options,
                   std::function<void(StatusItemSituation)> onSituation);
 
   [[nodiscard]] double thickness() const override;
@@ -61,7 +57,6 @@ class LinuxStatusItem final : public StatusItem, private StatusNotifierContent {
 
   TaskQueue& queue_;
   TextEngine& engine_;
-  Rasteriser rasterise_;
   Options options_;
   std::function<void(StatusItemSituation)> onSituation_;
 

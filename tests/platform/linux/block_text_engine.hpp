@@ -23,6 +23,7 @@ class BlockTextEngine final : public TextEngine {
   }
   void draw(AlphaBitmap& target, double scale, double x, double y,
             const StyledText& text) override {
+    ++drawnLines;
     for (const TextRun& run : text) {
       for (std::size_t index = 0; index < run.text.size(); ++index) {
         fill(target, x * scale, y * scale, advance(run) * 0.9 * scale,
@@ -31,6 +32,8 @@ class BlockTextEngine final : public TextEngine {
       }
     }
   }
+
+  int drawnLines = 0;
 
  private:
   static double advance(const TextRun& run) { return run.font.pointSize * 0.6; }
@@ -46,15 +49,5 @@ class BlockTextEngine final : public TextEngine {
     }
   }
 };
-
-/// A picture of the image in blocks.
-inline AlphaBitmap rasteriseBlocks(const StatusImage& image, TextEngine& engine, double scale) {
-  AlphaBitmap bitmap(static_cast<int>(std::ceil(image.width * scale)),
-                     static_cast<int>(std::ceil(image.height * scale)));
-  for (const PlacedText& text : image.texts) {
-    engine.draw(bitmap, scale, text.x, text.y, text.text);
-  }
-  return bitmap;
-}
 
 }  // namespace vantora::test

@@ -14,6 +14,7 @@
 #include "platform/linux/loop_driver.hpp"
 #include "platform/linux/private_bus.hpp"
 #include "platform/linux/scripted_panel.hpp"
+#include "status/rasterise.hpp"
 #include "support/virtual_time.hpp"
 
 namespace vantora {
@@ -113,12 +114,8 @@ class LinuxStatusItemTest : public testing::Test {
   void startItem() {
     itemConnection_ = std::make_unique<BusConnection>(loop_.raw(), *queue_, bus_.address());
     item_ = std::make_unique<LinuxStatusItem>(
-        *itemConnection_, *queue_, engine_,
-        [this](const StatusImage& image, TextEngine& engine, double scale) {
-          ++drawn_;
-          return test::rasteriseBlocks(image, engine, scale);
-        },
-        options_, [this](StatusItemSituation situation) { situations_.push_back(situation); });
+        *itemConnection_, *queue_, engine_, options_,
+        [this](StatusItemSituation situation) { situations_.push_back(situation); });
     itemConnection_->open();
   }
 
@@ -148,7 +145,6 @@ class LinuxStatusItemTest : public testing::Test {
   UvLoop loop_;
   BlockTextEngine engine_;
   LinuxStatusItem::Options options_;
-  int drawn_ = 0;
   Situations situations_;
   std::unique_ptr<BusConnection> panelConnection_;
   std::unique_ptr<BusConnection> portalConnection_;
@@ -201,7 +197,7 @@ TEST_F(LinuxStatusItemTest, GivesWaybarTheWholePictureAtEveryScale) {
   for (PlacedText& text : image.texts) {
     text.x += 3;
   }
-  const AlphaBitmap expected = test::rasteriseBlocks(image, engine_, 1);
+  const AlphaBitmap expected = rasterise(image, engine_, 1);
   std::vector<std::uint8_t> bytes(expected.pixels.size() * 4);
   tint(expected, Ink::lightOnPlate, 5, bytes);
   EXPECT_EQ(properties.pixmaps[0].bytes, bytes);
@@ -244,7 +240,7 @@ TEST_F(LinuxStatusItemTest, GivesOtherPanelsASquareOfTheFirstModule) {
   EXPECT_EQ(properties.pixmaps[1].width, 22);
   EXPECT_EQ(properties.pixmaps[1].height, 22);
   const StatusImage square = squareImage({line("12%"), line("48")}, 22, engine_);
-  const AlphaBitmap expected = test::rasteriseBlocks(square, engine_, 1);
+  const AlphaBitmap expected = rasterise(square, engine_, 1);
   std::vector<std::uint8_t> bytes(expected.pixels.size() * 4);
   tint(expected, Ink::lightOnPlate, 22.0 / 5, bytes);
   EXPECT_EQ(properties.pixmaps[1].bytes, bytes);
@@ -302,9 +298,9 @@ TEST_F(LinuxStatusItemTest, DrawsNothingBeforeAPanelAsks) {
   ASSERT_TRUE(untilRegistered());
   item_->show(presentation("13%"));
   ASSERT_TRUE(until([this] { return !panel_->signals().empty(); }));
-  EXPECT_EQ(drawn_, 0);
+  EXPECT_EQ(engine_.drawnLines, 0);
   ask();
-  EXPECT_EQ(drawn_, 2) << "once for each scale";
+  EXPECT_EQ(engine_.drawnLines, 6) << "three lines at two scales";
 }
 
 TEST_F(LinuxStatusItemTest, RegistersWithAPanelThatComesLate) {
