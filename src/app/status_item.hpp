@@ -4,10 +4,26 @@
 #pragma once
 
 #include <functional>
+#include <string_view>
 
 #include "status/status_presentation.hpp"
 
 namespace vantora {
+
+/// What the user can ask of the item. Each may be empty, and is then not offered.
+struct StatusItemActions {
+  /// A left click, or "Configurações…" in the menu. `activationToken` is what the desktop
+  /// gave with the click (xdg-activation, startup notification), with which a window may
+  /// come to the front; empty where it gave none.
+  std::function<void(std::string_view activationToken)> openSettings;
+  /// "Pausar" or "Retomar".
+  std::function<void()> togglePause;
+  /// "Sair".
+  std::function<void()> quit;
+  /// Whether sampling is paused, which chooses between the two words: asked when a menu
+  /// is about to open and whenever the item is shown anew.
+  std::function<bool()> isPaused;
+};
 
 /// Lives on the main thread.
 class StatusItem {
@@ -21,6 +37,11 @@ class StatusItem {
   /// points long), tool tip and accessibility label (both the accessibility text). An
   /// item that no bar shows at the moment keeps it for when one does.
   virtual void show(const StatusPresentation& presentation) = 0;
+
+  /// Says what clicks and the menu do; none do anything before. The actions are called on
+  /// the main thread, never from inside of a call to the item. An item that cannot be
+  /// clicked, as a line of text, never calls them.
+  virtual void setActions(StatusItemActions actions) { static_cast<void>(actions); }
 };
 
 }  // namespace vantora
