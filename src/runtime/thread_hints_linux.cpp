@@ -13,6 +13,18 @@ void setTimerSlackOfThisThread(Seconds slack) {
   prctl(PR_SET_TIMERSLACK, static_cast<unsigned long>(nanoseconds > 0 ? nanoseconds : 0), 0, 0, 0);
 }
 
+DefaultTimerSlack::DefaultTimerSlack() {
+  // What init starts with: TASK's timer_slack_ns in the kernel's init/init_task.c.
+  constexpr unsigned long defaultNanoseconds = 50'000;
+  const int current = prctl(PR_GET_TIMERSLACK, 0, 0, 0, 0);
+  previous_ = current > 0 ? static_cast<unsigned long>(current) : defaultNanoseconds;
+  prctl(PR_SET_TIMERSLACK, defaultNanoseconds, 0, 0, 0);
+}
+
+DefaultTimerSlack::~DefaultTimerSlack() {
+  prctl(PR_SET_TIMERSLACK, previous_, 0, 0, 0);
+}
+
 void nameThisThread(std::string_view name) {
   // The kernel keeps 15 bytes (TASK_COMM_LEN); the end tells queues apart best.
   constexpr std::size_t longest = 15;

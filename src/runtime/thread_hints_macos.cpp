@@ -10,6 +10,9 @@ namespace vantora {
 // macOS coalesces timers by the thread's quality of service; there is no slack to set.
 void setTimerSlackOfThisThread(Seconds) {}
 
+DefaultTimerSlack::DefaultTimerSlack() = default;
+DefaultTimerSlack::~DefaultTimerSlack() = default;
+
 void nameThisThread(std::string_view name) {
   pthread_setname_np(std::string(name).c_str());
 }

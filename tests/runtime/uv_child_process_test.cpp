@@ -1,0 +1,271 @@
+// SPDX-License-Identifier: MIT
+//
+// What real children do that scripted ones cannot, and what is left of them: nothing.
+#include "runtime/uv_child_process.hpp"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <string>
+
+#include "runtime/descriptor.hpp"
+#include "runtime/thread_hints.hpp"
+#include "support/real_processes.hpp"
+#include "support/virtual_time.hpp"
+
+namespace vantora {
+namespace {
+
+using test::helperOptions;
+using test::isRunning;
+using test::ProcessCensus;
+using test::RealProcesses;
+using test::TemporaryFolder;
+using test::VirtualTime;
+
+class UvChildProcessTest : public testing::Test {
+ protected:
+  // Without a look at the children: only that there is none afterwards counts.
+  void TearDown() override { processes.runUntilBackTo(before); }
+
+  std::unique_ptr<ChildProcess> start(const std::string& scenario,
+                                      std::vector<std::string> arguments = {}) {
+    return start(helperOptions(scenario, std::move(arguments)));
+  }
+  std::unique_ptr<ChildProcess> start(const ChildProcessOptions& options) {
+    ChildProcessEvents events;
+    events.onOutput = [this](std::string_view bytes) { output += bytes; };
+    events.onOutputEnd = [this] { hasOutputEnded = true; };
+    events.onErrorOutput = [this](std::string_view bytes) { errorBytes += bytes.size(); };
+    events.onExit = [this](ChildExit exit) { lastExit = exit; };
+    events.onInputLost = [this] { isInputLost = true; };
+    auto result = processes.launcher().start(options, std::move(events));
+    EXPECT_TRUE(result.hasValue());
+    return std::move(result).value();
+  }
+  void runUntil(const std::function<bool()>& condition) { processes.runUntil(condition); }
+  void runUntilReady() {
+    runUntil([this] { return output.ends_with('\n'); });
+  }
+  // The grandchild says its number.
+  int runUntilGrandchild() {
+    runUntilReady();
+    return std::atoi(output.c_str());
+  }
+
+  VirtualTime time;
+  std::unique_ptr<test::VirtualQueue> timers = time.makeQueue();
+  RealProcesses processes{timers.get()};
+  ProcessCensus before = ProcessCensus::take();
+  std::string output;
+  std::size_t errorBytes = 0;
+  bool hasOutputEnded = false;
+  bool isInputLost = false;
+  std::optional<ChildExit> lastExit;
+};
+
+TEST_F(UvChildProcessTest, LeavesNothingOfAChildThatEnded) {
+  const auto child = start("exit", {"0"});
+  runUntil([this] { return lastExit.has_value() && hasOutputEnded; });
+}
+
+TEST_F(UvChildProcessTest, LeavesNothingOfAChildThatWasTerminated) {
+  start("hang");
+  processes.runUntilBackTo(before);
+  EXPECT_EQ(time.pendingCount(), 0U);
+}
+
+TEST_F(UvChildProcessTest, KillsAChildThatIgnoresTerminationAfterTheGrace) {
+  auto child = start("ignore-termination");
+  const int id = child->id();
+  runUntilReady();
+  child->terminate();
+  time.advance(UvChildProcessLauncher::terminationGrace - Seconds{0.001});
+  processes.runReady();
+  EXPECT_TRUE(isRunning(id));
+  time.advance(Seconds{0.001});
+  processes.runUntilBackTo(before);
+  EXPECT_FALSE(isRunning(id));
+  EXPECT_EQ(time.pendingCount(), 0U);
+}
+
+TEST_F(UvChildProcessTest, StartsTheNextChildWhileOneIgnoresTermination) {
+  start("ignore-termination").reset();
+  const auto next = start("echo");
+  EXPECT_TRUE(next->write("hello\n"));
+  runUntilReady();
+  EXPECT_EQ(output, "hello\n");
+  time.advance(UvChildProcessLauncher::terminationGrace);
+}
+
+TEST_F(UvChildProcessTest, TellsTheExitThoughAGrandchildKeepsThePipesOpen) {
+  auto child = start("leave-a-grandchild");
+  const int grandchild = runUntilGrandchild();
+  runUntil([this] { return lastExit.has_value(); });
+  EXPECT_FALSE(hasOutputEnded);
+  EXPECT_TRUE(isRunning(grandchild));
+  child.reset();
+  runUntil([&] { return !isRunning(grandchild); });
+  time.advance(UvChildProcessLauncher::terminationGrace);
+}
+
+TEST_F(UvChildProcessTest, EndsTheProgramTogetherWithItsWrapper) {
+  auto child = start("wrap");
+  const int grandchild = runUntilGrandchild();
+  child->terminate();
+  processes.runUntilBackTo(before);
+  runUntil([&] { return !isRunning(grandchild); });
+  time.advance(UvChildProcessLauncher::terminationGrace);
+}
+
+TEST_F(UvChildProcessTest, KillsAGrandchildThatIgnoresTerminationAfterTheGrace) {
+  auto child = start("leave-a-grandchild", {"stubborn"});
+  const int grandchild = runUntilGrandchild();
+  EXPECT_TRUE(child->write("x"));
+  runUntil([this] { return lastExit.has_value(); });
+  child->terminate();
+  time.advance(UvChildProcessLauncher::terminationGrace - Seconds{0.001});
+  EXPECT_TRUE(isRunning(grandchild));
+  time.advance(Seconds{0.001});
+  // The last look was 0.1 s x 20 after the request.
+  runUntil([&] { return !isRunning(grandchild); });
+  EXPECT_EQ(time.pendingCount(), 0U);
+}
+
+TEST_F(UvChildProcessTest, DrainsErrorOutputThatNobodyReads) {
+  const auto child = start("huge-error");
+  runUntilReady();
+  EXPECT_EQ(output, "done\n");
+  EXPECT_EQ(errorBytes, 64U * 65'536U);
+}
+
+TEST_F(UvChildProcessTest, StopsAFloodInItsMiddle) {
+  auto child = start("flood");
+  runUntil([this] { return output.size() > 1'000'000; });
+  child->terminate();
+  const std::size_t size = output.size();
+  processes.runUntilBackTo(before);
+  EXPECT_EQ(output.size(), size);
+}
+
+TEST_F(UvChildProcessTest, DeliversMoreThanTheSystemTakesAtOnce) {
+  const auto child = start("echo");
+  const std::string block(3'000'000, 'b');
+  EXPECT_TRUE(child->write(block));
+  EXPECT_TRUE(child->write("end\n"));
+  child->closeInput();
+  EXPECT_FALSE(child->write("more"));
+  runUntil([this] { return lastExit.has_value() && hasOutputEnded; });
+  EXPECT_TRUE(output == block + "end\n");
+  EXPECT_EQ(lastExit, ChildExit{});
+}
+
+TEST_F(UvChildProcessTest, TellsThatAcceptedBytesCanNoLongerBeDelivered) {
+  const auto child = start("silent");
+  EXPECT_TRUE(child->write(std::string(3'000'000, 'b')));
+  EXPECT_FALSE(isInputLost);
+  kill(child->id(), SIGKILL);
+  runUntil([this] { return isInputLost && lastExit.has_value(); });
+  EXPECT_FALSE(child->write("more"));
+}
+
+TEST_F(UvChildProcessTest, SurvivesAWriteToAChildThatDied) {
+  struct sigaction handling {};
+  ASSERT_EQ(sigaction(SIGPIPE, nullptr, &handling), 0);
+  ASSERT_EQ(handling.sa_handler, SIG_DFL);
+  const auto child = start("exit", {"0"});
+  runUntil([this] { return lastExit.has_value(); });
+  EXPECT_FALSE(child->write("anyone?\n"));
+  ASSERT_EQ(sigaction(SIGPIPE, nullptr, &handling), 0);
+  EXPECT_EQ(handling.sa_handler, SIG_DFL);
+}
+
+TEST_F(UvChildProcessTest, GivesTheChildAPlaceOfItsOwn) {
+  const TemporaryFolder home;
+  const std::string folder = home.path() + "/config/Vantora";
+  // What whoever started the tests left open; nothing of ours may be among it.
+  int inheritableDescriptors = 0;
+  for (int fd = 3; fd < 64; ++fd) {
+    const int flags = fcntl(fd, F_GETFD);
+    inheritableDescriptors += flags != -1 && (flags & FD_CLOEXEC) == 0 ? 1 : 0;
+  }
+  setTimerSlackOfThisThread(Seconds{0.1});
+  ChildProcessOptions options =
+      helperOptions("report", {"VANTORA_TEST_INHERITED", "VANTORA_TEST_ADDED", "HOME"});
+  options.environmentChanges = {{"VANTORA_TEST_ADDED", "1"}, {"HOME", "/nowhere"}};
+  options.workingDirectory = folder;
+  setenv("VANTORA_TEST_INHERITED", "yes", 1);
+  const auto other = start("silent");  // its descriptors are nothing to the next
+  const auto child = start(options);
+  unsetenv("VANTORA_TEST_INHERITED");
+  setTimerSlackOfThisThread(Seconds{0});
+  runUntil([this] { return lastExit.has_value() && output.find("pipe=") != std::string::npos; });
+
+  std::map<std::string, std::string> report;
+  std::istringstream lines(output);
+  for (std::string line; std::getline(lines, line);) {
+    report[line.substr(0, line.find('='))] = line.substr(line.find('=') + 1);
+  }
+  EXPECT_EQ(report["folder"], folder);
+  EXPECT_EQ(report["VANTORA_TEST_INHERITED"], "yes");
+  EXPECT_EQ(report["VANTORA_TEST_ADDED"], "1");
+  EXPECT_EQ(report["HOME"], "/nowhere");
+  EXPECT_EQ(report["leads"], "1");
+  EXPECT_EQ(report["slack"], "50000");
+  EXPECT_EQ(report["extra"], std::to_string(inheritableDescriptors));
+  EXPECT_EQ(report["pipe"], "default");
+}
+
+TEST_F(UvChildProcessTest, AnswersThatAFileIsNotExecutable) {
+  const TemporaryFolder folder;
+  const std::string path = folder.path() + "/codex";
+  std::ofstream(path) << "no program";
+  const auto result = processes.launcher().start({path, {}, {}, {}}, {});
+  ASSERT_FALSE(result.hasValue());
+  EXPECT_EQ(result.fault().kind, Fault::Kind::failed);
+}
+
+TEST_F(UvChildProcessTest, AnswersThatTheWorkingFolderCannotBeEntered) {
+  ChildProcessOptions options = helperOptions("hang");
+  options.workingDirectory = "/proc/vantora/folder";
+  EXPECT_FALSE(processes.launcher().start(options, {}).hasValue());
+}
+
+TEST_F(UvChildProcessTest, AnswersThatNoDescriptorIsLeft) {
+  rlimit limit{};
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+  const Descriptor firstFree(fcntl(0, F_DUPFD_CLOEXEC, 0));
+  for (const int room : {0, 1, 2, 4, 6}) {
+    const rlimit tight{static_cast<rlim_t>(firstFree.get() + 1 + room), limit.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &tight), 0);
+    const auto result = processes.launcher().start(helperOptions("hang"), {});
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+    EXPECT_FALSE(result.hasValue()) << room;
+    processes.runReady();
+  }
+}
+
+TEST_F(UvChildProcessTest, EndsEveryChildWithTheProgram) {
+  const auto polite = start("hang");
+  const auto stubborn = start("ignore-termination");
+  runUntilReady();
+  runUntil([this] { return output == "ready\nready\n"; });
+  const int politeId = polite->id();
+  const int stubbornId = stubborn->id();
+  processes.destroyLauncher();
+  EXPECT_FALSE(isRunning(politeId));
+  EXPECT_FALSE(isRunning(stubbornId));
+  EXPECT_EQ(time.pendingCount(), 0U);
+  // Its owner may outlive it.
+  EXPECT_FALSE(stubborn->write("anyone?"));
+}
+
+}  // namespace
+}  // namespace vantora

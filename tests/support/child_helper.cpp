@@ -1,0 +1,229 @@
+// SPDX-License-Identifier: MIT
+//
+// The child of the tests that need a real one: child_helper SCENARIO [ARGUMENT...].
+// Every scenario that waits ends by itself when its parent is gone, or after a minute, so
+// that a failed test leaves nothing behind.
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+void say(std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t count = write(STDOUT_FILENO, text.data(), text.size());
+    if (count <= 0) {
+      _exit(1);
+    }
+    text.remove_prefix(static_cast<std::size_t>(count));
+  }
+}
+
+// The child's own child.
+bool isForked() {
+  if (fork() != 0) {
+    return false;
+  }
+  prctl(PR_SET_PDEATHSIG, 0);
+  alarm(60);
+  return true;
+}
+
+[[noreturn]] void waitForEver() {
+  while (true) {
+    pause();
+  }
+}
+
+int echo(const Arguments&) {
+  char bytes[4096];
+  ssize_t count = 0;
+  while ((count = read(STDIN_FILENO, bytes, sizeof bytes)) > 0) {
+    say({bytes, static_cast<std::size_t>(count)});
+  }
+  return 0;
+}
+
+// Answers each line that arrives with the next argument (empty: nothing), then goes on
+// reading until its input ends.
+int answer(const Arguments& arguments) {
+  std::size_t next = 0;
+  char byte = 0;
+  while (read(STDIN_FILENO, &byte, 1) == 1) {
+    if (byte == '\n' && next < arguments.size()) {
+      const std::string& line = arguments[next++];
+      if (!line.empty()) {
+        say(line + "\n");
+      }
+    }
+  }
+  return 0;
+}
+
+// As answer, but ends right after the last answer.
+int answerAndExit(const Arguments& arguments) {
+  std::size_t next = 0;
+  char byte = 0;
+  while (next < arguments.size() && read(STDIN_FILENO, &byte, 1) == 1) {
+    if (byte == '\n') {
+      say(arguments[next].empty() ? "" : arguments[next] + "\n");
+      ++next;
+    }
+  }
+  return 0;
+}
+
+int exitWith(const Arguments& arguments) {
+  say("bye");
+  return std::atoi(arguments.at(0).c_str());
+}
+
+int die(const Arguments&) {
+  kill(getpid(), SIGUSR1);
+  waitForEver();
+}
+
+int complain(const Arguments& arguments) {
+  for (const std::string& text : arguments) {
+    std::fputs((text + "\n").c_str(), stderr);
+  }
+  return 1;
+}
+
+int hugeError(const Arguments&) {
+  const std::string chunk(65'536, 'e');
+  for (int count = 0; count < 64; ++count) {
+    std::fwrite(chunk.data(), 1, chunk.size(), stderr);
+  }
+  say("done\n");
+  waitForEver();
+}
+
+int flood(const Arguments&) {
+  const std::string chunk(65'536, 'x');
+  while (true) {
+    say(chunk);
+  }
+}
+
+int closeInput(const Arguments&) {
+  close(STDIN_FILENO);
+  say("closed\n");
+  waitForEver();
+}
+
+int closeInputAndHang(const Arguments&) {
+  close(STDIN_FILENO);
+  waitForEver();
+}
+
+int closeOutput(const Arguments&) {
+  close(STDOUT_FILENO);
+  waitForEver();
+}
+
+int hang(const Arguments&) {
+  say("ready\n");
+  waitForEver();
+}
+
+int silent(const Arguments&) {
+  waitForEver();
+}
+
+int ignoreTermination(const Arguments&) {
+  std::signal(SIGTERM, SIG_IGN);
+  say("ready\n");
+  waitForEver();
+}
+
+// A script that started the program proper and went away: the program holds the pipes.
+int leaveAGrandchild(const Arguments& arguments) {
+  if (isForked()) {
+    if (!arguments.empty()) {
+      std::signal(SIGTERM, SIG_IGN);
+    }
+    say(std::to_string(getpid()) + "\n");
+    waitForEver();
+  }
+  char byte = 0;
+  // With an argument the parent waits for a byte, so that the grandchild is ready.
+  if (!arguments.empty()) {
+    (void)!read(STDIN_FILENO, &byte, 1);
+  }
+  return 0;
+}
+
+// The same, but the script stays: it and the program are to end together.
+int wrap(const Arguments&) {
+  if (isForked()) {
+    say(std::to_string(getpid()) + "\n");
+  }
+  waitForEver();
+}
+
+// What the child got from its parent.
+int report(const Arguments& arguments) {
+  char folder[4096] = "";
+  (void)!getcwd(folder, sizeof folder);
+  std::string text = "folder=" + std::string(folder) + "\n";
+  for (const std::string& name : arguments) {
+    const char* value = std::getenv(name.c_str());
+    text += name + "=" + (value != nullptr ? value : "(none)") + "\n";
+  }
+  text += "leads=" + std::to_string(getpgrp() == getpid() && getsid(0) == getpid() ? 1 : 0) + "\n";
+  text += "slack=" + std::to_string(prctl(PR_GET_TIMERSLACK, 0, 0, 0, 0)) + "\n";
+  constexpr int looked = 64;
+  int open = 0;
+  for (int fd = 3; fd < looked; ++fd) {
+    open += fcntl(fd, F_GETFD) != -1 ? 1 : 0;
+  }
+  text += "extra=" + std::to_string(open) + "\n";
+  struct sigaction handling {};
+  sigaction(SIGPIPE, nullptr, &handling);
+  text += "pipe=" + std::string(handling.sa_handler == SIG_DFL ? "default" : "changed") + "\n";
+  say(text);
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  const std::map<std::string, int (*)(const Arguments&)> scenarios{
+      {"echo", echo},
+      {"answer", answer},
+      {"answer-and-exit", answerAndExit},
+      {"exit", exitWith},
+      {"die", die},
+      {"complain", complain},
+      {"huge-error", hugeError},
+      {"flood", flood},
+      {"close-input", closeInput},
+      {"close-input-and-hang", closeInputAndHang},
+      {"close-output", closeOutput},
+      {"hang", hang},
+      {"silent", silent},
+      {"ignore-termination", ignoreTermination},
+      {"leave-a-grandchild", leaveAGrandchild},
+      {"wrap", wrap},
+      {"report", report},
+  };
+  const auto scenario = argc > 1 ? scenarios.find(argv[1]) : scenarios.end();
+  if (scenario == scenarios.end()) {
+    std::fputs("child_helper: no such scenario\n", stderr);
+    return 64;
+  }
+  return scenario->second(Arguments(argv + 2, argv + argc));
+}

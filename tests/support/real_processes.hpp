@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: MIT
+//
+// Real child processes for tests: the helper executable (support/child_helper.cpp) on a
+// loop that a test turns until something happened, and a count of what this process
+// holds, to see that nothing is left of them.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "runtime/uv_child_process.hpp"
+#include "runtime/uv_loop.hpp"
+
+namespace vantora::test {
+
+/// What this process holds now.
+struct ProcessCensus {
+  int descriptors = 0;
+  int threads = 0;
+  bool hasChildren = false;  ///< Of any state, zombies included.
+
+  bool operator==(const ProcessCensus&) const = default;
+  [[nodiscard]] static ProcessCensus take();
+};
+void PrintTo(const ProcessCensus& census, std::ostream* stream);
+
+/// Whether the process exists and is no zombie.
+[[nodiscard]] bool isRunning(int process);
+
+/// The helper's options: `scenario` with `arguments`.
+[[nodiscard]] ChildProcessOptions helperOptions(const std::string& scenario,
+                                                std::vector<std::string> arguments = {});
+
+/// A folder of its own that goes with it.
+class TemporaryFolder {
+ public:
+  TemporaryFolder();
+  ~TemporaryFolder();
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  [[nodiscard]] const std::string& path() const { return path_; }
+
+  /// An executable script that becomes the helper in `scenario`, whatever arguments it
+  /// is given itself. Returns its path.
+  [[nodiscard]] std::string makeHelperScript(const std::string& scenario,
+                                             const std::vector<std::string>& arguments = {}) const;
+
+ private:
+  std::string path_;
+};
+
+/// A loop, turned by hand, with a launcher on it. The launcher's times come from
+/// `timers` when given (virtual time), else from the loop.
+class RealProcesses {
+ public:
+  explicit RealProcesses(TaskQueue* timers = nullptr);
+
+  [[nodiscard]] UvTaskQueue& queue() { return loop_.queue(); }
+  [[nodiscard]] UvChildProcessLauncher& launcher() { return *launcher_; }
+
+  /// Turns the loop until `condition` holds. Fails the test after ten seconds.
+  void runUntil(const std::function<bool()>& condition);
+  /// Turns the loop until this process holds what `before` tells, or fails the test.
+  void runUntilBackTo(const ProcessCensus& before);
+  /// Runs what is ready, without waiting.
+  void runReady();
+
+  void destroyLauncher() { launcher_.reset(); }
+
+ private:
+  UvLoop loop_;
+  std::unique_ptr<UvChildProcessLauncher> launcher_;
+};
+
+}  // namespace vantora::test
