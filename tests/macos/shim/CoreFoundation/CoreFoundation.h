@@ -12,6 +12,7 @@
 #include <Availability.h>
 #include <TargetConditionals.h>
 #include <os/availability.h>
+#include <stdbool.h>
 #include <stddef.h>
 #include <stdint.h>
 #include <sys/types.h>

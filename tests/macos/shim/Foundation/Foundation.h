@@ -46,11 +46,33 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
                               encoding:(NSStringEncoding)encoding;
 @end
 
+@interface NSURL : NSObject <NSCopying>
++ (nullable instancetype)URLWithString:(NSString*)string;
+@end
+
 @interface NSNumber : NSObject <NSCopying>
 @end
 
-@interface NSArray<__covariant Object> : NSObject <NSCopying>
+typedef struct {
+  unsigned long state;
+  id __unsafe_unretained _Nullable* _Nullable itemsPtr;
+  unsigned long* _Nullable mutationsPtr;
+  unsigned long extra[5];
+} NSFastEnumerationState;
+
+@protocol NSFastEnumeration
+- (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState*)state
+                                  objects:(id __unsafe_unretained _Nullable[_Nonnull])buffer
+                                    count:(NSUInteger)length;
+@end
+
+@interface NSArray<__covariant Object> : NSObject <NSCopying, NSFastEnumeration>
 @property(readonly) NSUInteger count;
+@end
+
+@interface NSMutableArray<Object> : NSArray <Object>
++ (instancetype)arrayWithCapacity:(NSUInteger)capacity;
+- (void)addObject:(Object)object;
 @end
 
 @interface NSDictionary<__covariant Key, __covariant Object> : NSObject <NSCopying>
@@ -64,6 +86,30 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 
 @interface NSError : NSObject <NSCopying>
 @property(readonly, copy) NSString* localizedDescription;
+@end
+
+typedef NSString* NSAttributedStringKey;
+
+@interface NSAttributedString : NSObject <NSCopying>
+- (instancetype)initWithString:(NSString*)string
+                    attributes:(nullable NSDictionary<NSAttributedStringKey, id>*)attributes;
+@end
+
+@interface NSMutableAttributedString : NSAttributedString
+- (void)appendAttributedString:(NSAttributedString*)string;
+@end
+
+typedef NSString* NSNotificationName;
+
+@interface NSNotification : NSObject <NSCopying>
+@end
+
+@interface NSNotificationCenter : NSObject
+- (void)addObserver:(id)observer
+           selector:(SEL)selector
+               name:(nullable NSNotificationName)name
+             object:(nullable id)object;
+- (void)removeObserver:(id)observer;
 @end
 
 NS_ASSUME_NONNULL_END
