@@ -39,7 +39,7 @@ void draw(NSAttributedString* line, double x, double y) {
   // baseline's. A point more than measured, so that rounding never cuts a glyph.
   const NSSize size = line.size;
   [line drawWithRect:NSMakeRect(x, y, size.width + 1, size.height)
-             options:NSStringDrawingOptions{}
+             options:NSStringDrawingOptions {}
              context:nil];
 }
 

@@ -1,10 +1,10 @@
-// expect: NSUserNotification
+// expect: NSNobodyListsThis
 // A class that no stub names must not link.
 #import <Foundation/Foundation.h>
 
-@interface NSUserNotification : NSObject
+@interface NSNobodyListsThis : NSObject
 @end
 
 int main() {
-  return [[NSUserNotification alloc] init] == nil;
+  return [[NSNobodyListsThis alloc] init] == nil;
 }

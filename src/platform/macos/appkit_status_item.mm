@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: MIT
+#include "platform/macos/appkit_status_item.hpp"
+
+#import <AppKit/AppKit.h>
+
+#include <utility>
+
+#include "platform/macos/appkit_text.hpp"
+#include "platform/macos/foundation_text.hpp"
+
+/// Whom the button and the menu send their actions to; controls hold it weakly.
+@interface VantoraStatusTarget : NSObject
+- (instancetype)initWithItem:(NSStatusItem*)item;
+- (void)setActions:(vantora::StatusItemActions)actions;
+- (void)statusClicked:(id)sender;
+- (void)openSettings:(id)sender;
+- (void)togglePause:(id)sender;
+- (void)quit:(id)sender;
+@end
+
+@implementation VantoraStatusTarget {
+  NSStatusItem* _item;
+  vantora::StatusItemActions _actions;
+}
+
+- (instancetype)initWithItem:(NSStatusItem*)item {
+  self = [super init];
+  if (self != nil) {
+    _item = item;
+  }
+  return self;
+}
+
+- (void)setActions:(vantora::StatusItemActions)actions {
+  _actions = std::move(actions);
+}
+
+- (void)statusClicked:(id)__unused sender {
+  // No event: the click came from elsewhere, as from VoiceOver.
+  NSEvent* event = NSApp.currentEvent;
+  if (event != nil && event.type == NSEventTypeRightMouseUp) {
+    [self popUpMenu];
+  } else {
+    [self openSettings:nil];
+  }
+}
+
+- (void)popUpMenu {
+  NSMenu* menu = [[NSMenu alloc] init];
+  if (_actions.openSettings) {
+    [self addItem:@"Configurações…" action:@selector(openSettings:) to:menu];
+  }
+  if (_actions.togglePause) {
+    const bool isPaused = _actions.isPaused && _actions.isPaused();
+    [self addItem:isPaused ? @"Retomar" : @"Pausar" action:@selector(togglePause:) to:menu];
+  }
+  if (_actions.quit) {
+    [self addItem:@"Sair" action:@selector(quit:) to:menu];
+  }
+  // An item with a menu opens it on every click. So it has one only while this click is
+  // answered: performClick returns when the menu has closed.
+  _item.menu = menu;
+  [_item.button performClick:nil];
+  _item.menu = nil;
+}
+
+- (void)addItem:(NSString*)title action:(SEL)action to:(NSMenu*)menu {
+  NSMenuItem* item = [menu addItemWithTitle:title action:action keyEquivalent:@""];
+  item.target = self;
+}
+
+- (void)openSettings:(id)__unused sender {
+  if (_actions.openSettings) {
+    _actions.openSettings({});
+  }
+}
+
+- (void)togglePause:(id)__unused sender {
+  if (_actions.togglePause) {
+    _actions.togglePause();
+  }
+}
+
+- (void)quit:(id)__unused sender {
+  if (_actions.quit) {
+    _actions.quit();
+  }
+}
+
+@end
+
+namespace vantora {
+namespace {
+
+// What the button adds around its picture.
+constexpr double buttonMargin = 6;
+
+}  // namespace
+
+struct AppKitStatusItem::Item {
+  NSStatusItem* item;
+  VantoraStatusTarget* target;
+};
+
+AppKitStatusItem::AppKitStatusItem() {
+  NSStatusItem* item =
+      [NSStatusBar.systemStatusBar statusItemWithLength:NSVariableStatusItemLength];
+  VantoraStatusTarget* target = [[VantoraStatusTarget alloc] initWithItem:item];
+  NSStatusBarButton* button = item.button;
+  button.target = target;
+  button.action = @selector(statusClicked:);
+  // A button sends its action for the left button alone unless it is told otherwise.
+  [button sendActionOn:NSEventMaskLeftMouseUp | NSEventMaskRightMouseUp];
+  item_ = std::make_unique<Item>(Item{item, target});
+}
+
+AppKitStatusItem::~AppKitStatusItem() {
+  [NSStatusBar.systemStatusBar removeStatusItem:item_->item];
+}
+
+double AppKitStatusItem::thickness() const {
+  return NSStatusBar.systemStatusBar.thickness;
+}
+
+void AppKitStatusItem::show(const StatusPresentation& presentation) {
+  NSStatusItem* item = item_->item;
+  NSStatusBarButton* button = item.button;
+  NSString* description = stringOf(presentation.accessibilityText);
+  item.length = presentation.width + buttonMargin;
+  button.image = AppKitText::templateImage(presentation.image);
+  button.imagePosition = NSImageOnly;
+  button.toolTip = description;
+  [button setAccessibilityLabel:description];
+}
+
+void AppKitStatusItem::setActions(StatusItemActions actions) {
+  [item_->target setActions:std::move(actions)];
+}
+
+}  // namespace vantora
