@@ -10,7 +10,7 @@
 
 namespace vantora {
 
-/// What the user can ask of the item. Each may be empty, and is then not offered.
+/// What the user can ask of the item. One that is empty does nothing.
 struct StatusItemActions {
   /// A left click, or "Configurações…" in the menu. `activationToken` is what the desktop
   /// gave with the click (xdg-activation, startup notification), with which a window may

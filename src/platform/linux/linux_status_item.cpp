@@ -23,11 +23,12 @@ constexpr std::array<int, 4> markSides{16, 22, 32, 48};
 LinuxStatusItem::LinuxStatusItem(BusConnection& connection, TaskQueue& queue, TextEngine& engine,
                                  Options options,
                                  std::function<void(StatusItemSituation)> onSituation)
-    : queue_(queue),
+    : connection_(connection),
+      queue_(queue),
       engine_(engine),
       options_(std::move(options)),
       onSituation_(std::move(onSituation)),
-      item_(connection, *this),
+      item_(connection, *this, *this),
       portal_(connection, [this](ColorScheme scheme) { colorSchemeChanged(scheme); }),
       watcher_(connection, queue, options_.processRoot,
                [this](const StatusNotifierWatcher::State& state) { watcherChanged(state); }) {}
@@ -37,6 +38,9 @@ double LinuxStatusItem::thickness() const {
 }
 
 void LinuxStatusItem::show(const StatusPresentation& presentation) {
+  if (menu_ != nullptr) {
+    menu_->refresh();
+  }
   const bool isNewImage = presentation.image != image_;
   const bool isNewText = presentation.accessibilityText != text_;
   if (isNewImage) {
@@ -67,6 +71,42 @@ void LinuxStatusItem::show(const StatusPresentation& presentation) {
   if (isNewText && showsToolTip(watcherState_.host)) {
     item_.announceToolTip();
   }
+}
+
+void LinuxStatusItem::setActions(StatusItemActions actions) {
+  actions_ = std::make_shared<const StatusItemActions>(std::move(actions));
+  menu_ = std::make_unique<DBusMenu>(
+      connection_, [this] { return actions_->isPaused != nullptr && actions_->isPaused(); },
+      [this](StatusMenuCommand command) { chosen(command); });
+  item_.setMenu(DBusMenu::path);
+}
+
+// What the user asked for comes from the middle of a message on the bus, and may end the
+// connection: it runs when the message is done with.
+void LinuxStatusItem::activated(std::string token) {
+  queue_.post([weak = std::weak_ptr(actions_), token = std::move(token)] {
+    const auto actions = weak.lock();
+    if (actions != nullptr && actions->openSettings != nullptr) {
+      actions->openSettings(token);
+    }
+  });
+}
+
+void LinuxStatusItem::chosen(StatusMenuCommand command) {
+  queue_.post([weak = std::weak_ptr(actions_), command] {
+    const auto actions = weak.lock();
+    if (actions == nullptr) {
+      return;
+    }
+    switch (command) {
+      case StatusMenuCommand::openSettings:
+        return actions->openSettings != nullptr ? actions->openSettings({}) : void();
+      case StatusMenuCommand::togglePause:
+        return actions->togglePause != nullptr ? actions->togglePause() : void();
+      case StatusMenuCommand::quit:
+        return actions->quit != nullptr ? actions->quit() : void();
+    }
+  });
 }
 
 PictureForm LinuxStatusItem::form() const {

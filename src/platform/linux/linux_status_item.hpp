@@ -6,12 +6,14 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "app/status_item.hpp"
 #include "platform/linux/appearance_portal.hpp"
 #include "platform/linux/bus_connection.hpp"
+#include "platform/linux/dbus_menu.hpp"
 #include "platform/linux/status_item_host.hpp"
 #include "platform/linux/status_item_picture.hpp"
 #include "platform/linux/status_notifier_item.hpp"
@@ -21,7 +23,9 @@ namespace vantora {
 
 /// Lives on the main thread. Nothing is drawn before a panel asks for the picture, and
 /// nothing is announced that has not changed.
-class LinuxStatusItem final : public StatusItem, private StatusNotifierContent {
+class LinuxStatusItem final : public StatusItem,
+                              private StatusNotifierContent,
+                              private StatusNotifierEvents {
  public:
   struct Options {
     std::string processRoot = "/proc";
@@ -40,6 +44,8 @@ class LinuxStatusItem final : public StatusItem, private StatusNotifierContent {
 
   [[nodiscard]] double thickness() const override;
   void show(const StatusPresentation& presentation) override;
+  /// Once, before the loop runs: panels ask for the menu when the item registers.
+  void setActions(StatusItemActions actions) override;
 
  private:
   [[nodiscard]] std::size_t pictureCount() const override;
@@ -48,17 +54,23 @@ class LinuxStatusItem final : public StatusItem, private StatusNotifierContent {
   [[nodiscard]] std::string toolTip() const override;
   [[nodiscard]] std::string accessibleDescription() const override;
   [[nodiscard]] std::string label() const override;
+  void activated(std::string token) override;
 
+  void chosen(StatusMenuCommand command);
   void watcherChanged(const StatusNotifierWatcher::State& state);
   void colorSchemeChanged(ColorScheme scheme);
   void tellSituation(StatusItemSituation situation);
   [[nodiscard]] PictureForm form() const;
   void takeColumns();
 
+  BusConnection& connection_;
   TaskQueue& queue_;
   TextEngine& engine_;
   Options options_;
   std::function<void(StatusItemSituation)> onSituation_;
+
+  // Tasks that will call them hold them weakly: they may come after the item's end.
+  std::shared_ptr<const StatusItemActions> actions_;
 
   StatusImage image_;
   std::string text_;
@@ -75,6 +87,7 @@ class LinuxStatusItem final : public StatusItem, private StatusNotifierContent {
   StatusNotifierItem item_;
   AppearancePortal portal_;
   StatusNotifierWatcher watcher_;
+  std::unique_ptr<DBusMenu> menu_;
 };
 
 }  // namespace vantora

@@ -2,6 +2,7 @@
 #include "platform/linux/status_notifier_item.hpp"
 
 #include <span>
+#include <utility>
 
 #include "platform/linux/status_item_picture.hpp"
 
@@ -94,12 +95,38 @@ int getZero(sd_bus*, const char*, const char*, const char*, sd_bus_message* repl
   return sd_bus_message_append(reply, "i", 0);
 }
 
-// Clicks that have no meaning yet are answered, so that no panel waits or complains.
-int acceptAndIgnore(sd_bus_message* call, void*, sd_bus_error*) {
+int getMenu(sd_bus*, const char*, const char*, const char*, sd_bus_message* reply, void* item,
+            sd_bus_error*) {
+  return sd_bus_message_append(reply, "o", static_cast<StatusNotifierItem*>(item)->menuPath());
+}
+
+// The wheel has no meaning here; it is answered, so that no panel waits or complains.
+int ignore(sd_bus_message* call, void*, sd_bus_error*) {
   return sd_bus_reply_method_return(call, "");
 }
 
-const sd_bus_vtable itemTable[] = {
+// More tables of the same interface, each present only while the item has the thing: a
+// panel decides by the presence of a property what it shows.
+const sd_bus_vtable labelTable[] = {
+    SD_BUS_VTABLE_START(0),
+    SD_BUS_PROPERTY("XAyatanaLabel", "s", getLabel, 0, 0),
+    SD_BUS_PROPERTY("XAyatanaLabelGuide", "s", getLabel, 0, 0),
+    SD_BUS_SIGNAL("XAyatanaNewLabel", "ss", 0),
+    SD_BUS_VTABLE_END,
+};
+
+const sd_bus_vtable menuTable[] = {
+    SD_BUS_VTABLE_START(0),
+    SD_BUS_PROPERTY("Menu", "o", getMenu, 0, SD_BUS_VTABLE_PROPERTY_CONST),
+    SD_BUS_VTABLE_END,
+};
+
+}  // namespace
+
+// Middle click opens the settings as the left one does. Panels that show our menu never
+// call ContextMenu; those that only know that call get the settings too, which offer all
+// that the menu offers but the end.
+const sd_bus_vtable StatusNotifierItem::itemTable[] = {
     SD_BUS_VTABLE_START(0),
     SD_BUS_PROPERTY("Category", "s", getFixedText, 0, SD_BUS_VTABLE_PROPERTY_CONST),
     SD_BUS_PROPERTY("Id", "s", getFixedText, 0, SD_BUS_VTABLE_PROPERTY_CONST),
@@ -113,10 +140,11 @@ const sd_bus_vtable itemTable[] = {
     SD_BUS_PROPERTY("AttentionIconName", "s", getFixedText, 0, SD_BUS_VTABLE_PROPERTY_CONST),
     SD_BUS_PROPERTY("ToolTip", "(sa(iiay)ss)", getToolTip, 0, 0),
     SD_BUS_PROPERTY("ItemIsMenu", "b", getFalse, 0, SD_BUS_VTABLE_PROPERTY_CONST),
-    SD_BUS_METHOD("Activate", "ii", "", acceptAndIgnore, SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("SecondaryActivate", "ii", "", acceptAndIgnore, SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("ContextMenu", "ii", "", acceptAndIgnore, SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD("Scroll", "is", "", acceptAndIgnore, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("Activate", "ii", "", onActivate, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("SecondaryActivate", "ii", "", onActivate, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("ContextMenu", "ii", "", onActivate, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("ProvideXdgActivationToken", "s", "", onToken, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD("Scroll", "is", "", ignore, SD_BUS_VTABLE_UNPRIVILEGED),
     SD_BUS_SIGNAL("NewTitle", "", 0),
     SD_BUS_SIGNAL("NewIcon", "", 0),
     SD_BUS_SIGNAL("NewAttentionIcon", "", 0),
@@ -126,19 +154,9 @@ const sd_bus_vtable itemTable[] = {
     SD_BUS_VTABLE_END,
 };
 
-// A second table of the same interface: present only while the item has a label.
-const sd_bus_vtable labelTable[] = {
-    SD_BUS_VTABLE_START(0),
-    SD_BUS_PROPERTY("XAyatanaLabel", "s", getLabel, 0, 0),
-    SD_BUS_PROPERTY("XAyatanaLabelGuide", "s", getLabel, 0, 0),
-    SD_BUS_SIGNAL("XAyatanaNewLabel", "ss", 0),
-    SD_BUS_VTABLE_END,
-};
-
-}  // namespace
-
-StatusNotifierItem::StatusNotifierItem(BusConnection& connection, StatusNotifierContent& content)
-    : connection_(connection), content_(content) {
+StatusNotifierItem::StatusNotifierItem(BusConnection& connection, StatusNotifierContent& content,
+                                       StatusNotifierEvents& events)
+    : connection_(connection), content_(content), events_(events) {
   connection_.add(*this);
 }
 
@@ -150,10 +168,13 @@ void StatusNotifierItem::busConnected(sd_bus& bus) {
   bus_ = &bus;
   sd_bus_add_object_vtable(bus_, out(object_), itemPath, itemInterface, itemTable, this);
   exportLabel();
+  exportMenu();
 }
 
 void StatusNotifierItem::busLost() {
   bus_ = nullptr;
+  token_.clear();
+  menuObject_.reset();
   labelObject_.reset();
   object_.reset();
 }
@@ -170,6 +191,33 @@ void StatusNotifierItem::exportLabel() {
   if (bus_ != nullptr && hasLabel_) {
     sd_bus_add_object_vtable(bus_, out(labelObject_), itemPath, itemInterface, labelTable, this);
   }
+}
+
+void StatusNotifierItem::setMenu(const char* menuPath) {
+  menuPath_ = menuPath;
+  exportMenu();
+}
+
+void StatusNotifierItem::exportMenu() {
+  if (bus_ != nullptr && menuPath_ != nullptr) {
+    sd_bus_add_object_vtable(bus_, out(menuObject_), itemPath, itemInterface, menuTable, this);
+  }
+}
+
+int StatusNotifierItem::onToken(sd_bus_message* call, void* self, sd_bus_error*) {
+  const char* token = "";
+  const int result = sd_bus_message_read(call, "s", &token);
+  if (result < 0) {
+    return result;
+  }
+  static_cast<StatusNotifierItem*>(self)->token_ = token;
+  return sd_bus_reply_method_return(call, "");
+}
+
+int StatusNotifierItem::onActivate(sd_bus_message* call, void* self, sd_bus_error*) {
+  auto* item = static_cast<StatusNotifierItem*>(self);
+  item->events_.activated(std::exchange(item->token_, {}));
+  return sd_bus_reply_method_return(call, "");
 }
 
 void StatusNotifierItem::announceIcon() {

@@ -35,10 +35,20 @@ class StatusNotifierContent {
   [[nodiscard]] virtual std::string label() const = 0;
 };
 
+/// What a panel passes on of the user's clicks. From inside of the loop, in the middle of
+/// a message.
+class StatusNotifierEvents {
+ public:
+  virtual ~StatusNotifierEvents() = default;
+  /// `token` is what the panel gave for bringing a window to the front, or empty.
+  virtual void activated(std::string token) = 0;
+};
+
 /// Lives on the main thread.
 class StatusNotifierItem final : public BusConnection::Listener {
  public:
-  StatusNotifierItem(BusConnection& connection, StatusNotifierContent& content);
+  StatusNotifierItem(BusConnection& connection, StatusNotifierContent& content,
+                     StatusNotifierEvents& events);
   ~StatusNotifierItem() override;
   StatusNotifierItem(const StatusNotifierItem&) = delete;
   StatusNotifierItem& operator=(const StatusNotifierItem&) = delete;
@@ -46,6 +56,10 @@ class StatusNotifierItem final : public BusConnection::Listener {
   /// Whether the item has a label at all. A panel that finds one may show it instead of
   /// the picture, so only GNOME is given it.
   void setHasLabel(bool hasLabel);
+
+  /// From now on the item has a menu, at this path on the same connection. Panels ask for
+  /// it when the item registers. `menuPath` stays valid.
+  void setMenu(const char* menuPath);
 
   /// Tells the panels that they should ask again. Nothing while there is no connection.
   void announceIcon();
@@ -56,16 +70,26 @@ class StatusNotifierItem final : public BusConnection::Listener {
   void busLost() override;
 
   [[nodiscard]] StatusNotifierContent& content() { return content_; }
+  [[nodiscard]] const char* menuPath() const { return menuPath_; }
 
  private:
+  static int onActivate(sd_bus_message* call, void* self, sd_bus_error* error);
+  static int onToken(sd_bus_message* call, void* self, sd_bus_error* error);
+  static const sd_bus_vtable itemTable[];
+
   void exportLabel();
+  void exportMenu();
 
   BusConnection& connection_;
   StatusNotifierContent& content_;
+  StatusNotifierEvents& events_;
+  std::string token_;  // for the click that follows
+  const char* menuPath_ = nullptr;
   sd_bus* bus_ = nullptr;
   bool hasLabel_ = false;
   BusSlot object_;
   BusSlot labelObject_;
+  BusSlot menuObject_;
 };
 
 }  // namespace vantora

@@ -179,6 +179,7 @@ TEST_F(LinuxStatusItemTest, SaysWhatItIs) {
   EXPECT_EQ(properties.toolTipTitle, "CPU: 12%\nRede: 0,1M");
   EXPECT_EQ(properties.toolTipDescription, "");
   EXPECT_EQ(properties.numbers.at("ItemIsMenu"), 0);
+  EXPECT_FALSE(properties.texts.contains("Menu")) << "none before the item has actions";
 }
 
 TEST_F(LinuxStatusItemTest, GivesWaybarTheWholePictureAtEveryScale) {
