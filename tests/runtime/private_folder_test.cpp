@@ -11,7 +11,7 @@
 namespace vantora {
 namespace {
 
-using test::TemporaryFolder;
+using test::HelperFolder;
 
 unsigned permissionsOf(const std::string& path) {
   struct stat found {};
@@ -19,7 +19,7 @@ unsigned permissionsOf(const std::string& path) {
 }
 
 TEST(PrivateFolder, CreatesTheFolderAndItsParentsForTheUserAlone) {
-  const TemporaryFolder home;
+  const HelperFolder home;
   const mode_t previous = umask(0);
   EXPECT_TRUE(makePrivateFolder(home.path() + "/.config/Vantora"));
   umask(previous);
@@ -28,7 +28,7 @@ TEST(PrivateFolder, CreatesTheFolderAndItsParentsForTheUserAlone) {
 }
 
 TEST(PrivateFolder, LeavesAFolderThatExistsAsItIs) {
-  const TemporaryFolder home;
+  const HelperFolder home;
   const std::string path = home.path() + "/Vantora";
   ASSERT_EQ(mkdir(path.c_str(), 0755), 0);
   ASSERT_EQ(chmod(path.c_str(), 0755), 0);
@@ -38,7 +38,7 @@ TEST(PrivateFolder, LeavesAFolderThatExistsAsItIs) {
 }
 
 TEST(PrivateFolder, AnswersThatAFileIsInTheWay) {
-  const TemporaryFolder home;
+  const HelperFolder home;
   const std::string path = home.path() + "/Vantora";
   std::ofstream(path) << "a file";
   EXPECT_FALSE(makePrivateFolder(path));

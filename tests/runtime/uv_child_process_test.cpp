@@ -27,7 +27,7 @@ using test::helperOptions;
 using test::isRunning;
 using test::ProcessCensus;
 using test::RealProcesses;
-using test::TemporaryFolder;
+using test::HelperFolder;
 using test::VirtualTime;
 
 class UvChildProcessTest : public testing::Test {
@@ -188,7 +188,7 @@ TEST_F(UvChildProcessTest, SurvivesAWriteToAChildThatDied) {
 }
 
 TEST_F(UvChildProcessTest, GivesTheChildAPlaceOfItsOwn) {
-  const TemporaryFolder home;
+  const HelperFolder home;
   const std::string folder = home.path() + "/config/Vantora";
   // What whoever started the tests left open; nothing of ours may be among it.
   int inheritableDescriptors = 0;
@@ -224,7 +224,7 @@ TEST_F(UvChildProcessTest, GivesTheChildAPlaceOfItsOwn) {
 }
 
 TEST_F(UvChildProcessTest, AnswersThatAFileIsNotExecutable) {
-  const TemporaryFolder folder;
+  const HelperFolder folder;
   const std::string path = folder.path() + "/codex";
   std::ofstream(path) << "no program";
   const auto result = processes.launcher().start({path, {}, {}, {}}, {});

@@ -57,19 +57,19 @@ ChildProcessOptions helperOptions(const std::string& scenario, std::vector<std::
   return {VANTORA_CHILD_HELPER, std::move(arguments), {}, {}};
 }
 
-TemporaryFolder::TemporaryFolder()
+HelperFolder::HelperFolder()
     : path_((std::filesystem::temp_directory_path() / "vantora-test-XXXXXX").string()) {
   if (mkdtemp(path_.data()) == nullptr) {
     ADD_FAILURE() << "no temporary folder";
   }
 }
 
-TemporaryFolder::~TemporaryFolder() {
+HelperFolder::~HelperFolder() {
   std::error_code error;
   std::filesystem::remove_all(path_, error);
 }
 
-std::string TemporaryFolder::makeHelperScript(const std::string& scenario,
+std::string HelperFolder::makeHelperScript(const std::string& scenario,
                                               const std::vector<std::string>& arguments) const {
   const std::string path = path_ + "/" + scenario;
   std::ofstream file(path);

@@ -33,12 +33,12 @@ void PrintTo(const ProcessCensus& census, std::ostream* stream);
                                                 std::vector<std::string> arguments = {});
 
 /// A folder of its own that goes with it.
-class TemporaryFolder {
+class HelperFolder {
  public:
-  TemporaryFolder();
-  ~TemporaryFolder();
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  HelperFolder();
+  ~HelperFolder();
+  HelperFolder(const HelperFolder&) = delete;
+  HelperFolder& operator=(const HelperFolder&) = delete;
   [[nodiscard]] const std::string& path() const { return path_; }
 
   /// An executable script that becomes the helper in `scenario`, whatever arguments it
