@@ -52,6 +52,8 @@ class SettingsModel {
 
   /// The last message for the user.
   [[nodiscard]] const std::optional<std::string>& notice() const { return notice_; }
+  /// Puts a message of the window's own host in the notice's place.
+  void report(std::string message) { setNotice(std::move(message)); }
 
   [[nodiscard]] LoginItemStatus loginItemStatus() const { return loginItemStatus_; }
   void refreshLoginStatus();
