@@ -49,6 +49,7 @@ typedef struct CF_BRIDGED_TYPE(NSError) __CFError* CFErrorRef;
 typedef const struct CF_BRIDGED_TYPE(id) __CFAllocator* CFAllocatorRef;
 typedef struct CF_BRIDGED_MUTABLE_TYPE(id) __CFRunLoop* CFRunLoopRef;
 typedef struct CF_BRIDGED_MUTABLE_TYPE(id) __CFRunLoopSource* CFRunLoopSourceRef;
+typedef struct CF_BRIDGED_MUTABLE_TYPE(id) __CFRunLoopObserver* CFRunLoopObserverRef;
 typedef CFStringRef CFRunLoopMode;
 typedef CFStringRef CFErrorDomain;
 
@@ -76,6 +77,7 @@ typedef enum : CFIndex {
 
 extern const CFAllocatorRef kCFAllocatorDefault;
 extern const CFRunLoopMode kCFRunLoopDefaultMode;
+extern const CFRunLoopMode kCFRunLoopCommonModes;
 extern const CFErrorDomain kCFErrorDomainPOSIX;
 
 #define CFSTR(text) ((CFStringRef)__builtin___CFStringMakeConstantString("" text ""))
@@ -116,7 +118,25 @@ CFPropertyListRef CFPreferencesCopyAppValue(CFStringRef key, CFStringRef applica
 void CFPreferencesSetAppValue(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID);
 Boolean CFPreferencesAppSynchronize(CFStringRef applicationID);
 
+typedef enum : CFOptionFlags { kCFRunLoopBeforeWaiting = 1UL << 5 } CFRunLoopActivity;
+typedef struct {
+  CFIndex version;
+  void* info;
+  const void* (*retain)(const void* info);
+  void (*release)(const void* info);
+  CFStringRef (*copyDescription)(const void* info);
+} CFRunLoopObserverContext;
+typedef void (*CFRunLoopObserverCallBack)(CFRunLoopObserverRef observer,
+                                          CFRunLoopActivity activity, void* info);
+CFRunLoopObserverRef CFRunLoopObserverCreate(CFAllocatorRef allocator, CFOptionFlags activities,
+                                             Boolean repeats, CFIndex order,
+                                             CFRunLoopObserverCallBack callout,
+                                             CFRunLoopObserverContext* context);
+
 CFRunLoopRef CFRunLoopGetMain(void);
+void CFRunLoopAddObserver(CFRunLoopRef loop, CFRunLoopObserverRef observer, CFRunLoopMode mode);
+void CFRunLoopRemoveObserver(CFRunLoopRef loop, CFRunLoopObserverRef observer,
+                             CFRunLoopMode mode);
 void CFRunLoopAddSource(CFRunLoopRef loop, CFRunLoopSourceRef source, CFRunLoopMode mode);
 void CFRunLoopRemoveSource(CFRunLoopRef loop, CFRunLoopSourceRef source, CFRunLoopMode mode);
 
