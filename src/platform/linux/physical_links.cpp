@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/physical_links.hpp"
+
+#include <linux/if_arp.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+namespace vantora {
+namespace {
+
+bool isHardware(const KnownLink& known) {
+  return known.hasHardware && (known.link.type == ARPHRD_ETHER || known.link.type == ARPHRD_RAWIP);
+}
+
+bool isUplinkOfAContainer(const KnownLink& known) {
+  constexpr std::array<std::string_view, 5> kinds{"", "ipvlan", "macvlan", "netkit", "veth"};
+  return known.link.type == ARPHRD_ETHER &&
+         std::find(kinds.begin(), kinds.end(), known.link.kind) != kinds.end();
+}
+
+}  // namespace
+
+std::vector<bool> physicalLinks(std::span<const KnownLink> links) {
+  const bool hasAny = std::any_of(links.begin(), links.end(), isHardware);
+  std::vector<bool> physical;
+  physical.reserve(links.size());
+  for (const KnownLink& known : links) {
+    physical.push_back(hasAny ? isHardware(known) : isUplinkOfAContainer(known));
+  }
+  return physical;
+}
+
+}  // namespace vantora
