@@ -2,7 +2,6 @@
 #include "platform/linux/fontconfig_lookup.hpp"
 
 #include <fontconfig/fontconfig.h>
-#include <malloc.h>
 
 #include <algorithm>
 #include <initializer_list>
@@ -12,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/linux/freed_memory.hpp"
 #include "platform/linux/freetype_face.hpp"
 
 namespace vantora {
@@ -180,8 +180,7 @@ FontSelection lookUpFonts(const std::string& configurationFile) {
     selection.text = selection.monospaced;
   }
   FcFini();
-  // The heap has grown by several times what the agent needs for the rest of its life.
-  malloc_trim(0);
+  returnFreedMemory();
   return selection;
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/linux/font_selection.hpp"
+#include "platform/linux/freed_memory.hpp"
 #include "platform/linux/freetype_face.hpp"
 
 namespace vantora {
@@ -15,6 +16,14 @@ namespace vantora {
 class OpenFonts {
  public:
   explicit OpenFonts(const FontSelection& selection) : selection_(selection) {}
+  ~OpenFonts() {
+    if (library_) {
+      text_.clear();
+      monospaced_.clear();
+      library_.reset();
+      returnFreedMemory();
+    }
+  }
   OpenFonts(const OpenFonts&) = delete;
   OpenFonts& operator=(const OpenFonts&) = delete;
 

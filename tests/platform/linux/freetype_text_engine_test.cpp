@@ -2,16 +2,15 @@
 #include "platform/linux/freetype_text_engine.hpp"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
+#include <string_view>
 
 #include "contract/text_engine_contract.hpp"
 #include "platform/linux/dejavu_fonts.hpp"
+#include "settings/temporary_folder.hpp"
 
 namespace vantora {
 namespace test {
@@ -52,31 +51,9 @@ int inkOf(const AlphaBitmap& bitmap) {
   return sum;
 }
 
-class TemporaryFolder {
- public:
-  TemporaryFolder()
-      : path_(std::filesystem::path(::testing::TempDir()) /
-              ("vantora_fonts_" + std::to_string(::getpid()) + "_" +
-               ::testing::UnitTest::GetInstance()->current_test_info()->name())) {
-    std::filesystem::create_directories(path_);
-  }
-  ~TemporaryFolder() { std::filesystem::remove_all(path_); }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-  [[nodiscard]] std::string write(const std::string& name, const std::string& content) const {
-    const std::filesystem::path file = path_ / name;
-    std::ofstream(file, std::ios::binary) << content;
-    return file;
-  }
-
- private:
-  std::filesystem::path path_;
-};
-
-std::string contentOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
+std::string write(const std::filesystem::path& path, std::string_view bytes) {
+  test::writeBytes(path, bytes);
+  return path;
 }
 
 TEST(FreetypeTextEngine, MeasuresAsTheFontSays) {
@@ -190,14 +167,14 @@ TEST(FreetypeTextEngine, KeepsTheLayoutWithoutAnyFont) {
 }
 
 TEST(FreetypeTextEngine, TreatsAFileThatIsNoFontAsNoFont) {
-  const TemporaryFolder folder;
+  const test::TemporaryFolder folder;
   FreetypeTextEngine without({});
   const AlphaBitmap boxes = draw(without, line("17%"));
-  const std::string sound = contentOf(test::dejavuSans);
+  const std::string sound = test::readBytes(test::dejavuSans);
   for (const std::string& path :
        {std::string("/nowhere/font.ttf"), std::string("/"), std::string("/dev/null"),
-        folder.write("empty.ttf", ""), folder.write("text.ttf", "not a font"),
-        folder.write("head.ttf", sound.substr(0, 200))}) {
+        write(folder / "empty.ttf", ""), write(folder / "text.ttf", "not a font"),
+        write(folder / "head.ttf", sound.substr(0, 200))}) {
     FreetypeTextEngine engine({{{path, 0, {}, 0}}, {{path, 0, {}, 0}}});
     EXPECT_EQ(draw(engine, line("17%")), boxes) << path;
   }
@@ -218,8 +195,8 @@ TEST(FreetypeTextEngine, IgnoresVariationsOfAFaceThatHasNone) {
 }
 
 TEST(FreetypeTextEngine, SurvivesDamagedFonts) {
-  const TemporaryFolder folder;
-  const std::string sound = contentOf(test::dejavuSans);
+  const test::TemporaryFolder folder;
+  const std::string sound = test::readBytes(test::dejavuSans);
   ASSERT_GT(sound.size(), 100'000U);
   for (int seed = 1; seed <= 40; ++seed) {
     std::string damaged = sound;
@@ -234,7 +211,7 @@ TEST(FreetypeTextEngine, SurvivesDamagedFonts) {
       damaged[(hit % 50 == 0 ? 0 : 400) + state % (damaged.size() - 400)] =
           static_cast<char>(state >> 24U);
     }
-    const FontFile file{folder.write("damaged.ttf", damaged), 0, {}, 20};
+    const FontFile file{write(folder / "damaged.ttf", damaged), 0, {}, 20};
     FreetypeTextEngine engine({{file}, {file}});
     EXPECT_TRUE(std::isfinite(engine.width(line("0123456789%°CM—"))));
     [[maybe_unused]] const AlphaBitmap bitmap = draw(engine, line("0123456789%°CM—"));
@@ -242,8 +219,8 @@ TEST(FreetypeTextEngine, SurvivesDamagedFonts) {
 }
 
 TEST(FreetypeTextEngine, GoesOnWithWhatItKnowsWhenItsFontVanishes) {
-  const TemporaryFolder folder;
-  const std::string path = folder.write("font.ttf", contentOf(test::dejavuSans));
+  const test::TemporaryFolder folder;
+  const std::string path = write(folder / "font.ttf", test::readBytes(test::dejavuSans));
   FreetypeTextEngine engine({{{path, 0, {}, 20}}, {}});
   const AlphaBitmap before = draw(engine, line("17"));
   std::filesystem::remove(path);
