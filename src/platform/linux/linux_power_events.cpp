@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/linux_power_events.hpp"
+
+#include <utility>
+
+namespace vantora {
+
+std::string systemBusAddress(const char* environmentAddress) {
+  const std::string address = environmentAddress != nullptr ? environmentAddress : "";
+  return address.empty() ? "unix:path=/var/run/dbus/system_bus_socket" : address;
+}
+
+LinuxPowerEvents::LinuxPowerEvents(uv_loop_t& loop, TaskQueue& queue, std::string busAddress,
+                                   std::string powerSupplyRoot)
+    : bus_(loop, queue, std::move(busAddress)),
+      sleep_([this](SleepHold hold) { handlers_.onWillSleep(std::move(hold)); },
+             [this] { handlers_.onDidWake(); }),
+      levels_(queue, std::move(powerSupplyRoot), [this] { handlers_.onPowerSourceChange(); }),
+      uevents_(loop, [this] {
+        levels_.refresh();
+        handlers_.onPowerSourceChange();
+      }) {}
+
+LinuxPowerEvents::~LinuxPowerEvents() {
+  bus_.remove(sleep_);
+}
+
+void LinuxPowerEvents::start(Handlers handlers) {
+  handlers_ = std::move(handlers);
+  levels_.refresh();
+  // Where the system passes no events on, the look at the level still finds what changed.
+  (void)uevents_.start();
+  bus_.add(sleep_);
+  bus_.open();
+}
+
+}  // namespace vantora
