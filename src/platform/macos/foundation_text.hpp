@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "model/utf8.hpp"
+
 namespace vantora {
 
 /// The string in UTF-8; empty for nil.
@@ -14,10 +16,12 @@ namespace vantora {
   return text != nullptr ? text : "";
 }
 
-/// A string of that UTF-8 text; empty when it is none, which no text of ours is.
+/// A string of that text; bytes that are no UTF-8 become U+FFFD.
 [[nodiscard]] inline NSString* stringOf(std::string_view text) {
-  NSString* string =
-      [[NSString alloc] initWithBytes:text.data() length:text.size() encoding:NSUTF8StringEncoding];
+  const std::string repaired = repairedUtf8(text);
+  NSString* string = [[NSString alloc] initWithBytes:repaired.data()
+                                              length:repaired.size()
+                                            encoding:NSUTF8StringEncoding];
   return string != nil ? string : @"";
 }
 

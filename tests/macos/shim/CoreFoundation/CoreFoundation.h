@@ -133,6 +133,10 @@ CFRunLoopObserverRef CFRunLoopObserverCreate(CFAllocatorRef allocator, CFOptionF
                                              CFRunLoopObserverCallBack callout,
                                              CFRunLoopObserverContext* context);
 
+typedef enum : int32_t { kCFRunLoopRunStopped = 2 } CFRunLoopRunResult;
+CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval seconds,
+                                      Boolean returnAfterSourceHandled);
+void CFRunLoopStop(CFRunLoopRef loop);
 CFRunLoopRef CFRunLoopGetMain(void);
 void CFRunLoopAddObserver(CFRunLoopRef loop, CFRunLoopObserverRef observer, CFRunLoopMode mode);
 void CFRunLoopRemoveObserver(CFRunLoopRef loop, CFRunLoopObserverRef observer,
