@@ -47,6 +47,23 @@ TEST(ParseJson, LimitsTheDepth) {
   EXPECT_FALSE(parseJson(std::string(100'000, '[')));
 }
 
+TEST(ParseJson, CountsNoBracketsInsideOfTexts) {
+  const std::string brackets(1000, '[');
+  EXPECT_TRUE(parseJson("\"" + brackets + "\""));
+  EXPECT_TRUE(parseJson("{\"" + brackets + "\":\"\\\"" + brackets + "\"}"));
+  EXPECT_TRUE(parseJson("[\"\\\\\"," + nested(deepestJson - 1) + "]"));
+  EXPECT_FALSE(parseJson("[\"\\\\\"," + nested(deepestJson) + "]"));
+  EXPECT_FALSE(parseJson("\"\\"));
+}
+
+TEST(ParseJson, LimitsTheDepthOfOpenContainersOnly) {
+  std::string siblings = "[[]";
+  for (int index = 0; index < 1000; ++index) {
+    siblings += ",[{}]";
+  }
+  EXPECT_TRUE(parseJson(siblings + "]"));
+}
+
 TEST(ParseJson, LetsTheLastOfTwoEqualMembersCount) {
   const auto value = parseJson(R"({"a":1,"a":2})");
   ASSERT_TRUE(value);
