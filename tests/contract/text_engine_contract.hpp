@@ -23,8 +23,7 @@ struct TextEngineMaker {
   std::function<std::unique_ptr<TextEngine>()> make;
 };
 
-class TextEngineContract : public ::testing::TestWithParam<TextEngineMaker> {
- protected:
+struct TextEngineContract : ::testing::TestWithParam<TextEngineMaker> {
   static constexpr std::array faces{FontFace::system, FontFace::tabularDigits,
                                     FontFace::monospaced};
 

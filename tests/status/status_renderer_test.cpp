@@ -18,8 +18,7 @@ constexpr double usualThickness = 24;
 constexpr const char* reducedWarning =
     "Fonte, margem ou intervalo reduzido para caber nas duas linhas desta barra.";
 
-class StatusRendererTest : public ::testing::Test {
- protected:
+struct StatusRendererTest : ::testing::Test {
   StatusRendererTest() {
     configuration.modules.clear();
     set(MetricID::cpuUsage, 17);

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <string_view>
 
 #include "status/text_engine.hpp"
@@ -24,7 +25,7 @@ class FakeTextEngine final : public TextEngine {
     ++measurements;
     double sum = 0;
     for (const TextRun& run : text) {
-      sum += characters(run.text) * advance * run.font.pointSize;
+      sum += static_cast<double>(characters(run.text)) * advance * run.font.pointSize;
     }
     return sum;
   }
@@ -39,7 +40,7 @@ class FakeTextEngine final : public TextEngine {
     double left = x * scale;
     for (const TextRun& run : text) {
       const double size = run.font.pointSize * scale;
-      for (double rest = characters(run.text); rest > 0; --rest) {
+      for (std::ptrdiff_t rest = characters(run.text); rest > 0; --rest) {
         fill(target, left, bottom - capitals * size, left + 0.8 * advance * size, bottom);
         left += advance * size;
       }
@@ -49,10 +50,10 @@ class FakeTextEngine final : public TextEngine {
   int measurements = 0;
 
  private:
-  static double characters(std::string_view text) {
-    return static_cast<double>(std::count_if(text.begin(), text.end(), [](char byte) {
+  static std::ptrdiff_t characters(std::string_view text) {
+    return std::count_if(text.begin(), text.end(), [](char byte) {
       return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
-    }));
+    });
   }
 
   static int pixel(double place, int most) {

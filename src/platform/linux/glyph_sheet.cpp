@@ -2,6 +2,7 @@
 #include "platform/linux/glyph_sheet.hpp"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace vantora {
 namespace {
@@ -53,7 +54,8 @@ void GlyphSheet::draw(const Glyph& glyph, AlphaBitmap& target, int penColumn,
   const int firstRow = std::max(0, -top);
   const int endRow = std::min<int>(glyph.height, target.height - top);
   for (int row = firstRow; row < endRow; ++row) {
-    const std::uint8_t* source = ink_.data() + glyph.offset + row * glyph.width;
+    const std::uint8_t* source =
+        ink_.data() + glyph.offset + static_cast<std::ptrdiff_t>(row) * glyph.width;
     for (int column = firstColumn; column < endColumn; ++column) {
       std::uint8_t& pixel = target.at(left + column, top + row);
       pixel = over(pixel, source[column]);

@@ -15,7 +15,7 @@ TEST(LookUpApart, BringsTheSelectionBack) {
   const FontSelection selection{
       {{"/fonts/A B\n.ttf", 0, {}, 20}, {"/fonts/variable.ttf", 0x30001, "wght=500,wdth=100", 0}},
       {{"/fonts/m.ttc", 3, {}, -1}}};
-  EXPECT_EQ(lookUpApart([&] { return selection; }), selection);
+  EXPECT_EQ(lookUpApart([&] { return FontSelection(selection); }), selection);
   EXPECT_EQ(lookUpApart([] { return FontSelection(); }), FontSelection());
 }
 

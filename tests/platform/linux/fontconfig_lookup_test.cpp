@@ -19,8 +19,7 @@ constexpr const char* dejavuFolder = "/usr/share/fonts/truetype/dejavu/";
 constexpr unsigned glyphOfOne = 0x31 - 0x20 + 3;
 
 /// A machine whose fonts are those in one folder, with DejaVu as its families.
-class FontconfigLookup : public ::testing::Test {
- protected:
+struct FontconfigLookup : ::testing::Test {
   FontconfigLookup() {
     std::filesystem::create_directory(folder / "fonts");
     prefer("DejaVu Sans", "DejaVu Serif", "DejaVu Sans Mono");
