@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
 // The child of the tests that need a real one: child_helper SCENARIO [ARGUMENT...].
-// Every scenario that waits ends by itself when its parent is gone, or after a minute, so
-// that a failed test leaves nothing behind.
+// "after-lines N SCENARIO ..." reads N lines of its input first, so that the parent's
+// requests are never lost. Every scenario that waits ends by itself when its parent is gone, or
+// after a minute, so that a failed test leaves nothing behind.
 #include <fcntl.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
@@ -43,6 +44,13 @@ bool isForked() {
 [[noreturn]] void waitForEver() {
   while (true) {
     pause();
+  }
+}
+
+void readLines(int count) {
+  char byte = 0;
+  while (count > 0 && read(STDIN_FILENO, &byte, 1) == 1) {
+    count -= byte == '\n' ? 1 : 0;
   }
 }
 
@@ -123,8 +131,11 @@ int closeInput(const Arguments&) {
   waitForEver();
 }
 
-int closeInputAndHang(const Arguments&) {
+// Closes its input before it answers the first line.
+int answerAndCloseInput(const Arguments& arguments) {
+  readLines(1);
   close(STDIN_FILENO);
+  say(arguments.at(0) + "\n");
   waitForEver();
 }
 
@@ -162,6 +173,24 @@ int leaveAGrandchild(const Arguments& arguments) {
   if (!arguments.empty()) {
     (void)!read(STDIN_FILENO, &byte, 1);
   }
+  return 0;
+}
+
+// As above, without a word: the grandchild leaves its number in a file.
+int leaveAQuietGrandchild(const Arguments& arguments) {
+  int ready[2];
+  if (pipe(ready) != 0) {
+    return 1;
+  }
+  if (isForked()) {
+    std::FILE* file = std::fopen(arguments.at(0).c_str(), "w");
+    std::fprintf(file, "%d\n", static_cast<int>(getpid()));
+    std::fclose(file);
+    (void)!write(ready[1], "r", 1);
+    waitForEver();
+  }
+  char byte = 0;
+  (void)!read(ready[0], &byte, 1);
   return 0;
 }
 
@@ -204,6 +233,7 @@ int main(int argc, char** argv) {
   const std::map<std::string, int (*)(const Arguments&)> scenarios{
       {"echo", echo},
       {"answer", answer},
+      {"answer-and-close-input", answerAndCloseInput},
       {"answer-and-exit", answerAndExit},
       {"exit", exitWith},
       {"die", die},
@@ -211,19 +241,24 @@ int main(int argc, char** argv) {
       {"huge-error", hugeError},
       {"flood", flood},
       {"close-input", closeInput},
-      {"close-input-and-hang", closeInputAndHang},
       {"close-output", closeOutput},
       {"hang", hang},
       {"silent", silent},
       {"ignore-termination", ignoreTermination},
       {"leave-a-grandchild", leaveAGrandchild},
+      {"leave-a-quiet-grandchild", leaveAQuietGrandchild},
       {"wrap", wrap},
       {"report", report},
   };
-  const auto scenario = argc > 1 ? scenarios.find(argv[1]) : scenarios.end();
+  std::vector<std::string> words(argv + 1, argv + argc);
+  if (words.size() > 2 && words[0] == "after-lines") {
+    readLines(std::atoi(words[1].c_str()));
+    words.erase(words.begin(), words.begin() + 2);
+  }
+  const auto scenario = !words.empty() ? scenarios.find(words[0]) : scenarios.end();
   if (scenario == scenarios.end()) {
     std::fputs("child_helper: no such scenario\n", stderr);
     return 64;
   }
-  return scenario->second(Arguments(argv + 2, argv + argc));
+  return scenario->second(Arguments(words.begin() + 1, words.end()));
 }

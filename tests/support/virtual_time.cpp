@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <vector>
 
 namespace vantora::test {
 
@@ -59,17 +61,20 @@ std::shared_ptr<VirtualTime::Place> VirtualTime::insert(Ticks due, Entry entry,
 }
 
 void VirtualTime::cancel(const Place& place) {
-  tasks_.erase(place.key);
+  // Destroyed outside the map: the task may hold other timers.
+  const auto gone = tasks_.extract(place.key);
 }
 
 void VirtualTime::forget(const VirtualQueue& queue) {
+  // Destroyed only when no iterator is in use: a task may hold timers of the same queue.
+  std::vector<decltype(tasks_)::node_type> gone;
   for (auto at = tasks_.begin(); at != tasks_.end();) {
+    const auto next = std::next(at);
     if (at->second.first.queue == &queue) {
       at->second.second->isAlive = false;
-      at = tasks_.erase(at);
-    } else {
-      ++at;
+      gone.push_back(tasks_.extract(at));
     }
+    at = next;
   }
 }
 
