@@ -48,6 +48,7 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 
 @interface NSURL : NSObject <NSCopying>
 + (nullable instancetype)URLWithString:(NSString*)string;
+@property(nullable, readonly, copy) NSString* path;
 @end
 
 @interface NSNumber : NSObject <NSCopying>
@@ -68,6 +69,7 @@ typedef struct {
 
 @interface NSArray<__covariant Object> : NSObject <NSCopying, NSFastEnumeration>
 @property(readonly) NSUInteger count;
+@property(nullable, readonly) Object firstObject;
 @end
 
 @interface NSMutableArray<Object> : NSArray <Object>
@@ -110,6 +112,20 @@ typedef NSString* NSNotificationName;
                name:(nullable NSNotificationName)name
              object:(nullable id)object;
 - (void)removeObserver:(id)observer;
+@end
+
+typedef NS_ENUM(NSUInteger, NSSearchPathDirectory) { NSApplicationSupportDirectory = 14 };
+typedef NS_OPTIONS(NSUInteger, NSSearchPathDomainMask) { NSUserDomainMask = 1 };
+
+@interface NSFileManager : NSObject
+@property(class, readonly, strong) NSFileManager* defaultManager;
+- (NSArray<NSURL*>*)URLsForDirectory:(NSSearchPathDirectory)directory
+                           inDomains:(NSSearchPathDomainMask)domains;
+@end
+
+@interface NSBundle : NSObject
+@property(class, readonly, strong) NSBundle* mainBundle;
+- (nullable NSString*)pathForAuxiliaryExecutable:(NSString*)name;
 @end
 
 NS_ASSUME_NONNULL_END
