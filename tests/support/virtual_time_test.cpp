@@ -110,6 +110,17 @@ TEST(VirtualTime, DropsTheTasksOfAQueueThatEnds) {
   EXPECT_EQ(runs, 0);
 }
 
+TEST(VirtualTime, DropsATaskThatOwnsATimer) {
+  VirtualTime time;
+  auto queue = time.makeQueue();
+  const auto other = time.makeQueue();
+  std::shared_ptr<Timer> first = other->runAfter(Seconds{1}, Seconds{0}, [] {});
+  std::shared_ptr<Timer> second = queue->runAfter(Seconds{1}, Seconds{0}, [] {});
+  queue->post([owned = std::move(first), alsoOwned = std::move(second)] {});
+  queue.reset();
+  EXPECT_EQ(time.pendingCount(), 0U);
+}
+
 TEST(VirtualTime, FailsInsteadOfHangingWhenTasksNeverEnd) {
   EXPECT_NONFATAL_FAILURE(
       {
