@@ -6,33 +6,122 @@
 #include "status/status_renderer.hpp"
 
 namespace vantora {
+namespace {
+
+// Calls `method` of the coordinator with whatever arrives, unless it is gone by then.
+template <typename Owner, typename Method>
+auto weakly(std::weak_ptr<Owner> weak, Method method) {
+  return [weak = std::move(weak), method](auto&&... arguments) {
+    if (const auto self = weak.lock()) {
+      ((*self).*method)(std::forward<decltype(arguments)>(arguments)...);
+    }
+  };
+}
+
+}  // namespace
 
 std::shared_ptr<AppCoordinator> AppCoordinator::create(AppParts parts) {
   return std::make_shared<AppCoordinator>(Token(), std::move(parts));
 }
 
-AppCoordinator::AppCoordinator(Token, AppParts parts) : parts_(std::move(parts)) {}
+AppCoordinator::AppCoordinator(Token, AppParts parts)
+    : parts_(std::move(parts)), launchedAtUptime_(parts_.clock.uptime()) {}
 
 void AppCoordinator::launch() {
-  const std::weak_ptr<AppCoordinator> weak = weak_from_this();
-  parts_.model->onConfigurationChange = [weak](const AppConfiguration& configuration) {
-    if (const auto self = weak.lock()) {
-      self->configurationChanged(configuration);
-    }
-  };
-  parts_.sampling->onSnapshot = [weak](MetricSnapshot snapshot) {
-    if (const auto self = weak.lock()) {
-      self->sampled(std::move(snapshot));
-    }
-  };
+  observeStatusItem();
+  observeModel();
+  observeProviders();
+  observeSampling();
+  observePower();
   drawStatus(/*force=*/true);
   samplingConfiguration_ = parts_.model->configuration();
   parts_.sampling->configure(*samplingConfiguration_);
+  configureProviders(/*sleeping=*/false);
+}
+
+void AppCoordinator::terminate() {
+  parts_.powerEvents.reset();
+  parts_.quota->shutdown();
+  parts_.claudeQuota->shutdown();
+  if (parts_.settingsWindow != nullptr) {
+    parts_.settingsWindow->close();
+  }
+}
+
+bool AppCoordinator::reopen(std::string_view activationToken) {
+  if (parts_.clock.uptime() - launchedAtUptime_ < reopenGrace) {
+    return false;
+  }
+  showSettings(activationToken);
+  return true;
+}
+
+void AppCoordinator::observeStatusItem() {
+  StatusItemActions actions;
+  if (parts_.settingsWindow != nullptr) {
+    actions.openSettings = weakly(weak_from_this(), &AppCoordinator::showSettings);
+  }
+  actions.togglePause = weakly(weak_from_this(), &AppCoordinator::togglePause);
+  actions.quit = parts_.quit;
+  actions.isPaused = [weak = weak_from_this()] {
+    const auto self = weak.lock();
+    return self != nullptr && self->model().configuration().paused;
+  };
+  parts_.statusItem.setActions(std::move(actions));
+}
+
+void AppCoordinator::observeModel() {
+  SettingsModel& model = *parts_.model;
+  model.onConfigurationChange = weakly(weak_from_this(), &AppCoordinator::configurationChanged);
+  // The model and the providers live and end with this coordinator.
+  model.onQuotaRefresh = [this] { parts_.quota->manualRefresh(); };
+  model.onQuotaConnect = [this] { parts_.quota->connectInBrowser(); };
+  model.onCodexExecutableChange = [this] { parts_.quota->executableSelectionChanged(); };
+  model.onClaudeRefresh = [this] { parts_.claudeQuota->manualRefresh(); };
+}
+
+void AppCoordinator::observeProviders() {
+  const std::weak_ptr<AppCoordinator> weak = weak_from_this();
+  parts_.quota->onState = [weak](const CodexQuotaState& state) {
+    if (const auto self = weak.lock()) {
+      self->snapshot_.codex = state;
+      self->snapshotChanged();
+    }
+  };
+  parts_.quota->onLoginURL = [weak](const std::string& url) {
+    const auto self = weak.lock();
+    if (self != nullptr && self->parts_.urlOpener != nullptr) {
+      self->parts_.urlOpener->open(url);
+    }
+  };
+  parts_.claudeQuota->onState = [weak](const ClaudeQuotaState& state) {
+    if (const auto self = weak.lock()) {
+      self->snapshot_.claude = state;
+      self->snapshotChanged();
+    }
+  };
+}
+
+void AppCoordinator::observeSampling() {
+  parts_.sampling->onSnapshot = weakly(weak_from_this(), &AppCoordinator::sampled);
+}
+
+void AppCoordinator::observePower() {
+  const std::weak_ptr<AppCoordinator> weak = weak_from_this();
+  PowerEvents::Handlers handlers;
+  handlers.onPowerSourceChange = [weak] {
+    if (const auto self = weak.lock()) {
+      self->parts_.sampling->refreshBattery();
+    }
+  };
+  handlers.onWillSleep = weakly(weak, &AppCoordinator::willSleep);
+  handlers.onDidWake = weakly(weak, &AppCoordinator::woke);
+  parts_.powerEvents->start(std::move(handlers));
 }
 
 void AppCoordinator::configurationChanged(const AppConfiguration& configuration) {
   drawStatus(/*force=*/true);
-  // Widths, fonts and gaps never disturb the sampling timer.
+  // Widths, fonts, gaps and quota settings never disturb the sampling timer.
   const bool isSamplingAlike =
       samplingConfiguration_ && samplingConfiguration_->demand() == configuration.demand() &&
       samplingConfiguration_->intervalSeconds == configuration.intervalSeconds &&
@@ -42,6 +131,7 @@ void AppCoordinator::configurationChanged(const AppConfiguration& configuration)
     parts_.sampling->configure(configuration);
   }
   samplingConfiguration_ = configuration;
+  configureProviders(/*sleeping=*/false);
 }
 
 void AppCoordinator::sampled(MetricSnapshot snapshot) {
@@ -50,14 +140,52 @@ void AppCoordinator::sampled(MetricSnapshot snapshot) {
   snapshot.claude = std::move(snapshot_.claude);
   snapshot_ = std::move(snapshot);
   ++samplingRounds_;
-  updated();
+  snapshotChanged();
 }
 
-void AppCoordinator::updated() {
+void AppCoordinator::snapshotChanged() {
+  if (parts_.settingsWindow != nullptr && parts_.settingsWindow->isVisible()) {
+    parts_.model->setSnapshot(snapshot_);
+  }
   drawStatus(/*force=*/false);
   if (onUpdate) {
     onUpdate();
   }
+}
+
+void AppCoordinator::configureProviders(bool sleeping) {
+  const AppConfiguration& configuration = parts_.model->configuration();
+  parts_.quota->configure(configuration, sleeping);
+  parts_.claudeQuota->configure(configuration, sleeping);
+}
+
+void AppCoordinator::willSleep(SleepHold hold) {
+  // The system may sleep once no timer is left that a rate could come from; the hold is
+  // let go of where it came from, on the main thread.
+  parts_.sampling->prepareForSleep([&main = parts_.mainQueue, hold = std::move(hold)]() mutable {
+    main.post([released = std::move(hold)] {});
+  });
+  configureProviders(/*sleeping=*/true);
+}
+
+void AppCoordinator::woke() {
+  parts_.sampling->resetAfterWake();
+  configureProviders(/*sleeping=*/false);
+}
+
+void AppCoordinator::showSettings(std::string_view activationToken) {
+  if (parts_.settingsWindow == nullptr) {
+    return;
+  }
+  parts_.model->setSnapshot(snapshot_);
+  parts_.model->refreshLoginStatus();
+  parts_.settingsWindow->show(activationToken);
+}
+
+void AppCoordinator::togglePause() {
+  AppConfiguration configuration = parts_.model->configuration();
+  configuration.paused = !configuration.paused;
+  parts_.model->setConfiguration(std::move(configuration));
 }
 
 void AppCoordinator::drawStatus(bool force) {
@@ -69,8 +197,12 @@ void AppCoordinator::drawStatus(bool force) {
   }
   lastSignature_ = std::move(signature);
   lastConfiguration_ = configuration;
-  parts_.statusItem.show(StatusRenderer::render(
-      configuration, snapshot_, {parts_.statusItem.thickness(), now, parts_.textEngine}));
+  const StatusPresentation presentation = StatusRenderer::render(
+      configuration, snapshot_, {parts_.statusItem.thickness(), now, parts_.textEngine});
+  parts_.statusItem.show(presentation);
+  if (parts_.settingsWindow != nullptr) {
+    parts_.settingsWindow->showStatus(presentation);
+  }
 }
 
 }  // namespace vantora

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
-// The spine of the program: owns the settings model, the sampling and what is shown,
-// keeps the current snapshot, and redraws the status item when what it shows changed.
+// The spine of the program: owns the settings model, the sampling and the two quota
+// providers, keeps the current snapshot, redraws the status item when what it shows
+// changed, and passes on clicks, sleep, wake and changes of the power source.
+//
 // Everything here runs on the main thread.
 #pragma once
 
@@ -9,11 +11,18 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
+#include "app/power_events.hpp"
+#include "app/settings_window.hpp"
 #include "app/status_item.hpp"
+#include "app/url_opener.hpp"
+#include "claude/claude_quota_provider.hpp"
+#include "codex/codex_quota_provider.hpp"
 #include "model/configuration.hpp"
 #include "model/sample.hpp"
 #include "runtime/clock.hpp"
+#include "runtime/task_queue.hpp"
 #include "sampling/sampling_coordinator.hpp"
 #include "settings/settings_model.hpp"
 #include "status/text_engine.hpp"
@@ -22,20 +31,41 @@ namespace vantora {
 
 /// What the main chooses for the coordinator. Everything referred to must outlive it.
 struct AppParts {
+  TaskQueue& mainQueue;
   const Clock& clock;
   StatusItem& statusItem;
   TextEngine& textEngine;
   std::unique_ptr<SettingsModel> model;
   std::shared_ptr<SamplingCoordinator> sampling;
+  std::unique_ptr<CodexQuotaProvider> quota;
+  std::unique_ptr<ClaudeQuotaProvider> claudeQuota;
+  std::unique_ptr<PowerEvents> powerEvents;
+  /// Null in a program that has no window.
+  SettingsWindow* settingsWindow = nullptr;
+  /// Null in a program that opens no pages.
+  UrlOpener* urlOpener = nullptr;
+  /// Ends the program's main loop; empty where the user cannot ask for it.
+  std::function<void()> quit;
 };
 
 class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator> {
  public:
+  /// A request to open the program again is ignored for this long after its start, so
+  /// that a login, or starting it twice, opens no window.
+  static constexpr Seconds reopenGrace{3.0};
+
   [[nodiscard]] static std::shared_ptr<AppCoordinator> create(AppParts parts);
 
   /// Installs every callback, draws once and starts what the configuration asks for.
   /// Once, when the main loop is about to run.
   void launch();
+
+  /// Stops listening to the system and ends the child processes. A save that waits for
+  /// its delay is not made. Once, when the main loop has ended.
+  void terminate();
+
+  /// Somebody started the program again. Whether it showed its settings.
+  bool reopen(std::string_view activationToken = {});
 
   [[nodiscard]] SettingsModel& model() { return *parts_.model; }
   [[nodiscard]] const SettingsModel& model() const { return *parts_.model; }
@@ -58,16 +88,28 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   AppCoordinator(Token token, AppParts parts);
 
  private:
-  void drawStatus(bool force);
+  void observeStatusItem();
+  void observeModel();
+  void observeProviders();
+  void observeSampling();
+  void observePower();
+
   void configurationChanged(const AppConfiguration& configuration);
   void sampled(MetricSnapshot snapshot);
-  void updated();
+  void snapshotChanged();
+  void configureProviders(bool sleeping);
+  void willSleep(SleepHold hold);
+  void woke();
+  void showSettings(std::string_view activationToken);
+  void togglePause();
+  void drawStatus(bool force);
 
   AppParts parts_;
+  const Seconds launchedAtUptime_;
   MetricSnapshot snapshot_;
   int samplingRounds_ = 0;
-  std::optional<std::string> lastSignature_;               // of what was drawn last
-  std::optional<AppConfiguration> lastConfiguration_;      // of what was drawn last
+  std::optional<std::string> lastSignature_;              // of what was drawn last
+  std::optional<AppConfiguration> lastConfiguration_;     // of what was drawn last
   std::optional<AppConfiguration> samplingConfiguration_;  // handed to the sampling last
 };
 

@@ -54,12 +54,15 @@ void SamplingCoordinator::refreshBattery() {
   });
 }
 
-void SamplingCoordinator::prepareForSleep() {
-  queue_.post([self = shared_from_this()] {
+void SamplingCoordinator::prepareForSleep(std::function<void()> whenStopped) {
+  queue_.post([self = shared_from_this(), whenStopped = std::move(whenStopped)] {
     self->isSleeping_ = true;
     self->timer_.reset();
     self->resetRates();
     self->sources_.sensors->reset();
+    if (whenStopped) {
+      whenStopped();
+    }
   });
 }
 

@@ -53,8 +53,8 @@ class SamplingCoordinator final : public std::enable_shared_from_this<SamplingCo
   /// Takes a whole pass with a battery reading, for when the power source changes.
   void refreshBattery();
 
-  /// Stops until resetAfterWake().
-  void prepareForSleep();
+  /// Stops until resetAfterWake(). `whenStopped` is then called on the sampling queue.
+  void prepareForSleep(std::function<void()> whenStopped = {});
 
   /// Starts again with fresh baselines.
   void resetAfterWake();

@@ -5,10 +5,21 @@
 #include <gtest/gtest.h>
 
 #include "app/app_world.hpp"
-#include "support/fake_status_item.hpp"
 
 namespace vantora::test {
 namespace {
+
+AppConfiguration withQuotas() {
+  AppConfiguration configuration =
+      showing({{MetricID::cpuUsage, MetricID::none},
+               {MetricID::codexWeeklyPercent, MetricID::codexWeeklyReset},
+               {MetricID::claudeWeeklyPercent, MetricID::claudeSessionPercent}});
+  configuration.codexSettings = CodexQuotaSettings();
+  configuration.codexSettings->enabled = true;
+  configuration.claudeSettings = ClaudeQuotaSettings();
+  configuration.claudeSettings->enabled = true;
+  return configuration;
+}
 
 class AppCoordinatorTest : public testing::Test, protected AppWorld {
  protected:
@@ -97,6 +108,190 @@ TEST_F(AppCoordinatorTest, ReconfiguresSamplingWhenWhatItDependsOnChanges) {
   EXPECT_EQ(ticks->reads(), expected);
   change([](auto& configuration) { configuration.paused = false; });
   EXPECT_EQ(ticks->reads(), ++expected);
+}
+
+TEST_F(AppCoordinatorTest, KeepsTheQuotaStatesWhenSamplingHandsOverASnapshot) {
+  start(withQuotas());
+  const auto before = coordinator->snapshot().codex;
+  EXPECT_EQ(before.status, CodexQuotaStatus::connecting);
+  time.advance(Seconds{2});
+  EXPECT_EQ(coordinator->snapshot().codex, before);
+  EXPECT_EQ(coordinator->snapshot().claude.status, ClaudeQuotaStatus::connecting);
+}
+
+TEST_F(AppCoordinatorTest, DrawsAQuotaStateThatChangesAText) {
+  start(withQuotas());
+  ASSERT_EQ(clients.codex.size(), 1U);
+  ASSERT_EQ(clients.claude.size(), 1U);
+  EXPECT_TRUE(clients.codex[0]->isStarted);
+  clients.codex[0]->completion(codex_result::NeedsAuthentication());
+  EXPECT_THAT(lastText(), testing::HasSubstr("Codex · tempo até renovar: LOGIN"));
+  clients.claude[0]->completion(claude_result::NeedsAuthentication());
+  EXPECT_THAT(lastText(), testing::HasSubstr("Claude · janela de 5 horas (%): LOGIN"));
+}
+
+TEST_F(AppCoordinatorTest, OpensTheLoginPageInTheBrowser) {
+  start(withQuotas());
+  clients.codex[0]->completion(codex_result::NeedsAuthentication());
+  coordinator->model().onQuotaConnect();
+  ASSERT_EQ(clients.codex.size(), 2U);
+  EXPECT_EQ(clients.codex[1]->mode, CodexClientMode::login);
+  clients.codex[1]->onLoginURL("https://auth.openai.com/x");
+  EXPECT_THAT(urlOpener.opened, testing::ElementsAre("https://auth.openai.com/x"));
+}
+
+TEST_F(AppCoordinatorTest, PassesTheWindowsIntentsToTheProviders) {
+  start(withQuotas());
+  clients.codex[0]->completion(codex_result::Failure{"x"});
+  clients.claude[0]->completion(claude_result::Failure{"x"});
+  time.advance(Seconds{30});
+  coordinator->model().onQuotaRefresh();
+  coordinator->model().onClaudeRefresh();
+  EXPECT_EQ(clients.codex.size(), 2U);
+  EXPECT_EQ(clients.claude.size(), 2U);
+  coordinator->model().onCodexExecutableChange();
+  EXPECT_TRUE(clients.codex[1]->isCancelled);
+  EXPECT_EQ(clients.codex.size(), 3U);
+}
+
+TEST_F(AppCoordinatorTest, ConfiguresTheProvidersOnEveryChange) {
+  start(withQuotas());
+  change([](auto& configuration) { configuration.codexSettings->enabled = false; });
+  EXPECT_EQ(coordinator->snapshot().codex.status, CodexQuotaStatus::disabled);
+  EXPECT_TRUE(clients.codex[0]->isCancelled);
+  change([](auto& configuration) { configuration.paused = true; });
+  EXPECT_EQ(coordinator->snapshot().claude.status, ClaudeQuotaStatus::disabled);
+}
+
+TEST_F(AppCoordinatorTest, ReadsTheBatteryWhenThePowerSourceChanges) {
+  start(showing({{MetricID::batteryPercent, MetricID::none}}));
+  const int before = battery->reads;
+  power.onPowerSourceChange();
+  time.runPosted();
+  EXPECT_EQ(battery->reads, before + 1);
+}
+
+TEST_F(AppCoordinatorTest, StopsBeforeSleepAndStartsAfresh) {
+  start(withQuotas());
+  const int before = ticks->reads();
+  power.onWillSleep(nullptr);
+  time.advance(Seconds{10});
+  EXPECT_EQ(ticks->reads(), before);
+  EXPECT_EQ(coordinator->snapshot().codex.status, CodexQuotaStatus::disabled);
+  EXPECT_TRUE(clients.claude[0]->isCancelled);
+  power.onDidWake();
+  time.runPosted();
+  EXPECT_EQ(ticks->reads(), before + 1);
+  EXPECT_EQ(coordinator->snapshot()[MetricID::cpuUsage].quality, Quality::waiting);
+  EXPECT_EQ(coordinator->snapshot().codex.status, CodexQuotaStatus::connecting);
+  EXPECT_EQ(clients.claude.size(), 2U);
+}
+
+TEST_F(AppCoordinatorTest, HoldsTheSleepUntilSamplingHasStopped) {
+  start(showing({{MetricID::cpuUsage, MetricID::none}}));
+  auto hold = std::make_shared<int>();
+  const std::weak_ptr<int> held = hold;
+  power.onWillSleep(std::move(hold));
+  EXPECT_FALSE(held.expired());
+  time.runPosted();
+  EXPECT_TRUE(held.expired());
+}
+
+TEST_F(AppCoordinatorTest, OpensTheSettingsAtAClickWithTheReadingsOfTheMoment) {
+  start(showing({{MetricID::cpuUsage, MetricID::none}}));
+  setUsage(30);
+  time.advance(Seconds{1});
+  loginItem.current = LoginItemStatus::enabled;
+  EXPECT_EQ(coordinator->model().snapshot(), MetricSnapshot());
+  item_.actions.openSettings("token");
+  EXPECT_THAT(window.tokens, testing::ElementsAre("token"));
+  EXPECT_EQ(coordinator->model().snapshot(), coordinator->snapshot());
+  EXPECT_EQ(coordinator->model().loginItemStatus(), LoginItemStatus::enabled);
+}
+
+TEST_F(AppCoordinatorTest, CopiesReadingsToTheModelOnlyWhileTheWindowIsVisible) {
+  start(withQuotas());
+  setUsage(30);
+  time.advance(Seconds{1});
+  EXPECT_EQ(coordinator->model().snapshot(), MetricSnapshot());
+  window.isOpen = true;
+  setUsage(30);
+  time.advance(Seconds{1});
+  EXPECT_EQ(coordinator->model().snapshot(), coordinator->snapshot());
+  clients.codex[0]->completion(codex_result::NeedsAuthentication());
+  EXPECT_EQ(coordinator->model().snapshot().codex.status, CodexQuotaStatus::needsAuthentication);
+  window.isOpen = false;
+  clients.claude[0]->completion(claude_result::NeedsAuthentication());
+  EXPECT_NE(coordinator->model().snapshot(), coordinator->snapshot());
+}
+
+TEST_F(AppCoordinatorTest, GivesTheWindowThePictureThatTheItemShows) {
+  start(showing({{MetricID::cpuUsage, MetricID::none}}));
+  EXPECT_EQ(window.previews, item_.shown);
+}
+
+TEST_F(AppCoordinatorTest, PausesAndResumesFromTheMenu) {
+  start(showing({{MetricID::cpuUsage, MetricID::none}}));
+  EXPECT_FALSE(item_.actions.isPaused());
+  item_.actions.togglePause();
+  EXPECT_TRUE(item_.actions.isPaused());
+  time.runPosted();
+  EXPECT_EQ(coordinator->snapshot()[MetricID::cpuUsage].quality, Quality::stale);
+  item_.actions.togglePause();
+  EXPECT_FALSE(item_.actions.isPaused());
+}
+
+TEST_F(AppCoordinatorTest, SavesAPauseAfterTheUsualDelay) {
+  start(showing({{MetricID::cpuUsage, MetricID::none}}));
+  item_.actions.togglePause();
+  time.advance(Seconds{0.4});
+  EXPECT_TRUE(ConfigurationStore(folder.path()).load().configuration.paused);
+}
+
+TEST_F(AppCoordinatorTest, QuitsFromTheMenu) {
+  start(showing({}));
+  item_.actions.quit();
+  EXPECT_EQ(quits, 1);
+}
+
+TEST_F(AppCoordinatorTest, IgnoresAReopeningWithinThreeSecondsOfItsStart) {
+  start(showing({}));
+  time.advance(Seconds{2.999});
+  EXPECT_FALSE(coordinator->reopen());
+  EXPECT_TRUE(window.tokens.empty());
+  time.advance(Seconds{0.001});
+  EXPECT_TRUE(coordinator->reopen("token"));
+  EXPECT_THAT(window.tokens, testing::ElementsAre("token"));
+}
+
+TEST_F(AppCoordinatorTest, EndsItsChildrenAndItsListeningAtTermination) {
+  start(withQuotas());
+  coordinator->model().setConfiguration(showing({}));
+  coordinator->model().setConfiguration(withQuotas());
+  window.isOpen = true;
+  coordinator->terminate();
+  EXPECT_TRUE(clients.codex.back()->isCancelled);
+  EXPECT_TRUE(clients.claude.back()->isCancelled);
+  EXPECT_FALSE(power.onDidWake);
+  EXPECT_FALSE(window.isOpen);
+}
+
+TEST_F(AppCoordinatorTest, DoesNotFlushASaveThatWaitsAtTermination) {
+  start(showing({{MetricID::cpuUsage, MetricID::none}}));
+  item_.actions.togglePause();
+  coordinator->terminate();
+  coordinator.reset();
+  time.advance(Seconds{5});
+  EXPECT_FALSE(ConfigurationStore(folder.path()).load().configuration.paused);
+}
+
+TEST_F(AppCoordinatorTest, WorksWithoutAWindow) {
+  hasWindow = false;
+  start(withQuotas());
+  EXPECT_FALSE(item_.actions.openSettings);
+  time.advance(Seconds{3});
+  EXPECT_TRUE(coordinator->reopen());
+  coordinator->terminate();
 }
 
 TEST_F(AppCoordinatorTest, ShowsTheMarkWhenNoModuleIsVisible) {

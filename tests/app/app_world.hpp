@@ -13,11 +13,14 @@
 #include "app/app_coordinator.hpp"
 #include "model/configuration_codec.hpp"
 #include "settings/fakes.hpp"
-#include "settings/temporary_folder.hpp"
+
+#include "support/fake_app_ports.hpp"
 #include "support/fake_network_source.hpp"
 #include "support/fake_power_sources.hpp"
+#include "support/fake_quota_clients.hpp"
 #include "support/fake_text_engine.hpp"
 #include "support/fake_tick_counters.hpp"
+#include "support/temporary_folder.hpp"
 #include "support/virtual_time.hpp"
 
 namespace vantora::test {
@@ -42,14 +45,22 @@ struct AppWorld {
     writeBytes(folder / "Vantora/configuration.json", *ConfigurationCodec::encode(configuration));
     auto fakeTicks = std::make_unique<FakeTickCounters>();
     ticks = fakeTicks.get();
+    auto fakeBattery = std::make_unique<FakeBatterySource>();
+    battery = fakeBattery.get();
     SamplingSources sources{std::move(fakeTicks), std::make_unique<FakeNetworkSource>(),
-                            std::make_unique<FakeBatterySource>(),
-                            std::make_unique<FakeSensorSource>()};
+                            std::move(fakeBattery), std::make_unique<FakeSensorSource>()};
     coordinator = AppCoordinator::create(
-        {time, item, engine,
+        {*main, time, item, engine,
          std::make_unique<SettingsModel>(*main, ConfigurationStore(folder.path()), loginItem,
                                          defaults),
-         SamplingCoordinator::create(*sampling, *main, time, std::move(sources))});
+         SamplingCoordinator::create(*sampling, *main, time, std::move(sources)),
+         std::make_unique<CodexQuotaProvider>(CodexQuotaProvider::Ports{
+             *main, time, clients.codexFactory(), [] { return "/bin/codex"; }, [] { return 0.0; }}),
+         std::make_unique<ClaudeQuotaProvider>(
+             ClaudeQuotaProvider::Ports{*main, time, clients.claudeFactory(),
+                                        [] { return "/bin/claude"; }, [] { return 0.0; }}),
+         std::make_unique<FakePowerEvents>(power), hasWindow ? &window : nullptr,
+         hasWindow ? &urlOpener : nullptr, [this] { ++quits; }});
   }
 
   void change(const std::function<void(AppConfiguration&)>& edit) {
@@ -73,7 +84,14 @@ struct AppWorld {
   FakeLoginItem loginItem;
   FakeUserDefaults defaults;
   FakeTextEngine engine;
+  FakeQuotaClients clients;
+  FakeSettingsWindow window;
+  FakeUrlOpener urlOpener;
+  PowerEvents::Handlers power;
+  bool hasWindow = true;
+  int quits = 0;
   FakeTickCounters* ticks = nullptr;
+  FakeBatterySource* battery = nullptr;
   std::uint64_t active = 1000;
   std::uint64_t idle = 9000;
   std::shared_ptr<AppCoordinator> coordinator;
