@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+#include "app/linux/linux_application.hpp"
+
+#include <cstdlib>
+#include <utility>
+
+#include "claude/claude_executable_resolver.hpp"
+#include "codex/codex_executable_resolver.hpp"
+#include "platform/linux/linux_battery_source.hpp"
+#include "platform/linux/linux_power_events.hpp"
+#include "platform/linux/linux_sensor_source.hpp"
+#include "platform/linux/proc_stat.hpp"
+#include "platform/linux/rtnetlink_source.hpp"
+#include "platform/linux/xdg_folders.hpp"
+
+namespace vantora {
+namespace {
+
+SamplingSources samplingSources(const Clock& clock) {
+  return {std::make_unique<ProcStatTicks>(), std::make_unique<RtnetlinkSource>(),
+          std::make_unique<LinuxBatterySource>(clock), std::make_unique<LinuxSensorSource>(clock)};
+}
+
+}  // namespace
+
+LinuxApplication::LinuxApplication(std::filesystem::path configHome)
+    : configHome_(std::move(configHome)),
+      samplingThread_(std::string(SamplingCoordinator::queueLabel)),
+      launcher_(loop_.raw(), loop_.queue()),
+      defaults_(configHome_),
+      loginItem_(AutostartLoginItem::placesOf(ownExecutable().value_or("vantora"))) {}
+
+AppParts LinuxApplication::parts(StatusItem& statusItem, TextEngine& textEngine) {
+  UvTaskQueue& main = loop_.queue();
+  return {
+      .mainQueue = main,
+      .clock = clock_,
+      .statusItem = statusItem,
+      .textEngine = textEngine,
+      .model = std::make_unique<SettingsModel>(main, ConfigurationStore(configHome_), loginItem_,
+                                               defaults_),
+      .sampling = SamplingCoordinator::create(samplingThread_.queue(), main, clock_,
+                                              samplingSources(clock_)),
+      .quota = codexProvider(),
+      .claudeQuota = claudeProvider(),
+      .powerEvents = std::make_unique<LinuxPowerEvents>(
+          loop_.raw(), main, systemBusAddress(std::getenv("DBUS_SYSTEM_BUS_ADDRESS"))),
+      .settingsWindow = nullptr,
+      .urlOpener = nullptr,
+      .quit = [this] { loop_.stop(); },
+  };
+}
+
+std::unique_ptr<CodexQuotaProvider> LinuxApplication::codexProvider() {
+  return std::make_unique<CodexQuotaProvider>(CodexQuotaProvider::Ports{
+      loop_.queue(), clock_, [](auto&&...) { return std::shared_ptr<CodexClient>(); },
+      [] { return std::optional<std::string>(); }});
+}
+
+std::unique_ptr<ClaudeQuotaProvider> LinuxApplication::claudeProvider() {
+  return std::make_unique<ClaudeQuotaProvider>(ClaudeQuotaProvider::Ports{
+      loop_.queue(), clock_, [](auto&&...) { return std::shared_ptr<ClaudeClient>(); },
+      [] { return std::optional<std::string>(); }});
+}
+
+}  // namespace vantora

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+//
+// vantora-print on Linux: the same coordinator with lines of text for a status item.
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <variant>
+
+#include "app/linux/linux_application.hpp"
+#include "app/print/cell_text_engine.hpp"
+#include "app/print/print_options.hpp"
+#include "app/print/print_session.hpp"
+#include "platform/linux/xdg_folders.hpp"
+#include "runtime/termination_signals.hpp"
+
+namespace vantora {
+namespace {
+
+int run(const PrintOptions& options) {
+  ignoreBrokenPipes();
+  const auto configHome = XdgFolders::configHome();
+  if (!configHome) {
+    std::fputs("vantora-print: não há pasta pessoal para a configuração (HOME não está definida)\n",
+               stderr);
+    return 1;
+  }
+  LinuxApplication application(*configHome);
+  UvLoop& loop = application.loop();
+  CellTextEngine textEngine;
+  PrintOutput output(STDOUT_FILENO, options.format, options.follow, isatty(STDOUT_FILENO) == 1);
+  int status = 0;
+  PrintSession session(options, output, loop.queue(), application.clock(), [&](int error) {
+    if (error != 0) {
+      std::fprintf(stderr, "vantora-print: não foi possível escrever: %s\n", std::strerror(error));
+      status = 1;
+    }
+    loop.stop();
+  });
+  const auto coordinator = AppCoordinator::create(application.parts(session, textEngine));
+  const TerminationSignals signals(loop.raw(), [&session] { session.stop(); });
+  // From the loop, so that an end in the very first print stops it.
+  loop.queue().post([&] { session.start(*coordinator); });
+  loop.run();
+  coordinator->terminate();
+  return status;
+}
+
+}  // namespace
+}  // namespace vantora
+
+int main(int argc, char** argv) {
+  const auto parsed = vantora::parsePrintOptions(argc, argv);
+  if (const auto* exit = std::get_if<vantora::PrintExit>(&parsed)) {
+    std::fputs(exit->text.c_str(), exit->status == 0 ? stdout : stderr);
+    return exit->status;
+  }
+  return vantora::run(std::get<vantora::PrintOptions>(parsed));
+}

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+//
+// The agent on Linux: chooses the adapters and runs the main loop.
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <utility>
+
+#include "app/app_coordinator.hpp"
+#include "app/linux/linux_application.hpp"
+#include "platform/linux/bus_address.hpp"
+#include "platform/linux/bus_connection.hpp"
+#include "platform/linux/font_lookup_process.hpp"
+#include "platform/linux/fontconfig_lookup.hpp"
+#include "platform/linux/freetype_text_engine.hpp"
+#include "platform/linux/linux_status_item.hpp"
+#include "platform/linux/xdg_folders.hpp"
+#include "runtime/termination_signals.hpp"
+
+namespace vantora {
+namespace {
+
+// What a person who started the program in a terminal, or reads the session's log, is told.
+void say(std::string_view line) {
+  std::fprintf(stderr, "vantora: %.*s\n", static_cast<int>(line.size()), line.data());
+}
+
+int run() {
+  ignoreBrokenPipes();
+  const auto configHome = XdgFolders::configHome();
+  if (!configHome) {
+    say("não há pasta pessoal para a configuração (HOME não está definida)");
+    return 1;
+  }
+  // Before there are threads: the lookup happens in a child of its own.
+  FontSelection fonts = lookUpApart([] { return lookUpFonts(); });
+  LinuxApplication application(*configHome);
+  UvLoop& loop = application.loop();
+  FreetypeTextEngine textEngine(std::move(fonts));
+  BusConnection bus(
+      loop.raw(), loop.queue(),
+      sessionBusAddress(std::getenv("DBUS_SESSION_BUS_ADDRESS"), std::getenv("XDG_RUNTIME_DIR")));
+  LinuxStatusItem statusItem(bus, loop.queue(), textEngine, {},
+                             [](StatusItemSituation situation) { say(describe(situation)); });
+  const auto coordinator = AppCoordinator::create(application.parts(statusItem, textEngine));
+  const TerminationSignals signals(loop.raw(), [&loop] { loop.stop(); });
+  coordinator->launch();
+  bus.open();
+  loop.run();
+  coordinator->terminate();
+  return 0;
+}
+
+}  // namespace
+}  // namespace vantora
+
+int main(int argc, char** argv) {
+  if (argc > 1) {
+    std::fprintf(stderr, "vantora: argumento desconhecido: %s (não há opções)\n", argv[1]);
+    return 2;
+  }
+  return vantora::run();
+}
