@@ -18,7 +18,9 @@ target_compile_options(vantora_options INTERFACE
 add_library(vantora_lean INTERFACE)
 add_library(vantora::lean ALIAS vantora_lean)
 if(CMAKE_BUILD_TYPE STREQUAL "Release")
-  target_compile_options(vantora_options INTERFACE -ffunction-sections -fdata-sections)
+  target_compile_options(vantora_options INTERFACE -ffunction-sections -fdata-sections
+    # GCC 12 takes inlined string and variant code for faulty (its bugs 105651 and 105562).
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict -Wno-maybe-uninitialized>)
   if(NOT APPLE)
     target_link_options(vantora_lean INTERFACE
       -Wl,--gc-sections -Wl,--as-needed -static-libstdc++ -static-libgcc)

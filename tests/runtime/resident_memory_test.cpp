@@ -11,8 +11,9 @@ namespace vantora {
 namespace {
 
 std::string range(const std::string& head, const std::string& anonymous) {
-  return head + "\nSize:                  4 kB\nRss:                   4 kB\nAnonymous:  " +
-         anonymous + " kB\nVmFlags: rd ex mr mw me\n";
+  return head +
+         "\nSize:                  4 kB\nRss:                   4 kB\nAnonymous:  " + anonymous +
+         " kB\nVmFlags: rd ex mr mw me\n";
 }
 
 TEST(UnwrittenFileRanges, AreThoseOfFilesThatNobodyWroteTo) {

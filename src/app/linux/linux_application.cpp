@@ -4,7 +4,9 @@
 #include <cstdlib>
 #include <utility>
 
+#include "claude/claude_code_usage_client.hpp"
 #include "claude/claude_executable_resolver.hpp"
+#include "codex/codex_app_server_client.hpp"
 #include "codex/codex_executable_resolver.hpp"
 #include "platform/linux/linux_battery_source.hpp"
 #include "platform/linux/linux_power_events.hpp"
@@ -16,6 +18,14 @@
 namespace vantora {
 namespace {
 
+std::string homeFolder() {
+  std::string home = XdgFolders::home().value_or(std::filesystem::path()).string();
+  while (home.ends_with('/')) {
+    home.pop_back();
+  }
+  return home;
+}
+
 SamplingSources samplingSources(const Clock& clock) {
   return {std::make_unique<ProcStatTicks>(), std::make_unique<RtnetlinkSource>(),
           std::make_unique<LinuxBatterySource>(clock), std::make_unique<LinuxSensorSource>(clock)};
@@ -26,6 +36,7 @@ SamplingSources samplingSources(const Clock& clock) {
 LinuxApplication::LinuxApplication(std::filesystem::path configHome)
     : configHome_(std::move(configHome)),
       samplingThread_(std::string(SamplingCoordinator::queueLabel)),
+      home_(homeFolder()),
       launcher_(loop_.raw(), loop_.queue()),
       defaults_(configHome_),
       loginItem_(AutostartLoginItem::placesOf(ownExecutable().value_or("vantora"))) {}
@@ -51,16 +62,47 @@ AppParts LinuxApplication::parts(StatusItem& statusItem, TextEngine& textEngine)
   };
 }
 
+ConversationHost LinuxApplication::conversationHost() {
+  // Children and pipes never block, so that a queue of their own would only cost a thread.
+  return {loop_.queue(), loop_.queue(), launcher_, (configHome_ / "Vantora").string()};
+}
+
 std::unique_ptr<CodexQuotaProvider> LinuxApplication::codexProvider() {
   return std::make_unique<CodexQuotaProvider>(CodexQuotaProvider::Ports{
-      loop_.queue(), clock_, [](auto&&...) { return std::shared_ptr<CodexClient>(); },
-      [] { return std::optional<std::string>(); }});
+      .mainQueue = loop_.queue(),
+      .clock = clock_,
+      .makeClient =
+          [this](std::string executable, CodexClientMode mode,
+                 CodexAppServerClient::LoginURL onLoginURL,
+                 CodexAppServerClient::Completion completion) {
+            return std::make_shared<CodexAppServerClient>(
+                conversationHost(), std::move(executable), mode, std::move(onLoginURL),
+                CodexAppServerClient::ProcessStarted(), std::move(completion));
+          },
+      .resolveExecutable =
+          [this] {
+            return CodexExecutableResolver::resolve(defaults_.text(codexExecutablePathKey),
+                                                    CodexExecutableResolver::placesOnLinux(home_));
+          },
+  });
 }
 
 std::unique_ptr<ClaudeQuotaProvider> LinuxApplication::claudeProvider() {
   return std::make_unique<ClaudeQuotaProvider>(ClaudeQuotaProvider::Ports{
-      loop_.queue(), clock_, [](auto&&...) { return std::shared_ptr<ClaudeClient>(); },
-      [] { return std::optional<std::string>(); }});
+      .mainQueue = loop_.queue(),
+      .clock = clock_,
+      .makeClient =
+          [this](std::string executable, ClaudeCodeUsageClient::Completion completion) {
+            return std::make_shared<ClaudeCodeUsageClient>(
+                conversationHost(), std::move(executable), ClaudeCodeUsageClient::usualTimeout,
+                ClaudeCodeUsageClient::ProcessStarted(), std::move(completion));
+          },
+      .resolveExecutable =
+          [this] {
+            return ClaudeExecutableResolver::resolve(
+                std::nullopt, ClaudeExecutableResolver::placesOnLinux(home_));
+          },
+  });
 }
 
 }  // namespace vantora

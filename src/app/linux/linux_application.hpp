@@ -5,10 +5,13 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
+#include <string>
 
 #include "app/app_coordinator.hpp"
 #include "platform/linux/autostart_login_item.hpp"
 #include "platform/linux/json_user_defaults.hpp"
+#include "runtime/one_answer_client.hpp"
 #include "runtime/system_clock.hpp"
 #include "runtime/uv_child_process.hpp"
 #include "runtime/uv_loop.hpp"
@@ -28,6 +31,7 @@ class LinuxApplication {
   [[nodiscard]] AppParts parts(StatusItem& statusItem, TextEngine& textEngine);
 
  private:
+  [[nodiscard]] ConversationHost conversationHost();
   [[nodiscard]] std::unique_ptr<CodexQuotaProvider> codexProvider();
   [[nodiscard]] std::unique_ptr<ClaudeQuotaProvider> claudeProvider();
 
@@ -35,6 +39,7 @@ class LinuxApplication {
   const SystemClock clock_;
   UvLoop loop_;
   UvQueueThread samplingThread_;
+  const std::string home_;  // without a trailing separator
   UvChildProcessLauncher launcher_;
   JsonUserDefaults defaults_;
   AutostartLoginItem loginItem_;

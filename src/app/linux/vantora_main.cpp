@@ -15,6 +15,7 @@
 #include "platform/linux/freetype_text_engine.hpp"
 #include "platform/linux/linux_status_item.hpp"
 #include "platform/linux/xdg_folders.hpp"
+#include "runtime/resident_memory.hpp"
 #include "runtime/termination_signals.hpp"
 
 namespace vantora {
@@ -46,6 +47,9 @@ int run() {
   const TerminationSignals signals(loop.raw(), [&loop] { loop.stop(); });
   coordinator->launch();
   bus.open();
+  // By then the first picture stands in the panel.
+  constexpr Seconds settled{3};
+  const TimerHandle afterStart = loop.queue().runAfter(settled, Seconds{1}, &releaseStartupPages);
   loop.run();
   coordinator->terminate();
   return 0;

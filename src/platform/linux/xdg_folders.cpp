@@ -20,7 +20,9 @@ std::optional<fs::path> absolutePath(const std::optional<std::string>& text) {
   return std::nullopt;
 }
 
-std::optional<fs::path> home(const EnvironmentLookup& environment) {
+}  // namespace
+
+std::optional<fs::path> XdgFolders::home(const EnvironmentLookup& environment) {
   if (auto path = absolutePath(environment("HOME"))) {
     return path;
   }
@@ -33,8 +35,6 @@ std::optional<fs::path> home(const EnvironmentLookup& environment) {
   }
   return std::nullopt;
 }
-
-}  // namespace
 
 std::optional<std::string> processEnvironment(const char* name) {
   const char* value = std::getenv(name);

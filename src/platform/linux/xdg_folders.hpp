@@ -20,6 +20,10 @@ using EnvironmentLookup = std::function<std::optional<std::string>(const char* n
 
 namespace XdgFolders {
 
+/// $HOME, or the user database's folder; absolute. Nothing when neither names one.
+[[nodiscard]] std::optional<std::filesystem::path> home(
+    const EnvironmentLookup& environment = processEnvironment);
+
 /// $XDG_CONFIG_HOME, or .config in the user's home. Nothing without any home, neither in
 /// the environment nor in the user database.
 [[nodiscard]] std::optional<std::filesystem::path> configHome(
