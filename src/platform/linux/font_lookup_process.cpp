@@ -2,6 +2,8 @@
 #include "platform/linux/font_lookup_process.hpp"
 
 #include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -15,9 +17,12 @@
 namespace vantora {
 namespace {
 
-// On the pipe a font is a letter and its four values, each ended by a zero byte.
+// On the pipe a font is a letter and its four values, each ended by a zero byte. The
+// last letter tells that nothing is missing, which the child's end cannot: it is not told
+// to a process that was started with SIGCHLD ignored.
 constexpr char textMark = 't';
 constexpr char monospacedMark = 'm';
+constexpr char endMark = '.';
 
 void append(std::string& message, char mark, const std::vector<FontFile>& files) {
   for (const FontFile& file : files) {
@@ -45,6 +50,10 @@ Number number(std::string_view text) {
 
 FontSelection parse(std::string_view message) {
   FontSelection selection;
+  if (message.empty() || message.back() != endMark) {
+    return selection;
+  }
+  message.remove_suffix(1);
   while (!message.empty()) {
     std::vector<FontFile>& files =
         message.front() == textMark ? selection.text : selection.monospaced;
@@ -70,10 +79,20 @@ bool writeAll(int descriptor, std::string_view message) {
   return true;
 }
 
-std::string readAll(int descriptor) {
+/// What comes until the other end is closed; nothing when that takes longer than `limit`
+/// between two pieces.
+std::optional<std::string> readAll(int descriptor, std::chrono::milliseconds limit) {
   std::string message;
   std::array<char, 1024> buffer{};
   for (;;) {
+    pollfd waiting{descriptor, POLLIN, 0};
+    const int ready = ::poll(&waiting, 1, static_cast<int>(limit.count()));
+    if (ready < 0 && errno == EINTR) {
+      continue;
+    }
+    if (ready <= 0) {
+      return std::nullopt;
+    }
     const ssize_t length = ::read(descriptor, buffer.data(), buffer.size());
     if (length > 0) {
       message.append(buffer.data(), static_cast<std::size_t>(length));
@@ -83,18 +102,10 @@ std::string readAll(int descriptor) {
   }
 }
 
-bool endedWell(pid_t child) {
-  int status = 0;
-  pid_t ended = 0;
-  do {
-    ended = ::waitpid(child, &status, 0);
-  } while (ended < 0 && errno == EINTR);
-  return ended == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
-
 }  // namespace
 
-FontSelection lookUpApart(const std::function<FontSelection()>& lookUp) {
+FontSelection lookUpApart(const std::function<FontSelection()>& lookUp,
+                          std::chrono::milliseconds limit) {
   std::array<int, 2> ends{};
   if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
     return lookUp();
@@ -111,13 +122,19 @@ FontSelection lookUpApart(const std::function<FontSelection()>& lookUp) {
     std::string message;
     append(message, textMark, found.text);
     append(message, monospacedMark, found.monospaced);
+    message += endMark;
     // No destructors and no flushing of what belongs to the parent.
     ::_exit(writeAll(writeEnd, message) ? 0 : 1);
   }
   ::close(writeEnd);
-  const std::string message = readAll(readEnd);
+  const std::optional<std::string> message = readAll(readEnd, limit);
   ::close(readEnd);
-  return endedWell(child) ? parse(message) : FontSelection();
+  if (!message) {
+    ::kill(child, SIGKILL);
+  }
+  while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+  }
+  return message ? parse(*message) : FontSelection();
 }
 
 }  // namespace vantora

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
 #include <functional>
 
 #include "platform/linux/font_selection.hpp"
@@ -9,10 +10,13 @@ namespace vantora {
 
 /// What `lookUp` answers, called in a forked child whose memory goes with it: fontconfig
 /// and the fonts that it reads leave half a megabyte behind in whoever asks them. A
-/// lookup that crashes over a damaged font answers an empty selection. Where no child can
-/// be started, the call is made here.
+/// lookup that crashes over a damaged font answers an empty selection, and so does one
+/// that takes longer than `limit`: a pipe among the font files blocks whoever opens it.
+/// Where no child can be started, the call is made here.
 ///
-/// Waits for the child. Call it at start, before there are threads.
-[[nodiscard]] FontSelection lookUpApart(const std::function<FontSelection()>& lookUp);
+/// Waits for the child. Call it at start, before there are threads, as
+/// lookUpApart([] { return lookUpFonts(); }).
+[[nodiscard]] FontSelection lookUpApart(const std::function<FontSelection()>& lookUp,
+                                        std::chrono::milliseconds limit = std::chrono::minutes{1});
 
 }  // namespace vantora

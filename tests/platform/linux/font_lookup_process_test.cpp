@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 
 namespace vantora {
 namespace {
@@ -41,6 +42,26 @@ TEST(LookUpApart, FindsNothingWhenTheLookupCrashes) {
               return {{{"/fonts/a.ttf", 0, {}, 0}}, {}};
             }),
             FontSelection());
+}
+
+TEST(LookUpApart, FindsNothingWhenTheLookupBlocks) {
+  EXPECT_EQ(lookUpApart(
+                []() -> FontSelection {
+                  for (;;) {
+                    ::pause();
+                  }
+                },
+                std::chrono::milliseconds{0}),
+            FontSelection());
+}
+
+TEST(LookUpApart, NeedsNoWordOfTheChildsEnd) {
+  const auto before = ::signal(SIGCHLD, SIG_IGN);
+  EXPECT_EQ(lookUpApart([] {
+              return FontSelection{{{"/fonts/a.ttf", 0, {}, 0}}, {}};
+            }).text.size(),
+            1U);
+  ::signal(SIGCHLD, before);
 }
 
 TEST(LookUpApart, LeavesNoChildBehind) {
