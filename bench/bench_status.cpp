@@ -59,7 +59,7 @@ void flushCaches() {
 template <typename Work>
 void hot(benchmark::State& state, Work work) {
   World world;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     benchmark::DoNotOptimize(work(world));
   }
 }
@@ -68,7 +68,7 @@ template <typename Work>
 void cold(benchmark::State& state, Work work) {
   World world;
   benchmark::DoNotOptimize(work(world));
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     flushCaches();
     const auto start = std::chrono::steady_clock::now();
     benchmark::DoNotOptimize(work(world));
@@ -101,7 +101,7 @@ AlphaBitmap everything(World& world) {
 }
 
 void lookUp(benchmark::State& state) {
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     benchmark::DoNotOptimize(lookUpFonts());
   }
 }
@@ -110,7 +110,7 @@ void firstPicture(benchmark::State& state) {
   const FontSelection fonts = lookUpFonts();
   const AppConfiguration configuration;
   const MetricSnapshot snapshot = usualReadings();
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     FreetypeTextEngine engine(fonts);
     const StatusPresentation presentation =
         StatusRenderer::render(configuration, snapshot, {24, now, engine});
