@@ -52,6 +52,9 @@ int run(double interval, int scale) {
                        [](StatusItemSituation situation) {
                          std::printf("situation: %s\n", std::string(describe(situation)).c_str());
                        });
+  if (const char* display = std::getenv("DISPLAY")) {
+    item.useTray(loop.raw(), display);
+  }
   int round = 0;
   bool isPaused = false;
   const auto show = [&] {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/linux_status_item.hpp"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -59,7 +60,10 @@ void LinuxStatusItem::show(const StatusPresentation& presentation) {
     isNewIcon = module != firstModule_;
     isNewLabel = label != label_;
   }
-  if (!watcherState_.isPresent) {
+  if (isNewImage && tray_ != nullptr) {
+    tray_->update(image_.width + 2 * sideMargin);
+  }
+  if (!isRegistered()) {
     return;  // whoever comes asks for everything
   }
   if (isNewIcon) {
@@ -116,7 +120,7 @@ PictureForm LinuxStatusItem::form() const {
 void LinuxStatusItem::colorSchemeChanged(ColorScheme scheme) {
   const Ink before = ink();
   colorScheme_ = scheme;
-  if (watcherState_.isPresent && ink() != before) {
+  if (isRegistered() && ink() != before) {
     item_.announceIcon();
   }
 }
@@ -144,16 +148,87 @@ void LinuxStatusItem::watcherChanged(const StatusNotifierWatcher::State& state) 
     takeColumns();
     item_.setHasLabel(form() == PictureForm::label);
   }
-  if (state.hasHost) {
+  if (!state.isPresent) {
+    isTrayTooNarrow_ = false;
+  } else if (keepsTrayWindowWide(state.host)) {
+    startTray();
+  } else if (tray_ != nullptr) {
+    tray_->stop();
+  }
+  watcher_.setRegistering(!state.isPresent || !isInTray());
+
+  if (state.hasHost || isInTray()) {
     patience_.reset();
     tellSituation(StatusItemSituation::shown);
-  } else if (!state.hasBus) {
-    patience_.reset();
-    tellSituation(StatusItemSituation::noBus);
-  } else if (patience_ == nullptr) {
-    patience_ = queue_.runAfter(options_.patience, options_.patience / 4,
-                                [this] { tellSituation(StatusItemSituation::noHost); });
+    return;
   }
+  if (!state.hasBus) {
+    tellSituation(StatusItemSituation::noBus);
+  }
+  if (patience_ == nullptr) {
+    patience_ =
+        queue_.runAfter(options_.patience, options_.patience / 4, [this] { patienceEnded(); });
+  }
+}
+
+// No panel has taken the item on the bus: a tray may take its window.
+void LinuxStatusItem::patienceEnded() {
+  startTray();
+  if (!isInTray() && watcherState_.hasBus) {
+    tellSituation(StatusItemSituation::noHost);
+  }
+}
+
+void LinuxStatusItem::useTray(uv_loop_t& loop, std::string display) {
+  tray_ = std::make_unique<XEmbedWindow>(
+      loop, queue_, std::move(display),
+      XEmbedWindow::Callbacks{
+          .onState = [this](XEmbedWindow::State state) { trayChanged(state); },
+          .picture = [this](int width, int height,
+                            int scale) { return trayPicture(width, height, scale); },
+          .onClick = [this](XEmbedWindow::Button button, int, int) { trayClicked(button); }});
+}
+
+void LinuxStatusItem::startTray() {
+  if (tray_ != nullptr && !isTrayTooNarrow_) {
+    tray_->start(image_.width + 2 * sideMargin);
+  }
+}
+
+bool LinuxStatusItem::isInTray() const {
+  return tray_ != nullptr && tray_->state() != XEmbedWindow::State::absent;
+}
+
+bool LinuxStatusItem::isRegistered() const {
+  return watcherState_.isPresent && !isInTray();
+}
+
+void LinuxStatusItem::trayChanged(XEmbedWindow::State state) {
+  if (state == XEmbedWindow::State::squeezed && watcherState_.isPresent) {
+    // The panel does better by the item on the bus.
+    isTrayTooNarrow_ = true;
+    tray_->stop();
+  }
+  watcherChanged(watcherState_);
+}
+
+AlphaBitmap LinuxStatusItem::trayPicture(int width, int height, int scale) {
+  // A hair less than the window, so that rounding up meets its pixels.
+  constexpr double hair = 1e-6;
+  const double pointsWide = static_cast<double>(width) / scale - hair;
+  const double pointsHigh = static_cast<double>(height) / scale - hair;
+  if (pointsWide + 1 >= image_.width) {
+    return rasterise(centredImage(image_, pointsWide, pointsHigh), engine_, scale);
+  }
+  const double side = std::min(pointsWide, pointsHigh);
+  const StatusImage square = squareImage(firstModule_, side, engine_);
+  return rasterise(centredImage(square, pointsWide, pointsHigh), engine_, scale);
+}
+
+// A tray has no menu protocol: until one is drawn beside it, every button opens the
+// settings.
+void LinuxStatusItem::trayClicked(XEmbedWindow::Button) {
+  activated({});
 }
 
 void LinuxStatusItem::tellSituation(StatusItemSituation situation) {

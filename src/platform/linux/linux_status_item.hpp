@@ -18,6 +18,7 @@
 #include "platform/linux/status_item_picture.hpp"
 #include "platform/linux/status_notifier_item.hpp"
 #include "platform/linux/status_notifier_watcher.hpp"
+#include "platform/linux/xembed_window.hpp"
 
 namespace vantora {
 
@@ -42,6 +43,11 @@ class LinuxStatusItem final : public StatusItem,
   LinuxStatusItem(BusConnection& connection, TaskQueue& queue, TextEngine& engine, Options options,
                   std::function<void(StatusItemSituation)> onSituation);
 
+  /// Lets the item dock as a window in an X11 tray: where the panel keeps that wide but
+  /// not a StatusNotifierItem, and where no panel takes the latter. `display` as in
+  /// DISPLAY. Once, before the loop runs.
+  void useTray(uv_loop_t& loop, std::string display);
+
   [[nodiscard]] double thickness() const override;
   void show(const StatusPresentation& presentation) override;
   /// Once, before the loop runs: panels ask for the menu when the item registers.
@@ -59,6 +65,13 @@ class LinuxStatusItem final : public StatusItem,
   void chosen(StatusMenuCommand command);
   void watcherChanged(const StatusNotifierWatcher::State& state);
   void colorSchemeChanged(ColorScheme scheme);
+  void patienceEnded();
+  void startTray();
+  void trayChanged(XEmbedWindow::State state);
+  [[nodiscard]] AlphaBitmap trayPicture(int width, int height, int scale);
+  void trayClicked(XEmbedWindow::Button button);
+  [[nodiscard]] bool isInTray() const;
+  [[nodiscard]] bool isRegistered() const;
   void tellSituation(StatusItemSituation situation);
   [[nodiscard]] PictureForm form() const;
   void takeColumns();
@@ -88,6 +101,8 @@ class LinuxStatusItem final : public StatusItem,
   AppearancePortal portal_;
   StatusNotifierWatcher watcher_;
   std::unique_ptr<DBusMenu> menu_;
+  std::unique_ptr<XEmbedWindow> tray_;
+  bool isTrayTooNarrow_ = false;  // for the panel that is there now
 };
 
 }  // namespace vantora

@@ -51,6 +51,10 @@ PictureForm pictureForm(StatusItemHost host) {
   return PictureForm::square;
 }
 
+bool keepsTrayWindowWide(StatusItemHost host) {
+  return host == StatusItemHost::xfce;
+}
+
 Ink statusItemInk(StatusItemHost host, ColorScheme scheme) {
   switch (host) {
     case StatusItemHost::gnome:

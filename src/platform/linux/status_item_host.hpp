@@ -25,6 +25,9 @@ enum class PictureForm : std::uint8_t {
 };
 [[nodiscard]] PictureForm pictureForm(StatusItemHost host);
 
+/// Whether the panel squeezes the item but keeps a window in its X11 tray wide.
+[[nodiscard]] bool keepsTrayWindowWide(StatusItemHost host);
+
 /// What the desktop says about its colours (org.freedesktop.appearance, color-scheme).
 enum class ColorScheme : std::uint8_t { noPreference, dark, light };
 

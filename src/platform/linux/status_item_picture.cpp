@@ -186,6 +186,19 @@ StatusImage squareImage(const ModuleColumn& column, double side, TextEngine& eng
   return image;
 }
 
+StatusImage centredImage(StatusImage image, double width, double height) {
+  // Whole points, so that the lines stay as crisp as they were laid out.
+  const double right = std::floor((width - image.width) / 2);
+  const double up = std::floor((height - image.height) / 2);
+  for (PlacedText& text : image.texts) {
+    text.x += right;
+    text.y += up;
+  }
+  image.width = width;
+  image.height = height;
+  return image;
+}
+
 AlphaBitmap applicationMark(int side) {
   AlphaBitmap mark(side, side);
   const int margin = std::max(1, side / 8);

@@ -33,6 +33,9 @@ struct ModuleColumn {
 /// half of the height and the width allow, in the middle.
 [[nodiscard]] StatusImage squareImage(const ModuleColumn& column, double side, TextEngine& engine);
 
+/// The whole image in the middle of a window of this size, in points.
+[[nodiscard]] StatusImage centredImage(StatusImage image, double width, double height);
+
 /// The application's mark, for a panel that shows the texts beside it: three bars.
 [[nodiscard]] AlphaBitmap applicationMark(int side);
 

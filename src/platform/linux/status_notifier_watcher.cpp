@@ -51,7 +51,6 @@ void StatusNotifierWatcher::busConnected(sd_bus& bus) {
   State state;
   state.hasBus = true;
   setState(state);
-  requestName();
   subscribe();
   sd_bus_call_method_async(bus_, out(ownerCall_), busName, busPath, busName, "GetNameOwner",
                            handle<&StatusNotifierWatcher::onOwner>, this, "s", watcherName);
@@ -140,7 +139,33 @@ void StatusNotifierWatcher::onProcess(sd_bus_message* reply) {
   askForHost();
 }
 
+void StatusNotifierWatcher::setRegistering(bool isRegistering) {
+  if (isRegistering == isRegistering_) {
+    return;
+  }
+  isRegistering_ = isRegistering;
+  if (isRegistering) {
+    if (state_.isPresent) {
+      enroll();
+    }
+    return;
+  }
+  retry_.reset();
+  registerCall_.reset();
+  nameRequest_.reset();
+  if (bus_ != nullptr) {
+    // Watchers take an item out when its name goes.
+    sd_bus_release_name_async(
+        bus_, nullptr, itemName_.c_str(), [](sd_bus_message*, void*, sd_bus_error*) { return 0; },
+        nullptr);
+  }
+}
+
 void StatusNotifierWatcher::enroll() {
+  if (!isRegistering_) {
+    return;
+  }
+  requestName();
   sd_bus_call_method_async(
       bus_, out(registerCall_), watcherName, watcherPath, watcherName, "RegisterStatusNotifierItem",
       handle<&StatusNotifierWatcher::onRegistered>, this, "s", itemName_.c_str());

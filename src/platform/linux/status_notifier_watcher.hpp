@@ -37,6 +37,10 @@ class StatusNotifierWatcher final : public BusConnection::Listener {
 
   [[nodiscard]] const State& state() const { return state_; }
 
+  /// Whether the item registers with watchers; it does until told otherwise. Told not to
+  /// while it is registered, it is withdrawn. May be called from inside of `onChange`.
+  void setRegistering(bool isRegistering);
+
   void busConnected(sd_bus& bus) override;
   void busLost() override;
 
@@ -67,6 +71,7 @@ class StatusNotifierWatcher final : public BusConnection::Listener {
   std::string itemName_;
   State state_;
   bool hasReported_ = false;
+  bool isRegistering_ = true;
   sd_bus* bus_ = nullptr;
   int failedRegistrations_ = 0;
   TimerHandle retry_;

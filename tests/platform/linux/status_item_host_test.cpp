@@ -37,6 +37,14 @@ TEST(StatusItemHost, GetsTheWholePictureOnlyWhereThePanelKeepsItWide) {
   EXPECT_EQ(pictureForm(StatusItemHost::other), PictureForm::square);
 }
 
+TEST(StatusItemHost, GetsATrayWindowWhereOnlyThatStaysWide) {
+  EXPECT_TRUE(keepsTrayWindowWide(StatusItemHost::xfce));
+  for (const auto host : {StatusItemHost::waybar, StatusItemHost::mate, StatusItemHost::gnome,
+                          StatusItemHost::plasma, StatusItemHost::lxqt, StatusItemHost::other}) {
+    EXPECT_FALSE(keepsTrayWindowWide(host));
+  }
+}
+
 TEST(StatusItemHost, GetsTheDesktopsColoursWhereItsPanelFollowsThem) {
   EXPECT_EQ(statusItemInk(StatusItemHost::plasma, ColorScheme::light), Ink::dark);
   EXPECT_EQ(statusItemInk(StatusItemHost::plasma, ColorScheme::dark), Ink::light);

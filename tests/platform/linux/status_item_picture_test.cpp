@@ -98,6 +98,16 @@ TEST(StatusItemPicture, KeepsTheProportionsOfALinesRuns) {
   EXPECT_NEAR(drawn[1].font.pointSize / drawn[0].font.pointSize, 6.0 / 9.0, 1e-9);
 }
 
+TEST(StatusItemPicture, PutsAnImageIntoTheMiddleOfAWindowOnWholePoints) {
+  StatusImage image{.width = 60, .height = 22, .texts = {}};
+  image.texts.push_back({2.5, 3, line("12%")});
+  const StatusImage centred = centredImage(image, 67, 27);
+  EXPECT_EQ(centred.width, 67);
+  EXPECT_EQ(centred.height, 27);
+  EXPECT_EQ(centred.texts[0].x, 5.5);
+  EXPECT_EQ(centred.texts[0].y, 5);
+}
+
 TEST(StatusItemPicture, DrawsTheMarkAtEverySizeWithAFreeMargin) {
   for (const int side : {16, 22, 32, 48}) {
     const AlphaBitmap mark = applicationMark(side);

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+//
+// The requests to the X server that a docked window needs: finding the tray, making a
+// window of the tray's visual, asking for the dock. No policy and no events.
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <array>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <span>
+#include <string>
+#include <utility>
+
+#include "platform/linux/xembed_pixels.hpp"
+
+namespace vantora {
+
+struct XFree {
+  void operator()(void* memory) const { std::free(memory); }
+};
+template <typename T>
+using XReply = std::unique_ptr<T, XFree>;
+
+/// One display with at most one window of ours. Main thread.
+class TrayClient {
+ public:
+  enum Atom : std::uint8_t { selection, manager, opcode, xembed, xembedInfo, visual, colours };
+
+  TrayClient() = default;
+  ~TrayClient();
+  TrayClient(const TrayClient&) = delete;
+  TrayClient& operator=(const TrayClient&) = delete;
+
+  /// False where there is no display, or none whose images have our byte order. The root
+  /// window tells from then on, with a client message, when a tray comes.
+  [[nodiscard]] bool open(const std::string& display);
+  /// The tray that runs now, watched for its end; false when there is none.
+  [[nodiscard]] bool findTray();
+  /// A window of the tray's visual, not shown yet. False for pixels that are not ours.
+  [[nodiscard]] bool makeWindow(int width, int height);
+  void requestDocking() const;
+  void readColours();
+  /// Says to the embedder that the window wants to be shown, and shows it.
+  void map() const;
+  void setSize(int width, int height) const;
+  /// The window's width and height now, in pixels; zero when it is gone.
+  [[nodiscard]] std::pair<int, int> size() const;
+  void draw(int width, int height, std::span<const std::uint32_t> pixels) const;
+  void destroyWindow();
+
+  [[nodiscard]] xcb_connection_t* x() const { return x_; }
+  [[nodiscard]] xcb_window_t root() const { return screen_->root; }
+  [[nodiscard]] xcb_window_t tray() const { return tray_; }
+  [[nodiscard]] xcb_window_t window() const { return window_; }
+  [[nodiscard]] xcb_atom_t atom(Atom name) const { return atoms_[name]; }
+  [[nodiscard]] int scale() const { return scale_; }
+  [[nodiscard]] TrayDepth trayDepth() const { return trayDepth_; }
+  [[nodiscard]] Ink ink() const { return ink_; }
+
+ private:
+  void internAtoms(int screenNumber);
+  void select(xcb_window_t target, std::uint32_t events) const;
+  [[nodiscard]] int bitsPerPixel(std::uint8_t depth) const;
+  [[nodiscard]] bool isTranslucent(xcb_visualid_t visual) const;
+  void chooseVisual();
+  void setInfo(std::uint32_t flags) const;
+
+  xcb_connection_t* x_ = nullptr;
+  xcb_screen_t* screen_ = nullptr;
+  int scale_ = 1;
+  std::array<xcb_atom_t, 7> atoms_{};
+  xcb_window_t tray_ = XCB_NONE;
+  xcb_window_t window_ = XCB_NONE;
+  xcb_colormap_t colormap_ = XCB_NONE;
+  xcb_gcontext_t context_ = XCB_NONE;
+  xcb_visualid_t visual_ = 0;
+  std::uint8_t depth_ = 0;
+  TrayDepth trayDepth_ = TrayDepth::opaque;
+  Ink ink_ = Ink::lightOnPlate;
+};
+
+}  // namespace vantora
