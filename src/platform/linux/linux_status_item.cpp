@@ -186,7 +186,8 @@ void LinuxStatusItem::useTray(uv_loop_t& loop, std::string display) {
           .onState = [this](XEmbedWindow::State state) { trayChanged(state); },
           .picture = [this](int width, int height,
                             int scale) { return trayPicture(width, height, scale); },
-          .onClick = [this](XEmbedWindow::Button button, int, int) { trayClicked(button); }});
+          .onClick = [this](XEmbedWindow::Button button,
+                            TrayMenuAnchor anchor) { trayClicked(button, anchor); }});
 }
 
 void LinuxStatusItem::startTray() {
@@ -225,10 +226,20 @@ AlphaBitmap LinuxStatusItem::trayPicture(int width, int height, int scale) {
   return rasterise(centredImage(square, pointsWide, pointsHigh), engine_, scale);
 }
 
-// A tray has no menu protocol: until one is drawn beside it, every button opens the
-// settings.
-void LinuxStatusItem::trayClicked(XEmbedWindow::Button) {
-  activated({});
+void LinuxStatusItem::trayClicked(XEmbedWindow::Button button, TrayMenuAnchor anchor) {
+  if (actions_ == nullptr || button != XEmbedWindow::Button::right) {
+    activated({});
+    return;
+  }
+  const auto entries = statusMenu(actions_->isPaused != nullptr && actions_->isPaused());
+  std::vector<std::string_view> labels;
+  std::vector<StatusMenuCommand> commands;
+  for (const StatusMenuEntry& entry : entries) {
+    labels.push_back(entry.label);
+    commands.push_back(entry.command);
+  }
+  tray_->openMenu(labels, engine_, anchor,
+                  [this, commands](std::size_t entry) { chosen(commands.at(entry)); });
 }
 
 void LinuxStatusItem::tellSituation(StatusItemSituation situation) {

@@ -69,7 +69,7 @@ class LinuxStatusItem final : public StatusItem,
   void startTray();
   void trayChanged(XEmbedWindow::State state);
   [[nodiscard]] AlphaBitmap trayPicture(int width, int height, int scale);
-  void trayClicked(XEmbedWindow::Button button);
+  void trayClicked(XEmbedWindow::Button button, TrayMenuAnchor anchor);
   [[nodiscard]] bool isInTray() const;
   [[nodiscard]] bool isRegistered() const;
   void tellSituation(StatusItemSituation situation);

@@ -52,6 +52,7 @@ class TrayClient {
   void destroyWindow();
 
   [[nodiscard]] xcb_connection_t* x() const { return x_; }
+  [[nodiscard]] const xcb_screen_t& screen() const { return *screen_; }
   [[nodiscard]] xcb_window_t root() const { return screen_->root; }
   [[nodiscard]] xcb_window_t tray() const { return tray_; }
   [[nodiscard]] xcb_window_t window() const { return window_; }

@@ -83,6 +83,8 @@ void XEmbedWindow::start(double width) {
 }
 
 void XEmbedWindow::stop() {
+  menuEnd_.reset();
+  menu_.reset();
   check_.reset();
   report_.reset();
   if (pump_ != nullptr) {
@@ -142,7 +144,43 @@ void XEmbedWindow::prepare() {
   }
 }
 
+void XEmbedWindow::openMenu(const std::vector<std::string_view>& labels, TextEngine& engine,
+                            TrayMenuAnchor anchor,
+                            std::function<void(std::size_t entry)> onChosen) {
+  if (client_ == nullptr) {
+    return;
+  }
+  onChosen_ = std::move(onChosen);
+  menuEnd_.reset();
+  menu_.reset();
+  menu_ =
+      std::make_unique<TrayMenu>(*client_, layOutTrayMenu(labels, engine), engine, anchor,
+                                 [this](std::optional<std::size_t> entry) { menuEnded(entry); });
+}
+
+// In the middle of one of the menu's events: it closes when that is done with.
+void XEmbedWindow::menuEnded(std::optional<std::size_t> entry) {
+  menuEnd_ = queue_.runAfter(Seconds{0}, Seconds{0}, [this, entry] {
+    menu_.reset();
+    const auto onChosen = std::exchange(onChosen_, nullptr);
+    if (entry.has_value() && onChosen != nullptr) {
+      onChosen(*entry);
+    }
+  });
+}
+
 void XEmbedWindow::handleEvent(const xcb_generic_event_t& event) {
+  if (menu_ != nullptr) {
+    menu_->handle(event);
+    // While a menu is open, clicks are its own.
+    switch (event.response_type & eventTypeMask) {
+      case XCB_BUTTON_PRESS:
+      case XCB_BUTTON_RELEASE:
+        return;
+      default:
+        break;
+    }
+  }
   switch (event.response_type & eventTypeMask) {
     case XCB_EXPOSE:
       draw();
@@ -272,15 +310,16 @@ void XEmbedWindow::clicked(int button, int x, int y, int rootX, int rootY) {
   if (x < 0 || y < 0 || x >= width_ || y >= height_) {
     return;  // let go elsewhere: the click was thought better of
   }
+  const TrayMenuAnchor anchor{.left = rootX - x, .top = rootY - y, .bottom = rootY - y + height_};
   switch (button) {
     case XCB_BUTTON_INDEX_1:
-      callbacks_.onClick(Button::left, rootX, rootY);
+      callbacks_.onClick(Button::left, anchor);
       break;
     case XCB_BUTTON_INDEX_2:
-      callbacks_.onClick(Button::middle, rootX, rootY);
+      callbacks_.onClick(Button::middle, anchor);
       break;
     case XCB_BUTTON_INDEX_3:
-      callbacks_.onClick(Button::right, rootX, rootY);
+      callbacks_.onClick(Button::right, anchor);
       break;
     default:
       break;  // the wheel

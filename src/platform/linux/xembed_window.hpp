@@ -12,15 +12,17 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
+#include "platform/linux/tray_menu.hpp"
 #include "platform/linux/xembed_pixels.hpp"
 #include "runtime/task_queue.hpp"
 #include "status/bitmap.hpp"
 
 namespace vantora {
-
-class TrayClient;
 
 /// Lives on the main thread. Calls to the X server block for a round trip while docking
 /// and never afterwards.
@@ -39,8 +41,8 @@ class XEmbedWindow {
     std::function<void(State)> onState;
     /// The picture for a window of this size in pixels.
     std::function<AlphaBitmap(int width, int height, int scale)> picture;
-    /// A button was let go inside of the window. `x` and `y` on the screen.
-    std::function<void(Button button, int x, int y)> onClick;
+    /// A button was let go inside of the window, which stands at `anchor`.
+    std::function<void(Button button, TrayMenuAnchor anchor)> onClick;
   };
 
   /// `display` as in DISPLAY; empty for the environment's.
@@ -53,6 +55,12 @@ class XEmbedWindow {
   void start(double width);
   /// Takes the window away and lets go of the display.
   void stop();
+
+  /// Opens a menu beside the anchor that onClick told of. One
+  /// menu at a time: another one takes its place. `onChosen` comes with the entry, from
+  /// inside of the loop, and not at all when the menu is given up.
+  void openMenu(const std::vector<std::string_view>& labels, TextEngine& engine,
+                TrayMenuAnchor anchor, std::function<void(std::size_t entry)> onChosen);
 
   /// There is another picture, `width` points wide.
   void update(double width);
@@ -74,6 +82,7 @@ class XEmbedWindow {
   void askForWidth();
   void checkWidth();
   void draw();
+  void menuEnded(std::optional<std::size_t> entry);
   void setState(State state);
 
   uv_loop_t& loop_;
@@ -88,6 +97,9 @@ class XEmbedWindow {
   bool isEmbedded_ = false;
   int width_ = 0;  // what the tray gave, in pixels
   int height_ = 0;
+  std::unique_ptr<TrayMenu> menu_;  // destroyed before the client that it uses
+  std::function<void(std::size_t)> onChosen_;
+  TimerHandle menuEnd_;
   TimerHandle check_;
   TimerHandle report_;
 };
