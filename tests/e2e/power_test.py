@@ -1,0 +1,231 @@
+#!/usr/bin/python3
+# SPDX-License-Identifier: MIT
+"""Battery, sensors and power events from end to end.
+
+A mocked machine (umockdev) and a mocked logind (dbusmock, on a bus of the test's own) on the
+outside, the adapters in a program of their own on the inside.
+
+    umockdev-wrapper /usr/bin/python3 power_test.py PROBE MACHINES
+"""
+
+import os
+import select
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+import gi
+
+gi.require_version("UMockdev", "1.0")
+from gi.repository import UMockdev  # noqa: E402
+
+import dbusmock  # noqa: E402
+
+PROBE, MACHINES = "", ""
+PATIENCE = 10  # seconds
+
+
+def read_machine(name):
+    """The folders of a described machine, each with its attributes."""
+    folders, folder = {}, None
+    with open(os.path.join(MACHINES, name + ".txt"), encoding="utf-8") as lines:
+        for line in lines.read().splitlines():
+            if line.startswith("["):
+                folder = folders.setdefault(line[1:-1], [])
+            elif "=" in line and "->" not in line and not line.startswith("#"):
+                # What a driver writes ends with a line end; the testbed adds none.
+                folder.extend((line.split("=", 1)[0], line.split("=", 1)[1] + "\n"))
+    return folders
+
+
+class Machine:
+    """A testbed with the devices of a described machine."""
+
+    def __init__(self, name):
+        self.testbed = UMockdev.Testbed.new()
+        self.devices = {}
+        for path, attributes in read_machine(name).items():
+            subsystem, _, device = path.partition("/")
+            if device:
+                self.devices[device] = self.testbed.add_device(
+                    subsystem, device, None, attributes, []
+                )
+
+    def set(self, device, attribute, value):
+        self.testbed.set_attribute(self.devices[device], attribute, value + "\n")
+
+    def announce(self, device, action="change"):
+        self.testbed.uevent(self.devices[device], action)
+
+
+class Probe:
+    """The program under test. Lines it says are waited for, never slept for."""
+
+    def __init__(self, machine, bus_address="unix:path=/nowhere/at/all"):
+        # The testbed sets its variable behind Python's back.
+        environment = dict(
+            os.environ,
+            DBUS_SYSTEM_BUS_ADDRESS=bus_address,
+            UMOCKDEV_DIR=machine.testbed.get_root_dir(),
+        )
+        self.process = subprocess.Popen(
+            [PROBE], env=environment, stdin=subprocess.PIPE, stdout=subprocess.PIPE
+        )
+        self.pending = b""
+
+    def line(self, patience=PATIENCE):
+        while b"\n" not in self.pending:
+            if not select.select([self.process.stdout], [], [], patience)[0]:
+                return None
+            read = os.read(self.process.stdout.fileno(), 4096)
+            if not read:
+                return None
+            self.pending += read
+        line, self.pending = self.pending.split(b"\n", 1)
+        return line.decode()
+
+    def end(self):
+        self.process.stdin.close()
+        status = self.process.wait(PATIENCE)
+        self.process.stdout.close()
+        return status
+
+
+class PowerTest(unittest.TestCase):
+    def start(self):
+        probe = Probe(self.machine)
+        self.addCleanup(lambda: self.assertEqual(probe.end(), 0))
+        return probe
+
+    def test_reads_a_thinkpad(self):
+        self.machine = Machine("thinkpad-t440s")
+        probe = self.start()
+        self.assertEqual(
+            probe.line(), "battery percent=78.60 minutes=239.94 watts=- ac=0 charging=0"
+        )
+        self.assertEqual(probe.line(), "sensors cpu=49.00 battery=- rpm=3325.00 fan=-")
+
+    def test_reads_an_xps_on_usb_c(self):
+        self.machine = Machine("dell-xps-13-9370")
+        probe = self.start()
+        self.assertEqual(
+            probe.line(), "battery percent=70.00 minutes=48.00 watts=45.00 ac=1 charging=1"
+        )
+        self.assertEqual(probe.line(), "sensors cpu=52.00 battery=- rpm=2450.00 fan=50.00")
+
+    def test_makes_nothing_up_on_a_machine_without_anything(self):
+        self.machine = Machine("raspberry-pi-4")
+        probe = self.start()
+        self.assertEqual(probe.line(), "battery percent=- minutes=- watts=- ac=0 charging=0")
+        self.assertEqual(probe.line(), "sensors cpu=47.71 battery=- rpm=- fan=-")
+
+    def test_reads_anew_when_the_adapter_is_plugged_in(self):
+        self.machine = Machine("macbook-air-m2-asahi")
+        probe = self.start()
+        self.assertEqual(
+            probe.line(), "battery percent=82.40 minutes=529.00 watts=- ac=0 charging=0"
+        )
+        self.assertEqual(probe.line(), "sensors cpu=- battery=30.40 rpm=- fan=-")
+        self.machine.set("macsmc-ac", "online", "1")
+        self.machine.set("macsmc-ac", "input_power_limit", "30000000")
+        self.machine.set("macsmc-battery", "status", "Charging")
+        self.machine.set("macsmc-battery", "time_to_full_now", "2400")
+        self.machine.announce("macsmc-ac")
+        self.assertEqual(
+            probe.line(), "battery percent=82.40 minutes=40.00 watts=30.00 ac=1 charging=1"
+        )
+
+    def test_is_not_told_of_other_devices(self):
+        self.machine = Machine("macbook-air-m2-asahi")
+        probe = self.start()
+        probe.line(), probe.line()
+        for _ in range(20):
+            self.machine.announce("hwmon0")
+        self.machine.announce("macsmc-battery")
+        self.assertTrue(probe.line().startswith("battery "))
+        self.assertTrue(probe.line().startswith("sensors "))
+        self.assertIsNone(probe.line(patience=0.3))
+
+
+class SleepTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory()
+        self.addCleanup(self.folder.cleanup)
+        self.address = "unix:path=" + os.path.join(self.folder.name, "bus")
+        self.daemon = subprocess.Popen(
+            ["dbus-daemon", "--session", "--nofork", "--print-address=1",
+             "--address=" + self.address],
+            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
+        )
+        self.addCleanup(self.stop, self.daemon)
+        self.daemon.stdout.readline()
+        os.environ["DBUS_SYSTEM_BUS_ADDRESS"] = self.address
+
+    @staticmethod
+    def stop(process):
+        process.kill()
+        process.wait()
+        if process.stdout:
+            process.stdout.close()
+
+    def start_logind(self):
+        # The service itself is no part of the mocked machine.
+        preload = os.environ.pop("LD_PRELOAD")
+        server, self.logind = dbusmock.DBusTestCase.spawn_server_template(
+            "logind", {}, stdout=subprocess.DEVNULL
+        )
+        os.environ["LD_PRELOAD"] = preload
+        self.addCleanup(self.stop, server)
+
+    def sleep(self, begins):
+        self.logind.EmitSignal(
+            "org.freedesktop.login1.Manager", "PrepareForSleep", "b", [begins],
+            dbus_interface=dbusmock.MOCK_IFACE,
+        )
+
+    def wait_for_lock(self, present=True):
+        """Until somebody holds the machine awake for us, or nobody does."""
+        deadline = time.monotonic() + PATIENCE
+        while time.monotonic() < deadline:
+            locks = self.logind.ListInhibitors(dbus_interface="org.freedesktop.login1.Manager")
+            if present == any(
+                (lock[0], lock[1], lock[3]) == ("sleep", "Vantora", "delay") for lock in locks
+            ):
+                return
+            time.sleep(0.02)
+        self.fail("lock expected: %s" % present)
+
+    def test_holds_sleep_up_and_takes_a_new_lock_on_wake(self):
+        self.machine = Machine("raspberry-pi-4")
+        self.start_logind()
+        probe = Probe(self.machine, self.address)
+        self.addCleanup(probe.end)
+        probe.line(), probe.line()
+        for _ in range(2):
+            self.wait_for_lock()
+            self.sleep(True)
+            self.assertEqual(probe.line(), "sleep held=1")
+            self.wait_for_lock(present=False)  # the probe has nothing to stop
+            self.sleep(False)
+            self.assertEqual(probe.line(), "wake")
+        self.wait_for_lock()
+
+    def test_finds_a_logind_that_starts_later(self):
+        self.machine = Machine("raspberry-pi-4")
+        probe = Probe(self.machine, self.address)
+        self.addCleanup(probe.end)
+        probe.line(), probe.line()
+        self.start_logind()
+        # The mock takes its name before it knows its methods, so the first lock may fail.
+        self.sleep(True)
+        self.assertIn(probe.line(), ("sleep held=0", "sleep held=1"))
+        self.sleep(False)
+        self.assertEqual(probe.line(), "wake")
+        self.wait_for_lock()
+
+
+if __name__ == "__main__":
+    PROBE, MACHINES = sys.argv[1:3]
+    unittest.main(argv=sys.argv[:1] + sys.argv[3:])
