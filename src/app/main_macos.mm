@@ -78,7 +78,7 @@ class Agent {
 @end
 
 @implementation VantoraDelegate {
-  std::unique_ptr<vantora::Agent> _agent;
+  std::unique_ptr<vantora::Agent> agent_;
 }
 
 - (void)applicationDidFinishLaunching:(NSNotification*)__unused notification {
@@ -87,13 +87,13 @@ class Agent {
     std::fputs("Vantora: o macOS não informa a pasta Application Support.\n", stderr);
     std::exit(EXIT_FAILURE);
   }
-  _agent = std::make_unique<vantora::Agent>(*folder);
-  _agent->launch();
+  agent_ = std::make_unique<vantora::Agent>(*folder);
+  agent_->launch();
 }
 
 - (void)applicationWillTerminate:(NSNotification*)__unused notification {
   // AppKit ends the process without leaving main: what must not outlive it goes here.
-  _agent.reset();
+  agent_.reset();
 }
 
 @end

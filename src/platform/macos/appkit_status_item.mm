@@ -19,20 +19,20 @@
 @end
 
 @implementation VantoraStatusTarget {
-  NSStatusItem* _item;
-  vantora::StatusItemActions _actions;
+  NSStatusItem* item_;
+  vantora::StatusItemActions actions_;
 }
 
 - (instancetype)initWithItem:(NSStatusItem*)item {
   self = [super init];
   if (self != nil) {
-    _item = item;
+    item_ = item;
   }
   return self;
 }
 
 - (void)setActions:(vantora::StatusItemActions)actions {
-  _actions = std::move(actions);
+  actions_ = std::move(actions);
 }
 
 - (void)statusClicked:(id)__unused sender {
@@ -47,21 +47,21 @@
 
 - (void)popUpMenu {
   NSMenu* menu = [[NSMenu alloc] init];
-  if (_actions.openSettings) {
+  if (actions_.openSettings) {
     [self addItem:@"Configurações…" action:@selector(openSettings:) to:menu];
   }
-  if (_actions.togglePause) {
-    const bool isPaused = _actions.isPaused && _actions.isPaused();
+  if (actions_.togglePause) {
+    const bool isPaused = actions_.isPaused && actions_.isPaused();
     [self addItem:isPaused ? @"Retomar" : @"Pausar" action:@selector(togglePause:) to:menu];
   }
-  if (_actions.quit) {
+  if (actions_.quit) {
     [self addItem:@"Sair" action:@selector(quit:) to:menu];
   }
   // An item with a menu opens it on every click. So it has one only while this click is
   // answered: performClick returns when the menu has closed.
-  _item.menu = menu;
-  [_item.button performClick:nil];
-  _item.menu = nil;
+  item_.menu = menu;
+  [item_.button performClick:nil];
+  item_.menu = nil;
 }
 
 - (void)addItem:(NSString*)title action:(SEL)action to:(NSMenu*)menu {
@@ -70,20 +70,20 @@
 }
 
 - (void)openSettings:(id)__unused sender {
-  if (_actions.openSettings) {
-    _actions.openSettings({});
+  if (actions_.openSettings) {
+    actions_.openSettings({});
   }
 }
 
 - (void)togglePause:(id)__unused sender {
-  if (_actions.togglePause) {
-    _actions.togglePause();
+  if (actions_.togglePause) {
+    actions_.togglePause();
   }
 }
 
 - (void)quit:(id)__unused sender {
-  if (_actions.quit) {
-    _actions.quit();
+  if (actions_.quit) {
+    actions_.quit();
   }
 }
 

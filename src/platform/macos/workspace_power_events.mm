@@ -16,26 +16,26 @@
 @end
 
 @implementation VantoraSleepObserver {
-  std::function<void()> _willSleep;
-  std::function<void()> _didWake;
+  std::function<void()> willSleep_;
+  std::function<void()> didWake_;
 }
 
 - (instancetype)initWithWillSleep:(std::function<void()>)willSleep
                           didWake:(std::function<void()>)didWake {
   self = [super init];
   if (self != nil) {
-    _willSleep = std::move(willSleep);
-    _didWake = std::move(didWake);
+    willSleep_ = std::move(willSleep);
+    didWake_ = std::move(didWake);
   }
   return self;
 }
 
 - (void)willSleep:(NSNotification*)__unused notification {
-  _willSleep();
+  willSleep_();
 }
 
 - (void)didWake:(NSNotification*)__unused notification {
-  _didWake();
+  didWake_();
 }
 
 @end
