@@ -16,6 +16,10 @@ std::optional<std::filesystem::path> applicationSupportFolder() {
   return std::filesystem::path(textOf(folder.path));
 }
 
+std::string homeFolder() {
+  return textOf(NSHomeDirectory().stringByStandardizingPath);
+}
+
 std::filesystem::path bundledProgram(std::string_view name) {
   return textOf([NSBundle.mainBundle pathForAuxiliaryExecutable:stringOf(name)]);
 }

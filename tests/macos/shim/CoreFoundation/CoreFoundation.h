@@ -136,6 +136,7 @@ CFRunLoopObserverRef CFRunLoopObserverCreate(CFAllocatorRef allocator, CFOptionF
 typedef enum : int32_t { kCFRunLoopRunStopped = 2 } CFRunLoopRunResult;
 CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval seconds,
                                       Boolean returnAfterSourceHandled);
+void CFRunLoopRun(void);
 void CFRunLoopStop(CFRunLoopRef loop);
 CFRunLoopRef CFRunLoopGetMain(void);
 void CFRunLoopAddObserver(CFRunLoopRef loop, CFRunLoopObserverRef observer, CFRunLoopMode mode);

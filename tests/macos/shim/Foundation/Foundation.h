@@ -41,6 +41,7 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 @interface NSString : NSObject <NSCopying>
 @property(readonly) NSUInteger length;
 @property(nullable, readonly) const char* UTF8String;
+@property(readonly, copy) NSString* stringByStandardizingPath;
 - (nullable instancetype)initWithBytes:(const void*)bytes
                                 length:(NSUInteger)length
                               encoding:(NSStringEncoding)encoding;
@@ -113,6 +114,8 @@ typedef NSString* NSNotificationName;
              object:(nullable id)object;
 - (void)removeObserver:(id)observer;
 @end
+
+FOUNDATION_EXPORT NSString* NSHomeDirectory(void);
 
 typedef NS_ENUM(NSUInteger, NSSearchPathDirectory) { NSApplicationSupportDirectory = 14 };
 typedef NS_OPTIONS(NSUInteger, NSSearchPathDomainMask) { NSUserDomainMask = 1 };

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+//
+// What the agent and vantora-print share on macOS: the main thread's queue and loop, the
+// clock, the machine's readings and the user's settings.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "app/app_coordinator.hpp"
+#include "platform/macos/app_service_login_item.hpp"
+#include "platform/macos/cf_user_defaults.hpp"
+#include "platform/macos/dispatch_main_queue.hpp"
+#include "platform/macos/embedded_uv_loop.hpp"
+#include "platform/macos/io_power_sources.hpp"
+#include "runtime/one_answer_client.hpp"
+#include "runtime/system_clock.hpp"
+#include "runtime/termination_signals.hpp"
+#include "runtime/uv_child_process.hpp"
+#include "runtime/uv_loop.hpp"
+
+namespace vantora {
+
+/// Lives on the main thread and outlives the coordinator that is made from its parts.
+class MacOSApplication {
+ public:
+  /// `applicationSupport` is the user's folder for configurations; `end` is called as a
+  /// task of the main queue when a signal or the user asks for the program's end.
+  MacOSApplication(std::filesystem::path applicationSupport, std::function<void()> end);
+
+  [[nodiscard]] TaskQueue& mainQueue() { return mainQueue_; }
+  [[nodiscard]] const Clock& clock() const { return clock_; }
+  [[nodiscard]] ChildProcessLauncher& launcher() { return launcher_; }
+
+  /// The parts of a coordinator without window and browser. Reads the configuration.
+  [[nodiscard]] AppParts parts(StatusItem& statusItem, TextEngine& textEngine);
+
+ private:
+  [[nodiscard]] SamplingSources samplingSources();
+  [[nodiscard]] ConversationHost conversationHost();
+  [[nodiscard]] std::unique_ptr<CodexQuotaProvider> codexProvider();
+  [[nodiscard]] std::unique_ptr<ClaudeQuotaProvider> claudeProvider();
+
+  const std::filesystem::path applicationSupport_;
+  const std::function<void()> end_;
+  const std::string home_;  // without a trailing separator
+  const SystemClock clock_;
+  DispatchMainQueue mainQueue_;
+  EmbeddedUvLoop mainLoop_;
+  // Posted: the end destroys the loop that the signal came through.
+  TerminationSignals signals_{mainLoop_.raw(), [this] { mainQueue_.post(end_); }};
+  UvQueueThread samplingThread_;
+  IOPowerSources powerSources_;
+  UvChildProcessLauncher launcher_;
+  CFUserDefaults defaults_;
+  AppServiceLoginItem loginItem_;
+};
+
+}  // namespace vantora
