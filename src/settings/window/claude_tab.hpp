@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QLabel>
+
+#include "settings/window/settings_tab.hpp"
+
+namespace vantora {
+
+/// "Claude": the Claude integration, its state and its settings.
+class ClaudeTab final : public SettingsTab {
+ public:
+  explicit ClaudeTab(WindowModel& model);
+  void refresh(WindowFields fields) override;
+
+ private:
+  Form<ClaudeQuotaSettings> form_;
+  QLabel* message_;
+  QLabel* lastSuccess_;
+  QLabel* executable_;
+};
+
+}  // namespace vantora

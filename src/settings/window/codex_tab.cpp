@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: MIT
+#include "settings/window/codex_tab.hpp"
+
+#include "settings/window/quota_fields.hpp"
+
+namespace vantora {
+namespace {
+
+using S = CodexQuotaSettings;
+
+constexpr auto enabledField = quotaSwitch<&S::enabled, S>("Ativar i&ntegração Codex");
+constexpr auto showUsedField = quotaSwitch<&S::showUsed, S>("Mostrar percentual &utilizado em L1");
+constexpr auto oneDecimalField = quotaSwitch<&S::oneDecimal, S>("Uma casa &decimal");
+constexpr auto showResetDateField =
+    quotaSwitch<&S::showResetDate, S>("Mostrar data de ren&ovação em L2");
+constexpr std::string_view categoryLabel = "Cate&goria semanal";
+constexpr std::string_view intervalLabel = "Consulta automát&ica";
+
+}  // namespace
+
+CodexTab::CodexTab(WindowModel& model)
+    : SettingsTab(model),
+      form_(optionalEdit<&AppConfiguration::codexSettings, S>()),
+      message_(Controls::makeText()),
+      lastSuccess_(Controls::makeText()),
+      executable_(Controls::makeText()),
+      category_(Controls::makePicker(spokenName(categoryLabel))) {
+  QVBoxLayout* column = Controls::makeScrollingColumn(this);
+  column->addWidget(form_.add(enabledField));
+  column->addWidget(Controls::makeNote(
+      "Requer também um módulo Codex ativo na lista. Usa somente a cota semanal informada pelo App "
+      "Server oficial; não executa tarefas de IA."));
+  Controls::addGroupGap(column);
+  column->addWidget(message_);
+  column->addWidget(lastSuccess_);
+  column->addWidget(executable_);
+  column->addWidget(Controls::makeButtonRow({Controls::makeButton(
+      "&Selecionar executável codex…", [this] { this->model().selectCodexExecutable(); })}));
+
+  Controls::addGroupGap(column);
+  QFormLayout* rows = Controls::makeForm();
+  Controls::addRow(rows, categoryLabel, category_);
+  Controls::addRow(rows, intervalLabel, form_.add(quotaIntervalField<S>(intervalLabel)));
+  column->addLayout(rows);
+  column->addWidget(form_.add(showUsedField));
+  column->addWidget(form_.add(oneDecimalField));
+  column->addWidget(form_.add(showResetDateField));
+  Controls::addGroupGap(column);
+  column->addWidget(Controls::makeButtonRow(
+      {Controls::makeButton("&Atualizar agora", [this] { this->model().refreshCodex(); }),
+       Controls::makeButton("&Conectar pelo navegador",
+                            [this] { this->model().connectCodex(); })}));
+  column->addWidget(Controls::makeNote(
+      "Conectar usa o navegador oficial. A sessão existente é verificada antes; desativar não faz "
+      "logout."));
+  column->addWidget(Controls::makeNote(
+      "O CLI pode compartilhar a sessão com outros clientes Codex. Conclua o login com a conta "
+      "esperada."));
+  column->addStretch();
+
+  QObject::connect(category_, &QComboBox::currentIndexChanged, category_,
+                   [this, edit = optionalEdit<&AppConfiguration::codexSettings, S>()](int index) {
+                     edit([&](S& settings) {
+                       settings.selectedLimitID =
+                           index <= 0
+                               ? std::nullopt
+                               : std::optional(category_->itemData(index).toString().toStdString());
+                     });
+                   });
+}
+
+void CodexTab::refresh(WindowFields fields) {
+  if (fields.contains(WindowField::configuration)) {
+    form_.load(state().configuration.codexSettings.value_or(S{}));
+  }
+  if (fields.contains(WindowField::codex)) {
+    const QuotaSummary& codex = state().codex;
+    message_->setText(qtText("Estado: " + codex.message));
+    lastSuccess_->setText(qtText("Última consulta confirmada: ") +
+                          quotaTimeText(codex.lastSuccess));
+    executable_->setText(qtText("Codex CLI: " + codex.executable));
+  }
+  if (fields.intersects({WindowField::configuration, WindowField::codex})) {
+    showCategories();
+  }
+}
+
+// The automatic choice, what the service offers, and the user's choice even when it is not
+// offered at the moment.
+void CodexTab::showCategories() {
+  const QSignalBlocker quiet(category_);
+  const auto selected = state().configuration.codexSettings.value_or(S{}).selectedLimitID;
+  QList<std::pair<QString, QString>> wanted = {{qtText("Automática, se inequívoca"), QString()}};
+  bool isOffered = !selected;
+  for (const CodexQuotaCandidate& candidate : state().codex.candidates) {
+    wanted.append({qtText(candidate.title()), qtText(candidate.id)});
+    isOffered = isOffered || candidate.id == *selected;
+  }
+  if (!isOffered) {
+    wanted.append({qtText(*selected), qtText(*selected)});
+  }
+  bool isSame = category_->count() == wanted.size();
+  for (int index = 0; isSame && index < wanted.size(); ++index) {
+    isSame = category_->itemText(index) == wanted[index].first &&
+             category_->itemData(index).toString() == wanted[index].second;
+  }
+  if (!isSame) {  // An open list is not disturbed by what says the same.
+    category_->clear();
+    for (const auto& [title, id] : wanted) {
+      category_->addItem(title, id);
+    }
+  }
+  int current = 0;
+  for (int index = 1; selected && index < wanted.size(); ++index) {
+    if (wanted[index].second == qtText(*selected)) {
+      current = index;
+    }
+  }
+  category_->setCurrentIndex(current);
+}
+
+}  // namespace vantora

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+#include "settings/window/color_scheme.hpp"
+
+#include <QApplication>
+#include <QPalette>
+#include <QStyle>
+
+namespace vantora {
+namespace {
+
+QPalette darkPalette() {
+  const QColor window(0x2b, 0x2c, 0x2e);
+  const QColor base(0x1f, 0x20, 0x22);
+  const QColor button(0x3a, 0x3c, 0x3f);
+  const QColor text(0xee, 0xee, 0xec);
+  const QColor highlight(0x35, 0x84, 0xe4);
+  QPalette palette(text, button, QColor(0x4c, 0x4f, 0x52), QColor(0x18, 0x19, 0x1a),
+                   QColor(0x3a, 0x3c, 0x3e), text, Qt::white, base, window);
+  palette.setColor(QPalette::Highlight, highlight);
+  palette.setColor(QPalette::HighlightedText, Qt::white);
+  palette.setColor(QPalette::Link, QColor(0x78, 0xae, 0xed));
+  palette.setColor(QPalette::AlternateBase, button);
+  palette.setColor(QPalette::ToolTipBase, button);
+  palette.setColor(QPalette::ToolTipText, text);
+  palette.setColor(QPalette::PlaceholderText, QColor(0xee, 0xee, 0xec, 0x80));
+  const QColor faint(0x8b, 0x8d, 0x8f);
+  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+    palette.setColor(QPalette::Disabled, role, faint);
+  }
+  return palette;
+}
+
+}  // namespace
+
+void useDarkColors(bool isDark) {
+  QApplication::setPalette(isDark ? darkPalette() : QApplication::style()->standardPalette());
+}
+
+}  // namespace vantora

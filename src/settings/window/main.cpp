@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+//
+// vantora-settings: the settings window as a child process of the agent, with which it
+// speaks on its standard streams (docs/settings-protocol.md). It ends with status 0 when
+// the window is closed or the agent ends the conversation, with 1 when the agent says what
+// it does not understand.
+#include <unistd.h>
+
+#include <QApplication>
+#include <QIcon>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QScreen>
+#include <QTranslator>
+#include <csignal>
+
+#include "settings/window/color_scheme.hpp"
+#include "settings/window/qt_file_panels.hpp"
+#include "settings/window/qt_text.hpp"
+#include "settings/window/settings_view.hpp"
+#include "settings/window/standard_streams.hpp"
+
+namespace {
+
+// The texts of the toolkit's own dialogs, in the language of all the others.
+void useBrazilianPortuguese(QTranslator& translator) {
+  const QLocale portuguese(QLocale::Portuguese, QLocale::Brazil);
+  QLocale::setDefault(portuguese);
+  if (translator.load(portuguese, QStringLiteral("qtbase"), QStringLiteral("_"),
+                      QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+    QApplication::installTranslator(&translator);
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::signal(SIGPIPE, SIG_IGN);
+  QApplication application(argc, argv);
+  QApplication::setApplicationName(QStringLiteral("vantora-settings"));
+  QApplication::setApplicationDisplayName(QStringLiteral("Vantora"));
+  QApplication::setDesktopFileName(QStringLiteral("vantora"));
+  QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("vantora")));
+  QTranslator translator;
+  useBrazilianPortuguese(translator);
+  vantora::followColorScheme();
+
+  vantora::WindowMemory memory;
+  vantora::QtFilePanels panels(memory);
+  vantora::StandardStreams streams(STDIN_FILENO, STDOUT_FILENO);
+  vantora::WindowModel model([&streams](std::string_view line) { streams.write(line); }, panels);
+  vantora::SettingsView view(model);
+  panels.setParent(&view);
+  view.restoreGeometry(memory.geometry());
+  view.setCurrentTab(memory.tab());
+  view.onPlaceChange = [&] {
+    memory.setGeometry(view.saveGeometry());
+    memory.setTab(view.currentTab());
+  };
+
+  bool wasShown = false;
+  streams.onInput = [&](std::string_view bytes) {
+    if (!model.receive(bytes)) {
+      QApplication::exit(1);
+    } else if (model.hasState() && !wasShown) {
+      wasShown = true;
+      view.show();  // With its content, not before.
+    }
+  };
+  streams.onEnd = [&] {
+    view.close();
+    QApplication::quit();
+  };
+  if (const QScreen* screen = QApplication::primaryScreen()) {
+    model.setScale(screen->devicePixelRatio());
+  }
+  return QApplication::exec();
+}

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QFrame>
+#include <QLabel>
+#include <QScrollArea>
+#include <QVBoxLayout>
+#include <vector>
+
+#include "settings/window/module_row.hpp"
+#include "settings/window/settings_tab.hpp"
+
+namespace vantora {
+
+/// "Módulos": the modules in their order, which the user changes by dragging.
+class ModulesTab final : public SettingsTab {
+ public:
+  explicit ModulesTab(WindowModel& model);
+  void refresh(WindowFields fields) override;
+
+ protected:
+  void showEvent(QShowEvent* event) override;
+
+ private:
+  void showModules();
+  [[nodiscard]] ModuleRow* makeRow(const UUID& id);
+  [[nodiscard]] ModuleRow* rowOf(const UUID& id) const;
+  [[nodiscard]] std::size_t placeOf(const ModuleRow* row) const;
+  void scrollToPending();
+  void joinTabOrder() const;
+
+  void move(ModuleRow* row, DragHandle::Step step);
+  void drag(ModuleRow* row, QPoint globalPosition);
+  void drop(ModuleRow* row, bool isCancelled);
+  void endDrag();
+  void showDropPlace();
+
+  QScrollArea* area_;
+  class RepeatingScrollBar;
+  RepeatingScrollBar* scrollBar_;
+  QWidget* list_;
+  QVBoxLayout* layout_;
+  QLabel* empty_;
+  QFrame* dropLine_;
+  std::vector<QWidget*> addButtons_;
+  std::vector<ModuleRow*> rows_;  // in the order of the modules
+  ModuleRow* dragged_ = nullptr;
+  QPoint dragPosition_;        // on the screen, while a row is dragged
+  std::size_t dropPlace_ = 0;  // before which row the dragged one would go
+};
+
+}  // namespace vantora

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+#include "settings/window/settings_view.hpp"
+
+#include <QVBoxLayout>
+
+#include "settings/window/appearance_tab.hpp"
+#include "settings/window/claude_tab.hpp"
+#include "settings/window/codex_tab.hpp"
+#include "settings/window/general_tab.hpp"
+#include "settings/window/modules_tab.hpp"
+#include "settings/window/sampling_tab.hpp"
+
+namespace vantora {
+
+SettingsView::SettingsView(WindowModel& model)
+    : model_(model), tabs_(new QTabWidget), notice_(Controls::makeText()) {
+  setWindowTitle(qtText("Configurações do Vantora"));
+  resize(640, 520);
+  auto* column = new QVBoxLayout(this);
+  column->addWidget(tabs_, 1);
+  notice_->setObjectName(QStringLiteral("footerNotice"));
+  column->addWidget(notice_);
+
+  addTab(new ModulesTab(model), "&Módulos");
+  addTab(new AppearanceTab(model), "A&parência");
+  addTab(new SamplingTab(model), "Cole&ta");
+  addTab(new CodexTab(model), "Code&x semanal");
+  addTab(new ClaudeTab(model), "Cla&ude");
+  addTab(new GeneralTab(model), "&Geral");
+
+  model_.onChange = [this](WindowFields fields) { refresh(fields); };
+  model_.onRaise = [this](const std::string& token) { raiseWith(token); };
+  QObject::connect(tabs_, &QTabWidget::currentChanged, this, [this] {
+    showNotice();
+    if (onPlaceChange) {
+      onPlaceChange();
+    }
+  });
+  refresh(allWindowFields);
+}
+
+void SettingsView::addTab(SettingsTab* tab, const char* title) {
+  pages_.push_back(tab);
+  tabs_->addTab(tab, qtText(title));
+}
+
+void SettingsView::refresh(WindowFields fields) {
+  for (SettingsTab* page : pages_) {
+    page->refresh(fields);
+  }
+  if (fields.contains(WindowField::notice)) {
+    showNotice();
+  }
+}
+
+// The last tab shows the notice among its own controls.
+void SettingsView::showNotice() {
+  const auto& notice = model_.notice();
+  notice_->setText(qtText(notice.value_or(std::string())));
+  notice_->setVisible(notice.has_value() && tabs_->currentWidget() != pages_.back());
+}
+
+void SettingsView::closeEvent(QCloseEvent* event) {
+  if (onPlaceChange) {
+    onPlaceChange();
+  }
+  QWidget::closeEvent(event);
+}
+
+void SettingsView::paintEvent(QPaintEvent* event) {
+  // The window may have come to a screen of another scale, or the screen's have changed.
+  model_.setScale(devicePixelRatioF());
+  QWidget::paintEvent(event);
+}
+
+void SettingsView::raiseWith(const std::string& activationToken) {
+  if (!activationToken.empty()) {
+    // Where Qt's Wayland platform looks for the token of the next activation.
+    qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
+  }
+  if (isMinimized()) {
+    showNormal();
+  }
+  show();
+  raise();
+  activateWindow();
+}
+
+}  // namespace vantora
