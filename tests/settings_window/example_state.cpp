@@ -75,12 +75,10 @@ WindowState exampleState(double scale) {
 
   const MetricSnapshot readings = snapshot();
   state.networkName = readings.networkName;
-  state.codex = {readings.codex.message, readings.codex.lastSuccess,
-                 "/usr/local/bin/codex", readings.codex.candidates};
-  state.claude = {readings.claude.message,
-                  readings.claude.lastSuccess,
-                  "/usr/local/bin/claude",
-                  {}};
+  state.codex = {readings.codex.message, readings.codex.lastSuccess, "/usr/local/bin/codex",
+                 readings.codex.candidates};
+  state.claude = {
+      readings.claude.message, readings.claude.lastSuccess, "/usr/local/bin/claude", {}};
 
   FreetypeTextEngine engine(lookUpFonts());
   const StatusPresentation presentation =

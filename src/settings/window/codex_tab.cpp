@@ -9,11 +9,11 @@ namespace {
 using S = CodexQuotaSettings;
 
 constexpr auto enabledField = quotaSwitch<&S::enabled, S>("Ativar i&ntegração Codex");
-constexpr auto showUsedField = quotaSwitch<&S::showUsed, S>("Mostrar percentual &utilizado em L1");
+constexpr auto showUsedField = quotaSwitch<&S::showUsed, S>("Mostrar percentua&l utilizado em L1");
 constexpr auto oneDecimalField = quotaSwitch<&S::oneDecimal, S>("Uma casa &decimal");
 constexpr auto showResetDateField =
     quotaSwitch<&S::showResetDate, S>("Mostrar data de ren&ovação em L2");
-constexpr std::string_view categoryLabel = "Cate&goria semanal";
+constexpr std::string_view categoryLabel = "Cat&egoria semanal";
 constexpr std::string_view intervalLabel = "Consulta automát&ica";
 
 }  // namespace

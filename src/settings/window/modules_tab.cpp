@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "settings/window/modules_tab.hpp"
 
+#include <QCoreApplication>
 #include <QScrollBar>
 #include <QShortcut>
 #include <algorithm>
@@ -99,6 +100,7 @@ void ModulesTab::showModules() {
     if (layout_->indexOf(row) != static_cast<int>(index)) {
       layout_->removeWidget(row);
       layout_->insertWidget(static_cast<int>(index), row);
+      row->show();  // A layout would show it later, and place it only then.
     }
     rows.push_back(row);
   }
@@ -163,13 +165,15 @@ void ModulesTab::scrollToPending() {
   if (row == nullptr || !isVisible()) {
     return;
   }
-  // The new row has its place only once the list is laid out.
-  layout_->activate();
-  list_->resize(area_->viewport()->width(), list_->sizeHint().height());
-  layout_->activate();
-  area_->ensureWidgetVisible(row, 0, 0);
+  bringIntoView(row);
   row->focusFirstPicker();
   model().scrolled();
+}
+
+void ModulesTab::bringIntoView(ModuleRow* row) {
+  // A row has its place only once the list is laid out.
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+  area_->ensureWidgetVisible(row, 0, layout_->spacing());
 }
 
 void ModulesTab::move(ModuleRow* row, DragHandle::Step step) {
@@ -191,14 +195,16 @@ void ModulesTab::move(ModuleRow* row, DragHandle::Step step) {
   }
   QWidget* focused = focusWidget();
   model().moveModule(UUID(row->id()), wanted);
-  layout_->activate();
-  area_->ensureWidgetVisible(row, 0, 0);
+  bringIntoView(row);
   if (focused != nullptr) {
     focused->setFocus(Qt::OtherFocusReason);
   }
 }
 
 void ModulesTab::drag(ModuleRow* row, QPoint globalPosition) {
+  if (placeOf(row) == rows_.size()) {
+    return;  // The module went meanwhile.
+  }
   row->setLifted(true);
   dragged_ = row;
   dragPosition_ = globalPosition;

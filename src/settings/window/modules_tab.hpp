@@ -27,6 +27,7 @@ class ModulesTab final : public SettingsTab {
   [[nodiscard]] ModuleRow* rowOf(const UUID& id) const;
   [[nodiscard]] std::size_t placeOf(const ModuleRow* row) const;
   void scrollToPending();
+  void bringIntoView(ModuleRow* row);
   void joinTabOrder() const;
 
   void move(ModuleRow* row, DragHandle::Step step);

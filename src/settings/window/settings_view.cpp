@@ -36,7 +36,9 @@ SettingsView::SettingsView(WindowModel& model)
       onPlaceChange();
     }
   });
-  refresh(allWindowFields);
+  if (model_.hasState()) {
+    refresh(allWindowFields);
+  }
 }
 
 void SettingsView::addTab(SettingsTab* tab, const char* title) {
