@@ -41,7 +41,7 @@ class StatusItem {
   /// Says what clicks and the menu do; none do anything before. The actions are called on
   /// the main thread, never from inside of a call to the item. An item that cannot be
   /// clicked, as a line of text, never calls them.
-  virtual void setActions(StatusItemActions actions) { static_cast<void>(actions); }
+  virtual void setActions(StatusItemActions /*actions*/) {}
 };
 
 }  // namespace vantora

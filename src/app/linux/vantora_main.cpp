@@ -43,6 +43,9 @@ int run() {
       sessionBusAddress(std::getenv("DBUS_SESSION_BUS_ADDRESS"), std::getenv("XDG_RUNTIME_DIR")));
   LinuxStatusItem statusItem(bus, loop.queue(), textEngine, {},
                              [](StatusItemSituation situation) { say(describe(situation)); });
+  if (const char* display = std::getenv("DISPLAY"); display != nullptr && *display != '\0') {
+    statusItem.useTray(loop.raw(), display);
+  }
   const auto coordinator = AppCoordinator::create(application.parts(statusItem, textEngine));
   const TerminationSignals signals(loop.raw(), [&loop] { loop.stop(); });
   coordinator->launch();
