@@ -134,7 +134,7 @@ void CodexQuotaProvider::query(bool force) {
 }
 
 void CodexQuotaProvider::converse(const std::string& executable, CodexClientMode mode,
-                                  QuerySchedule::Ticket ticket) {
+                                  const QuerySchedule::Ticket& ticket) {
   std::function<void(std::string)> onURL;
   if (mode == CodexClientMode::login) {
     onURL = [this, ticket](const std::string& url) {

@@ -69,7 +69,8 @@ class CodexQuotaProvider {
  private:
   void stop();
   void query(bool force);
-  void converse(const std::string& executable, CodexClientMode mode, QuerySchedule::Ticket ticket);
+  void converse(const std::string& executable, CodexClientMode mode,
+                const QuerySchedule::Ticket& ticket);
   void finish(const CodexClientResult& result);
   void displayTick();
 
