@@ -29,6 +29,15 @@ class ClaudeQuotaScheduleTest : public test::ClaudeQuotaProviderTest {
     ASSERT_EQ(state().status, Status::ready);
     takePublished();
   }
+  /// At an interval of a minute, from an answer on: the next query and its retries fail,
+  /// the last of them 1,320 s after the answer. The values turn old 480 s later, and the
+  /// next retry is farther still.
+  void failUntilTheValuesAreNearlyOld() {
+    for (const double seconds : {60.0, 180.0, 360.0, 720.0}) {
+      expectQueryAfter(Seconds{seconds});
+      answerFailure();
+    }
+  }
   [[nodiscard]] std::string session() const {
     return ClaudeQuotaFormatter::text(MetricID::claudeSessionPercent, state(), time_.now());
   }
@@ -307,6 +316,61 @@ TEST_F(ClaudeQuotaScheduleTest, DoesNotQueryForAResetWhileAQueryRuns) {
   expectQueryAfter(Seconds{60});
   time_.advance(Seconds{100});
   EXPECT_EQ(clientCount(), 2U);
+}
+
+TEST_F(ClaudeQuotaScheduleTest, TriesAgainAtALaterWakeUpWhenAQueryRanAtTheReset) {
+  settings().intervalMinutes = 1;
+  becomeReady(Seconds{400'000}, Seconds{95});
+  expectQueryAfter(Seconds{60});
+  time_.advance(Seconds{35.5});
+  EXPECT_EQ(clientCount(), 2U);
+  answerReading(Seconds{400'000 - 95.5}, Seconds{-0.5});
+  failUntilTheValuesAreNearlyOld();
+  expectQueryAfter(Seconds{480.5});
+}
+
+TEST_F(ClaudeQuotaScheduleTest, NeverQueriesTwiceForOneReset) {
+  settings().intervalMinutes = 1;
+  becomeReady(Seconds{400'000}, Seconds{50});
+  const ClaudeQuotaState first = state();
+  expectQueryAfter(Seconds{50.5});
+  answerReading(Seconds{400'000 - 50.5}, Seconds{-0.5});
+  EXPECT_EQ(state().weeklyResetAt, first.weeklyResetAt);
+  EXPECT_EQ(state().sessionResetAt, first.sessionResetAt);
+  failUntilTheValuesAreNearlyOld();
+  expectPublishedAfter(Seconds{480.5});
+  EXPECT_FALSE(isAsking());
+}
+
+TEST_F(ClaudeQuotaScheduleTest, QueriesAgainForAResetThatIsReportedAnew) {
+  settings().intervalMinutes = 1;
+  for (const bool isWeekly : {false, true}) {
+    const auto answerBoth = [&](Seconds moving) {
+      const Seconds still{400'000 - time_.uptime().count()};
+      isWeekly ? answerReading(moving, still) : answerReading(still, moving);
+    };
+    configure();
+    answerBoth(Seconds{50});
+    expectQueryAfter(Seconds{50.5});
+    answerBoth(Seconds{90'000});
+    expectQueryAfter(Seconds{60});
+    answerBoth(Seconds{-60.5 - 0.5});
+    failUntilTheValuesAreNearlyOld();
+    expectQueryAfter(Seconds{480.5});
+    provider_->shutdown();
+  }
+}
+
+TEST_F(ClaudeQuotaScheduleTest, WakesAgainAfterAFailureThatFollowsAForcedQuery) {
+  settings().intervalMinutes = 10;
+  becomeReady(Seconds{400'000}, Seconds{100});
+  time_.advance(Seconds{60});
+  provider_->manualRefresh();
+  time_.advance(Seconds{40.5});
+  EXPECT_EQ(time_.pendingCount(), 0U) << "nothing is shown that could change";
+  answerFailure();
+  EXPECT_EQ(time_.pendingCount(), 2U);
+  EXPECT_EQ(session(), "SYNC");
 }
 
 TEST_F(ClaudeQuotaScheduleTest, WakesForTheShownWindowsOnly) {

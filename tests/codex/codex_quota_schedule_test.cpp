@@ -22,6 +22,19 @@ class CodexQuotaScheduleTest : public test::CodexQuotaProviderTest {
     time_.advance(justBefore);
     EXPECT_EQ(takePublished().size(), 1U) << "not at the instant";
   }
+  /// At an interval of a minute, from an answer on: the next query and its retries fail,
+  /// the last of them 1,320 s after the answer. The value turns old 480 s later, and the
+  /// next retry is farther still.
+  void failUntilTheValueIsNearlyOld() {
+    for (const double seconds : {60.0, 180.0, 360.0, 720.0}) {
+      expectQueryAfter(Seconds{seconds});
+      answerFailure();
+    }
+  }
+  void answerWithResetAt(WallTime resetAt) {
+    answerQuota(40, secondsBetween(time_.now(), resetAt));
+    ASSERT_EQ(state().resetAt, resetAt);
+  }
   void showPercentOnly() { configuration_.modules[0].bottom = MetricID::none; }
 };
 
@@ -242,8 +255,11 @@ TEST_F(CodexQuotaScheduleTest, PublishesNothingForADateThatIsShown) {
   settings().intervalMinutes = 10;
   settings().showResetDate = true;
   becomeReady(Seconds{3690});
-  time_.advance(Seconds{599});
+  time_.advance(Seconds{300});
   EXPECT_THAT(published_, IsEmpty());
+  settings().showResetDate = false;
+  configure();
+  expectPublishedAfter(Seconds{30.1});
 }
 
 TEST_F(CodexQuotaScheduleTest, PublishesWhenTheValueTurnsThirtyMinutesOld) {
@@ -332,14 +348,47 @@ TEST_F(CodexQuotaScheduleTest, DoesNotReadTheQuotaAfterAResetWithinThirtySeconds
 TEST_F(CodexQuotaScheduleTest, TriesAgainAtALaterWakeUpWhenTheResetCameTooSoon) {
   settings().intervalMinutes = 1;
   becomeReady(Seconds{20});
-  for (const double seconds : {60.0, 180.0, 360.0, 720.0}) {
-    expectQueryAfter(Seconds{seconds});
-    answerFailure();
-  }
-  // The next retry is half an hour away, the value turns old before.
+  failUntilTheValueIsNearlyOld();
   takePublished();
   expectQueryAfter(Seconds{480});
   EXPECT_EQ(published_.front().status, Status::connecting);
+}
+
+TEST_F(CodexQuotaScheduleTest, TriesAgainAtALaterWakeUpWhenAQueryRanAtTheReset) {
+  settings().intervalMinutes = 1;
+  becomeReady(Seconds{95});
+  const WallTime resetAt = *state().resetAt;
+  expectQueryAfter(Seconds{60});
+  time_.advance(Seconds{35.1});
+  EXPECT_EQ(clientCount(), 2U);
+  answerWithResetAt(resetAt);
+  expectQueryAfter(Seconds{60});
+  answerWithResetAt(resetAt);
+  failUntilTheValueIsNearlyOld();
+  expectQueryAfter(Seconds{480});
+}
+
+TEST_F(CodexQuotaScheduleTest, NeverReadsTheQuotaTwiceForOneReset) {
+  settings().intervalMinutes = 1;
+  becomeReady(Seconds{50});
+  const WallTime resetAt = *state().resetAt;
+  expectQueryAfter(Seconds{50.1});
+  answerWithResetAt(resetAt);
+  failUntilTheValueIsNearlyOld();
+  expectPublishedAfter(Seconds{480});
+  EXPECT_FALSE(isConversing());
+}
+
+TEST_F(CodexQuotaScheduleTest, ReadsTheQuotaAgainForAResetThatIsReportedAnew) {
+  settings().intervalMinutes = 1;
+  becomeReady(Seconds{50});
+  const WallTime resetAt = *state().resetAt;
+  expectQueryAfter(Seconds{50.1});
+  answerQuota(0, Seconds{90'000});
+  expectQueryAfter(Seconds{60});
+  answerWithResetAt(resetAt);
+  failUntilTheValueIsNearlyOld();
+  expectQueryAfter(Seconds{480});
 }
 
 TEST_F(CodexQuotaScheduleTest, DoesNotReadTheQuotaAfterAResetWhileAQueryRuns) {
