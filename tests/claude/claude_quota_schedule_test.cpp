@@ -354,7 +354,7 @@ TEST_F(ClaudeQuotaScheduleTest, QueriesAgainForAResetThatIsReportedAnew) {
     expectQueryAfter(Seconds{50.5});
     answerBoth(Seconds{90'000});
     expectQueryAfter(Seconds{60});
-    answerBoth(Seconds{-60.5 - 0.5});
+    answerBoth(Seconds{-60.5});
     failUntilTheValuesAreNearlyOld();
     expectQueryAfter(Seconds{480.5});
     provider_->shutdown();
