@@ -23,11 +23,11 @@
 namespace vantora {
 namespace {
 
+using test::HelperFolder;
 using test::helperOptions;
 using test::isRunning;
 using test::ProcessCensus;
 using test::RealProcesses;
-using test::HelperFolder;
 using test::VirtualTime;
 
 class UvChildProcessTest : public testing::Test {

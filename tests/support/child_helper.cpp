@@ -109,12 +109,16 @@ int complain(const Arguments& arguments) {
   return 1;
 }
 
-int hugeError(const Arguments&) {
+// Four megabytes of errors, then the lines that it is given, or "done".
+int hugeError(const Arguments& arguments) {
   const std::string chunk(65'536, 'e');
   for (int count = 0; count < 64; ++count) {
     std::fwrite(chunk.data(), 1, chunk.size(), stderr);
   }
-  say("done\n");
+  for (const std::string& line : arguments) {
+    say(line + "\n");
+  }
+  say(arguments.empty() ? "done\n" : "");
   waitForEver();
 }
 

@@ -52,6 +52,17 @@ bool isRunning(int process) {
   return name != std::string::npos && text[name + 2] != 'Z' && text[name + 2] != 'X';
 }
 
+bool isIgnoringTermination(int process) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/status");
+  for (std::string line; std::getline(file, line);) {
+    if (line.starts_with("SigIgn:")) {
+      const unsigned long long ignored = std::stoull(line.substr(line.find(':') + 1), nullptr, 16);
+      return (ignored >> (SIGTERM - 1) & 1U) != 0;
+    }
+  }
+  return false;
+}
+
 ChildProcessOptions helperOptions(const std::string& scenario, std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), scenario);
   return {VANTORA_CHILD_HELPER, std::move(arguments), {}, {}};

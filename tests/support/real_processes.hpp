@@ -28,6 +28,9 @@ void PrintTo(const ProcessCensus& census, std::ostream* stream);
 /// Whether the process exists and is no zombie.
 [[nodiscard]] bool isRunning(int process);
 
+/// Whether the process ignores the request to end.
+[[nodiscard]] bool isIgnoringTermination(int process);
+
 /// The helper's options: `scenario` with `arguments`.
 [[nodiscard]] ChildProcessOptions helperOptions(const std::string& scenario,
                                                 std::vector<std::string> arguments = {});
