@@ -2,6 +2,7 @@
 #include "runtime/exec_strings.hpp"
 
 #include <string_view>
+#include <utility>
 
 extern char** environ;
 
@@ -25,7 +26,10 @@ ExecStrings environmentWith(const std::map<std::string, std::string>& changes) {
     }
   }
   for (const auto& [name, value] : changes) {
-    result.add(name + "=" + value);
+    std::string entry = name;
+    entry += '=';
+    entry += value;
+    result.add(std::move(entry));
   }
   return result;
 }
