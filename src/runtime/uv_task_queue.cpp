@@ -39,7 +39,8 @@ struct ScheduledTask {
 
 struct UvTaskQueue::Core {
   uv_loop_t* loop = nullptr;
-  uv_async_t* wake = nullptr;
+  uv_async_t* wake = nullptr;  // for tasks that other threads post
+  uv_idle_t* soon = nullptr;   // for those of the loop's own thread: no system call
   std::thread::id thread;
 
   std::mutex mutex;
@@ -50,6 +51,7 @@ struct UvTaskQueue::Core {
   Seconds slack{-1};                                   // the queue's thread only
 
   void runPending() {
+    uv_idle_stop(soon);
     std::vector<Task> batch;
     {
       const std::lock_guard lock(mutex);
@@ -69,7 +71,11 @@ struct UvTaskQueue::Core {
     }
     pending.push_back(std::move(task));
     if (pending.size() == 1) {
-      uv_async_send(wake);
+      if (std::this_thread::get_id() == thread) {
+        uv_idle_start(soon, [](uv_idle_t* idle) { static_cast<Core*>(idle->data)->runPending(); });
+      } else {
+        uv_async_send(wake);
+      }
     }
     return true;
   }
@@ -161,9 +167,12 @@ UvTaskQueue::UvTaskQueue(uv_loop_t& loop) : core_(std::make_shared<Core>()) {
   core_->thread = std::this_thread::get_id();
   core_->wake = new uv_async_t;
   core_->wake->data = core_.get();
+  core_->soon = new uv_idle_t;
+  core_->soon->data = core_.get();
   loop.data = core_.get();
   const int status = uv_async_init(
       &loop, core_->wake, [](uv_async_t* wake) { static_cast<Core*>(wake->data)->runPending(); });
+  uv_idle_init(&loop, core_->soon);
   // The only failure is that the process has no descriptor left at its very start.
   if (status != 0) {
     std::abort();
@@ -185,6 +194,8 @@ UvTaskQueue::~UvTaskQueue() {
   }
   uv_close(reinterpret_cast<uv_handle_t*>(core_->wake),
            [](uv_handle_t* handle) { delete reinterpret_cast<uv_async_t*>(handle); });
+  uv_close(reinterpret_cast<uv_handle_t*>(core_->soon),
+           [](uv_handle_t* handle) { delete reinterpret_cast<uv_idle_t*>(handle); });
   core_->loop->data = nullptr;
 }
 

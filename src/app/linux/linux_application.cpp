@@ -2,6 +2,7 @@
 #include "app/linux/linux_application.hpp"
 
 #include <cstdlib>
+#include <system_error>
 #include <utility>
 
 #include "claude/claude_code_usage_client.hpp"
@@ -26,6 +27,20 @@ std::string homeFolder() {
   return home;
 }
 
+// Batteries and sensors are read through drivers that may take their time over it: an
+// embedded controller tens of milliseconds, a broken one for ever. They are kept off the
+// main loop. Where the machine has none, as virtual machines have not, a pass only copies
+// numbers that the kernel holds, and a thread of its own would only be one more wake-up.
+bool hasDriversThatMayBlock() {
+  for (const char* folder : {"/sys/class/hwmon", "/sys/class/power_supply"}) {
+    std::error_code error;
+    if (!std::filesystem::is_empty(folder, error) && !error) {
+      return true;
+    }
+  }
+  return false;
+}
+
 SamplingSources samplingSources(const Clock& clock) {
   return {std::make_unique<ProcStatTicks>(), std::make_unique<RtnetlinkSource>(),
           std::make_unique<LinuxBatterySource>(clock), std::make_unique<LinuxSensorSource>(clock)};
@@ -35,11 +50,18 @@ SamplingSources samplingSources(const Clock& clock) {
 
 LinuxApplication::LinuxApplication(std::filesystem::path configHome)
     : configHome_(std::move(configHome)),
-      samplingThread_(std::string(SamplingCoordinator::queueLabel)),
       home_(homeFolder()),
       launcher_(loop_.raw(), loop_.queue()),
       defaults_(configHome_),
-      loginItem_(AutostartLoginItem::placesOf(ownExecutable().value_or("vantora"))) {}
+      loginItem_(AutostartLoginItem::placesOf(ownExecutable().value_or("vantora"))) {
+  if (hasDriversThatMayBlock()) {
+    samplingThread_.emplace(std::string(SamplingCoordinator::queueLabel));
+  }
+}
+
+TaskQueue& LinuxApplication::samplingQueue() {
+  return samplingThread_ ? samplingThread_->queue() : loop_.queue();
+}
 
 AppParts LinuxApplication::parts(StatusItem& statusItem, TextEngine& textEngine) {
   UvTaskQueue& main = loop_.queue();
@@ -50,8 +72,8 @@ AppParts LinuxApplication::parts(StatusItem& statusItem, TextEngine& textEngine)
       .textEngine = textEngine,
       .model = std::make_unique<SettingsModel>(main, ConfigurationStore(configHome_), loginItem_,
                                                defaults_),
-      .sampling = SamplingCoordinator::create(samplingThread_.queue(), main, clock_,
-                                              samplingSources(clock_)),
+      .sampling =
+          SamplingCoordinator::create(samplingQueue(), main, clock_, samplingSources(clock_)),
       .quota = codexProvider(),
       .claudeQuota = claudeProvider(),
       .powerEvents = std::make_unique<LinuxPowerEvents>(

@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "app/app_coordinator.hpp"
@@ -31,6 +32,7 @@ class LinuxApplication {
   [[nodiscard]] AppParts parts(StatusItem& statusItem, TextEngine& textEngine);
 
  private:
+  [[nodiscard]] TaskQueue& samplingQueue();
   [[nodiscard]] ConversationHost conversationHost();
   [[nodiscard]] std::unique_ptr<CodexQuotaProvider> codexProvider();
   [[nodiscard]] std::unique_ptr<ClaudeQuotaProvider> claudeProvider();
@@ -38,7 +40,7 @@ class LinuxApplication {
   const std::filesystem::path configHome_;
   const SystemClock clock_;
   UvLoop loop_;
-  UvQueueThread samplingThread_;
+  std::optional<UvQueueThread> samplingThread_;
   const std::string home_;  // without a trailing separator
   UvChildProcessLauncher launcher_;
   JsonUserDefaults defaults_;
