@@ -3,6 +3,7 @@
 
 #include <QGraphicsOpacityEffect>
 #include <QPushButton>
+#include <QStyle>
 #include <algorithm>
 
 #include "model/metric.hpp"
@@ -73,14 +74,14 @@ ModuleRow::ModuleRow(WindowModel& model, const UUID& id)
     : model_(model),
       id_(id),
       form_([this](const std::function<void(M&)>& change) { edit(change); }),
-      handle_(new DragHandle) {
+      handle_(new DragHandle),
+      header_(new QHBoxLayout) {
   setFrameShape(QFrame::StyledPanel);
   auto* column = new QVBoxLayout(this);
-  auto* header = new QHBoxLayout;
   handle_->setAccessibleName(qtText("Mover"));
-  header->addWidget(named(handle_));
-  header->addWidget(named(form_.add(enabledField)));
-  header->addStretch();
+  header_->addWidget(named(handle_));
+  header_->addWidget(named(form_.add(enabledField)));
+  header_->addStretch();
   auto* duplicate = Controls::makeButton("&Duplicar", [this] { model_.duplicateModule(id_); });
   auto* remove = Controls::makeButton("&Remover", [this] { model_.removeModule(UUID(id_)); });
 
@@ -91,12 +92,12 @@ ModuleRow::ModuleRow(WindowModel& model, const UUID& id)
   halves_->addWidget(content, 1);
   halves_->addWidget(shape);
 
-  column->addLayout(header);
+  column->addLayout(header_);
   column->addLayout(halves_);
   hideFans_ = named(form_.add(hideFansField));
   column->addWidget(hideFans_);
-  header->addWidget(named(duplicate));
-  header->addWidget(named(remove));
+  header_->addWidget(named(duplicate));
+  header_->addWidget(named(remove));
 }
 
 QWidget* ModuleRow::makeContentHalf() {
@@ -205,28 +206,47 @@ void ModuleRow::setLifted(bool isLifted) {
 
 // As narrow as the halves below each other allow: resizeEvent() puts them so.
 QSize ModuleRow::minimumSizeHint() const {
-  int width = hideFans_->isHidden() ? 0 : hideFans_->minimumSizeHint().width();
+  int width = header_->minimumSize().width();
   for (int index = 0; index < halves_->count(); ++index) {
     width = std::max(width, halves_->itemAt(index)->minimumSize().width());
   }
-  const QMargins margins = layout()->contentsMargins();
-  return {width + margins.left() + margins.right() + 2 * frameWidth(),
-          QFrame::minimumSizeHint().height()};
+  if (!hideFans_->isHidden()) {
+    width = std::max(width, hideFansWidth(hideFansNarrowText()));
+  }
+  return {width + sideMargins(), QFrame::minimumSizeHint().height()};
 }
 
 void ModuleRow::resizeEvent(QResizeEvent* event) {
   QFrame::resizeEvent(event);
-  int width = halves_->spacing() * (halves_->count() - 1);
+  const int available = width() - sideMargins();
+  int sideBySideWidth = halves_->spacing() * (halves_->count() - 1);
   for (int index = 0; index < halves_->count(); ++index) {
-    width += halves_->itemAt(index)->minimumSize().width();
+    sideBySideWidth += halves_->itemAt(index)->sizeHint().width();
   }
-  const auto direction = halves_->geometry().width() < width || contentsRect().width() < width
-                             ? QBoxLayout::TopToBottom
-                             : QBoxLayout::LeftToRight;
+  const auto direction =
+      available < sideBySideWidth ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight;
   if (halves_->direction() != direction) {
     halves_->setDirection(direction);
     updateGeometry();
   }
+  const QString wide = qtText(hideFansField.label);
+  hideFans_->setText(hideFansWidth(wide) <= available ? wide : hideFansNarrowText());
+}
+
+int ModuleRow::sideMargins() const {
+  const QMargins margins = layout()->contentsMargins();
+  return margins.left() + margins.right() + 2 * frameWidth();
+}
+
+// On two lines.
+QString ModuleRow::hideFansNarrowText() {
+  return qtText(hideFansField.label).replace(qtText(" quando"), qtText("\nquando"));
+}
+
+int ModuleRow::hideFansWidth(const QString& text) const {
+  return fontMetrics().size(Qt::TextShowMnemonic, text).width() +
+         style()->pixelMetric(QStyle::PM_IndicatorWidth, nullptr, hideFans_) +
+         2 * style()->pixelMetric(QStyle::PM_CheckBoxLabelSpacing, nullptr, hideFans_);
 }
 
 }  // namespace vantora

@@ -39,6 +39,9 @@ class ModuleRow final : public QFrame {
   [[nodiscard]] QWidget* makeShapeHalf();
   [[nodiscard]] QWidget* makeWidthControls();
   [[nodiscard]] QWidget* makeOwnGapControls();
+  [[nodiscard]] int sideMargins() const;
+  [[nodiscard]] static QString hideFansNarrowText();
+  [[nodiscard]] int hideFansWidth(const QString& text) const;
   void nameAfterModule(const ModuleConfiguration& module, std::size_t index);
   // Notes the control as one that is named after the module.
   template <typename Control>
@@ -52,6 +55,7 @@ class ModuleRow final : public QFrame {
   Form<ModuleConfiguration> form_;
   QList<QPair<QWidget*, QString>> named_;
   DragHandle* handle_;
+  QBoxLayout* header_;
   QComboBox* firstPicker_ = nullptr;
   QCheckBox* hasOwnGap_ = nullptr;
   QSpinBox* ownGap_ = nullptr;
