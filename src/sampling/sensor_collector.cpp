@@ -29,7 +29,7 @@ std::size_t fanIndex(MetricID metric) {
 
 // The controller counts its fans from 0, people from 1.
 std::string fanKey(std::size_t index, std::string_view suffix) {
-  return ("F" + std::to_string(index)).append(suffix);
+  return std::string(1, 'F').append(std::to_string(index)).append(suffix);
 }
 std::string fanNumber(std::size_t index) {
   return std::to_string(index + 1);

@@ -111,7 +111,9 @@ std::vector<Channel> channels(const Chip& chip, std::string_view kind) {
   found.reserve(numbers.size());
   for (const int number : numbers) {
     std::string prefix = std::string(kind).append(std::to_string(number));
-    std::string label = textOf(directory.get(), (prefix + "_label").c_str());
+    std::string labelName = prefix;
+    labelName.append("_label");
+    std::string label = textOf(directory.get(), labelName.c_str());
     found.push_back({std::move(prefix), std::move(label)});
   }
   return found;
