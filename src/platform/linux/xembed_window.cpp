@@ -12,6 +12,9 @@ namespace {
 
 // Trays lay themselves out when they are idle. After this what they gave is settled.
 constexpr Seconds settled{0.5};
+// How many times that long a tray may take to embed the window: one that starts with the
+// session is slow.
+constexpr int mostWaits = 10;
 constexpr double pointsHigh = 22;
 constexpr std::uint8_t eventTypeMask = 0x7F;  // the high bit tells of xcb_send_event
 
@@ -238,6 +241,7 @@ void XEmbedWindow::dock() {
   check_.reset();
   client_->destroyWindow();
   isEmbedded_ = false;
+  waits_ = 0;
   width_ = 0;
   height_ = 0;
   if (!client_->findTray() || !client_->makeWindow(wantedWidth(), wantedHeight())) {
@@ -255,6 +259,7 @@ void XEmbedWindow::embedded(bool isInTray) {
     // Docked first and mapped later: no tray shows it on the desktop in between.
     isEmbedded_ = true;
     client_->map();
+    check_ = queue_.runAfter(settled, settled / 4, [this] { checkWidth(); });
     return;
   }
   // The tray gave the window back to the root, where it would stand on the desktop.
@@ -285,7 +290,11 @@ void XEmbedWindow::askForWidth() {
 void XEmbedWindow::checkWidth() {
   check_.reset();
   if (!isEmbedded_) {
-    client_->destroyWindow();  // the tray did not take it
+    if (++waits_ < mostWaits) {
+      check_ = queue_.runAfter(settled, settled / 4, [this] { checkWidth(); });
+      return;
+    }
+    client_->destroyWindow();  // the tray does not take it
     setState(State::absent);
     return;
   }

@@ -95,6 +95,7 @@ class XEmbedWindow {
   double points_ = 0;
   int askedWidth_ = 0;
   bool isEmbedded_ = false;
+  int waits_ = 0;
   int width_ = 0;  // what the tray gave, in pixels
   int height_ = 0;
   std::unique_ptr<TrayMenu> menu_;  // destroyed before the client that it uses
