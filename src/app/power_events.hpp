@@ -19,8 +19,9 @@ class PowerEvents {
  public:
   /// Called on the main thread, never from inside of start().
   struct Handlers {
-    /// The adapter was plugged in or out, or a battery changed. Changes that come together
-    /// may be told once.
+    /// The adapter was plugged in or out, or a battery changed, or may have changed: a system
+    /// that announces no change of the level tells this once a minute. Changes that come
+    /// together may be told once.
     std::function<void()> onPowerSourceChange;
     /// The system is about to sleep.
     std::function<void(SleepHold)> onWillSleep;

@@ -15,9 +15,9 @@ LinuxPowerEvents::LinuxPowerEvents(uv_loop_t& loop, TaskQueue& queue, std::strin
     : bus_(loop, queue, std::move(busAddress)),
       sleep_([this](SleepHold hold) { handlers_.onWillSleep(std::move(hold)); },
              [this] { handlers_.onDidWake(); }),
-      levels_(queue, std::move(powerSupplyRoot), [this] { handlers_.onPowerSourceChange(); }),
+      reminder_(queue, std::move(powerSupplyRoot), [this] { handlers_.onPowerSourceChange(); }),
       uevents_(loop, [this] {
-        levels_.refresh();
+        reminder_.refresh();
         handlers_.onPowerSourceChange();
       }) {}
 
@@ -27,8 +27,8 @@ LinuxPowerEvents::~LinuxPowerEvents() {
 
 void LinuxPowerEvents::start(Handlers handlers) {
   handlers_ = std::move(handlers);
-  levels_.refresh();
-  // Where the system passes no events on, the look at the level still finds what changed.
+  reminder_.refresh();
+  // Where the system passes no events on, the reminder still brings what changed.
   (void)uevents_.start();
   bus_.add(sleep_);
   bus_.open();

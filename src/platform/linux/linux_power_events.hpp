@@ -5,7 +5,7 @@
 #include <string>
 
 #include "app/power_events.hpp"
-#include "platform/linux/battery_level_watch.hpp"
+#include "platform/linux/battery_reminder.hpp"
 #include "platform/linux/bus_connection.hpp"
 #include "platform/linux/logind_sleep.hpp"
 #include "platform/linux/uevent_watch.hpp"
@@ -13,11 +13,11 @@
 namespace vantora {
 
 /// Where the system's message bus listens, from the value of DBUS_SYSTEM_BUS_ADDRESS (null
-/// when unset), else the place that the D-Bus specification names.
+/// when unset), else the place where D-Bus puts it.
 [[nodiscard]] std::string systemBusAddress(const char* environmentAddress);
 
-/// Power events from the kernel and from logind. Sleeps while nothing happens, except for a
-/// look at the battery's level once a minute where there is a battery.
+/// Power events from the kernel and from logind. Sleeps while nothing happens, except that a
+/// machine with a battery is reminded of it once a minute.
 class LinuxPowerEvents final : public PowerEvents {
  public:
   /// Loop and queue are the main thread's and must outlive the events.
@@ -33,7 +33,7 @@ class LinuxPowerEvents final : public PowerEvents {
   Handlers handlers_;
   BusConnection bus_;
   LogindSleep sleep_;
-  BatteryLevelWatch levels_;
+  BatteryReminder reminder_;
   UeventWatch uevents_;
 };
 

@@ -92,10 +92,14 @@ PowerSupply readPowerSupply(int directory) {
   return supply;
 }
 
-bool isMachineBattery(int directory) {
+bool isMachineBatteryPlace(int directory) {
   Attributes attributes(directory);
   return powerSupplyType(attributes.text("type")) == PowerSupply::Type::battery &&
-         attributes.text("scope") != "Device" && isPresent(attributes);
+         attributes.text("scope") != "Device";
+}
+
+bool isMachineBattery(int directory) {
+  return isMachineBatteryPlace(directory) && isPresent(Attributes(directory));
 }
 
 PowerSupply::Type powerSupplyType(std::string_view text) {

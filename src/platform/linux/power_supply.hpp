@@ -58,6 +58,9 @@ struct PowerSupply {
 /// Reads the supply in the open directory. Only what the kind of supply has is read.
 [[nodiscard]] PowerSupply readPowerSupply(int directory);
 
+/// Whether a battery of the machine itself belongs here, in its bay or not. What this reads
+/// the kernel knows without asking the driver's hardware.
+[[nodiscard]] bool isMachineBatteryPlace(int directory);
 /// Whether it is a battery of the machine itself; reads no more than that takes.
 [[nodiscard]] bool isMachineBattery(int directory);
 
