@@ -7,16 +7,14 @@
 
 namespace vantora {
 
-/// Gives back the pages of code and constants that starting the program needed and
-/// running it does not. They stay in the system's cache of files; what is used again is
-/// mapped again, page by page, without a read from the disk. Pages that the program wrote
-/// to are never touched. Linux: madvise(2) with MADV_RANDOM (which also keeps the kernel
-/// from mapping the fifteen neighbours of every page) and MADV_DONTNEED. Elsewhere it
-/// does nothing.
+/// Gives back the pages of code and constants that the program needed once, as for its
+/// start, and does not need to go on. They stay in the system's cache of files; what is
+/// used again is mapped again without a read from the disk. Pages that the program wrote
+/// to are never touched. Linux: madvise(2) with MADV_DONTNEED. Elsewhere it does nothing.
 ///
 /// For a moment when nothing is urgent: it takes under a millisecond, and the next work
 /// of every kind a little longer once.
-void releaseStartupPages();
+void releaseUnusedCode();
 
 /// A part of this process's memory, in bytes.
 struct MemoryRange {

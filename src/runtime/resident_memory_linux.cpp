@@ -35,11 +35,10 @@ std::string ownMemoryMap() {
 
 }  // namespace
 
-void releaseStartupPages() {
+void releaseUnusedCode() {
   for (const MemoryRange& range : unwrittenFileRanges(ownMemoryMap())) {
     // The kernel names memory by numbers; a hint that it refuses changes nothing.
     void* const begin = reinterpret_cast<void*>(range.begin);  // NOLINT(performance-no-int-to-ptr)
-    madvise(begin, range.size, MADV_RANDOM);
     madvise(begin, range.size, MADV_DONTNEED);
   }
 }

@@ -4,6 +4,6 @@
 namespace vantora {
 
 // The pages of code belong to the shared cache there, and cost the program nothing.
-void releaseStartupPages() {}
+void releaseUnusedCode() {}
 
 }  // namespace vantora

@@ -124,13 +124,16 @@ struct UvTaskQueue::Core {
     updateSlack();
   }
 
-  // The kernel may delay this thread's wake-ups by what every one of its timers allows.
+  // The kernel may delay this thread's wake-ups by what every one of its timers allows,
+  // and by a second at most: others wait for answers on the same loop.
   void updateSlack() {
+    constexpr Seconds longest{1};
     Seconds wanted{0};
     if (!timers.empty()) {
       wanted = (*std::min_element(timers.begin(), timers.end(), [](const auto& a, const auto& b) {
                  return a->leeway < b->leeway;
                }))->leeway;
+      wanted = std::min(wanted, longest);
     }
     if (wanted != slack) {
       slack = wanted;

@@ -38,11 +38,11 @@ TEST(UnwrittenFileRanges, LeaveOutWhatDoesNotReadAsARange) {
   }
 }
 
-TEST(ReleaseStartupPages, LeavesCodeConstantsAndVariablesAsTheyWere) {
+TEST(ReleaseUnusedCode, LeavesCodeConstantsAndVariablesAsTheyWere) {
   static std::array<int, 5000> variables{1, 2, 3};
   static const std::array<int, 5000> constants{4, 5, 6};
   variables[4999] = 7;
-  releaseStartupPages();
+  releaseUnusedCode();
   EXPECT_EQ(variables[1], 2);
   EXPECT_EQ(variables[4999], 7);
   EXPECT_EQ(constants[2], 6);

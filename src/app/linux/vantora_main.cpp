@@ -50,9 +50,12 @@ int run() {
   const TerminationSignals signals(loop.raw(), [&loop] { loop.stop(); });
   coordinator->launch();
   bus.open();
-  // By then the first picture stands in the panel.
-  constexpr Seconds settled{3};
-  const TimerHandle afterStart = loop.queue().runAfter(settled, Seconds{1}, &releaseStartupPages);
+  // Once the first pictures stand in the panel, and now and then for what was needed
+  // seldom since: a query, a menu, other fonts.
+  constexpr Seconds settled{5};
+  constexpr Seconds nowAndThen{600};
+  const TimerHandle afterStart = loop.queue().runAfter(settled, Seconds{1}, &releaseUnusedCode);
+  const TimerHandle later = loop.queue().runEvery(nowAndThen, Seconds{60}, &releaseUnusedCode);
   loop.run();
   coordinator->terminate();
   return 0;

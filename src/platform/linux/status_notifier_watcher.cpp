@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/status_notifier_watcher.hpp"
 
+#include <fcntl.h>
 #include <unistd.h>
 
-#include <fstream>
+#include <array>
 #include <utility>
+
+#include "platform/linux/unique_fd.hpp"
 
 namespace vantora {
 namespace {
@@ -17,10 +20,12 @@ constexpr const char* busPath = "/org/freedesktop/DBus";
 constexpr int mostRegistrations = 6;
 
 std::string processName(const std::string& root, unsigned process) {
-  std::ifstream file(root + "/" + std::to_string(process) + "/comm");
-  std::string name;
-  std::getline(file, name);
-  return name;
+  const std::string path = root + "/" + std::to_string(process) + "/comm";
+  const UniqueFd file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  std::array<char, 32> name{};  // The kernel keeps at most 15 bytes, and ends the line.
+  const ssize_t length = file ? ::read(file.get(), name.data(), name.size()) : -1;
+  const std::string_view text(name.data(), length > 0 ? static_cast<std::size_t>(length) : 0);
+  return std::string(text.substr(0, text.find('\n')));
 }
 
 }  // namespace
