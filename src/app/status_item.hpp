@@ -41,6 +41,8 @@ class StatusItem {
   /// Says what clicks and the menu do; none do anything before. The actions are called on
   /// the main thread, never from inside of a call to the item. An item that cannot be
   /// clicked, as a line of text, never calls them.
+  // By value, because the items that can be clicked keep it.
+  // NOLINTNEXTLINE(performance-unnecessary-value-param)
   virtual void setActions(StatusItemActions /*actions*/) {}
 };
 
