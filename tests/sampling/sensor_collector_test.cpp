@@ -16,7 +16,6 @@ constexpr MetricSet allSensors{
     MetricID::batteryTemperature, MetricID::cpuTemperature, MetricID::fan1Percent,
     MetricID::fan2Percent,        MetricID::fan1RPM,        MetricID::fan2RPM};
 constexpr MetricSet battery{MetricID::batteryTemperature};
-constexpr MetricSet cpu{MetricID::cpuTemperature};
 
 const char* const cpuKeys[] = {"Tp00", "Tp04", "Tp08", "Tp0C", "Tp0G", "Tp0K",
                                "Tp0O", "Tp0R", "Tp0U", "Tp0X", "Tp0a", "Tp0d",
