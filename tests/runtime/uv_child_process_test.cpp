@@ -241,13 +241,20 @@ TEST_F(UvChildProcessTest, AnswersThatTheWorkingFolderCannotBeEntered) {
 TEST_F(UvChildProcessTest, AnswersThatNoDescriptorIsLeft) {
   rlimit limit{};
   ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+  // Sanitizers take a descriptor for their first look at a type: they look before the
+  // limit is set.
+  const auto isStarted = [this] {
+    return processes.launcher().start(helperOptions("hang"), {}).hasValue();
+  };
+  ASSERT_TRUE(isStarted());
+  processes.runUntilBackTo(before);
   const Descriptor firstFree(fcntl(0, F_DUPFD_CLOEXEC, 0));
   for (const int room : {0, 1, 2, 4, 6}) {
     const rlimit tight{static_cast<rlim_t>(firstFree.get() + 1 + room), limit.rlim_max};
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &tight), 0);
-    const auto result = processes.launcher().start(helperOptions("hang"), {});
+    const bool result = isStarted();
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
-    EXPECT_FALSE(result.hasValue()) << room;
+    EXPECT_FALSE(result) << room;
     processes.runReady();
   }
 }
