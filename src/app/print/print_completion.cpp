@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "app/print/print_completion.hpp"
 
+#include "sampling/sampling_coordinator.hpp"
+
 namespace vantora::PrintCompletion {
 namespace {
-
-bool startsSamplingTimer(const AppConfiguration& configuration) {
-  constexpr FamilySet sampledByTimer{MetricFamily::cpu, MetricFamily::network,
-                                     MetricFamily::sensors};
-  return !configuration.paused && configuration.families().intersects(sampledByTimer);
-}
 
 bool isStillConnecting(FamilySet shown, const MetricSnapshot& snapshot) {
   return (shown.contains(MetricFamily::codex) &&
@@ -21,7 +17,7 @@ bool isStillConnecting(FamilySet shown, const MetricSnapshot& snapshot) {
 
 bool isComplete(const AppConfiguration& configuration, const MetricSnapshot& snapshot,
                 int samplingRounds) {
-  const int needed = startsSamplingTimer(configuration) ? 2 : 1;
+  const int needed = SamplingCoordinator::startsTimer(configuration) ? 2 : 1;
   return samplingRounds >= needed && !isStillConnecting(configuration.families(), snapshot);
 }
 

@@ -5,7 +5,9 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <climits>
 
 namespace vantora {
 namespace {
@@ -26,9 +28,9 @@ std::size_t terminalColumns(int descriptor) {
 }  // namespace
 
 int PrintOutput::print(const PrintReport& report) {
-  const int error = write(next(report));
+  rest_ = next(report);
   hasPrinted_ = true;
-  return error;
+  return catchUp();
 }
 
 bool PrintOutput::hasReader() const {
@@ -36,16 +38,17 @@ bool PrintOutput::hasReader() const {
   return poll(&output, 1, 0) != 1 || (output.revents & (POLLERR | POLLHUP)) == 0;
 }
 
-void PrintOutput::finish() const {
-  if (!hasPrinted_) {
+void PrintOutput::finish() {
+  if (!hasPrinted_ || isBehind()) {
     return;
   }
-  // Nobody may be reading any more; there is nothing left to do about it.
   if (format_ == PrintFormat::i3bar) {
-    (void)write(follow_ ? "[]]\n" : "]\n");
+    rest_ = follow_ ? "[]]\n" : "]\n";
   } else if (format_ == PrintFormat::text && isTerminal_ && follow_) {
-    (void)write("\n");
+    rest_ = "\n";
   }
+  // Nobody may be reading any more; there is nothing left to do about it.
+  (void)catchUp();
 }
 
 std::string PrintOutput::next(const PrintReport& report) {
@@ -71,17 +74,22 @@ std::string PrintOutput::next(const PrintReport& report) {
   return (hasPrinted_ ? backToFirstLine : "") + (eraseLine + lines);
 }
 
-int PrintOutput::write(const std::string& text) const {
-  std::size_t written = 0;
-  while (written < text.size()) {
-    const ssize_t count = ::write(descriptor_, text.data() + written, text.size() - written);
-    if (count < 0 && errno == EINTR) {
-      continue;
+int PrintOutput::catchUp() {
+  while (!rest_.empty()) {
+    pollfd output{descriptor_, POLLOUT, 0};
+    if (poll(&output, 1, 0) == 0) {
+      return 0;
     }
-    if (count < 0) {
+    // Where poll(2) finds room, this many bytes never block in a pipe (pipe(7)).
+    const ssize_t count =
+        ::write(descriptor_, rest_.data(), std::min(rest_.size(), std::size_t{PIPE_BUF}));
+    if (count >= 0) {
+      rest_.erase(0, static_cast<std::size_t>(count));
+    } else if (errno == EAGAIN) {
+      return 0;
+    } else if (errno != EINTR) {
       return errno;
     }
-    written += static_cast<std::size_t>(count);
   }
   return 0;
 }

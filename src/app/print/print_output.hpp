@@ -11,31 +11,40 @@
 
 namespace vantora {
 
-/// Writes at once and in full to a descriptor that it does not own; on the main thread.
+/// Writes to a descriptor that it does not own; on the main thread. A reader that does not
+/// read blocks nobody: what it does not take is kept until catchUp().
 class PrintOutput {
  public:
   /// `isTerminal`: whether two lines may be drawn and drawn again with ECMA-48 controls.
   PrintOutput(int descriptor, PrintFormat format, bool follow, bool isTerminal)
       : descriptor_(descriptor), format_(format), follow_(follow), isTerminal_(isTerminal) {}
 
-  /// 0, or why nothing could be written (errno(3)); EPIPE when nobody reads any more.
+  /// 0, or why nothing could be written (errno(3)); EPIPE when nobody reads any more. Not
+  /// while isBehind().
   [[nodiscard]] int print(const PrintReport& report);
+
+  /// Whether the reader has not yet taken all of what was printed.
+  [[nodiscard]] bool isBehind() const { return !rest_.empty(); }
+
+  /// Writes as much of the rest as the reader takes. Answers as print() does.
+  [[nodiscard]] int catchUp();
 
   /// Whether someone may still read: false once a pipe's reader is gone.
   [[nodiscard]] bool hasReader() const;
 
-  /// Leaves the terminal's cursor on a line of its own and closes what print() opened.
-  void finish() const;
+  /// Leaves the terminal's cursor on a line of its own and closes what print() opened. A
+  /// reader that is behind gets no more.
+  void finish();
 
  private:
   [[nodiscard]] std::string next(const PrintReport& report);
-  [[nodiscard]] int write(const std::string& text) const;
 
   int descriptor_;
   PrintFormat format_;
   bool follow_;
   bool isTerminal_;
   bool hasPrinted_ = false;
+  std::string rest_;  // printed, but not written yet
 };
 
 }  // namespace vantora

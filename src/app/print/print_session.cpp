@@ -17,10 +17,11 @@ void PrintSession::start(AppCoordinator& coordinator) {
   coordinator.onUpdate = [this] { updated(); };
   if (!options_.follow || options_.hasTimeout) {
     timeout_ = queue_.runAfter(options_.timeout, Seconds{0}, [this] {
-      if (!options_.follow) {
-        print();
+      if (options_.follow) {
+        end(0);
+      } else {
+        printLast();
       }
-      end(0);
     });
   }
   coordinator.launch();
@@ -29,7 +30,8 @@ void PrintSession::start(AppCoordinator& coordinator) {
 void PrintSession::show(const StatusPresentation& presentation) {
   presentation_ = presentation;
   if (options_.follow) {
-    print();
+    isOwed_ = true;
+    deliver();
   }
 }
 
@@ -41,18 +43,50 @@ void PrintSession::updated() {
   if (!options_.follow &&
       PrintCompletion::isComplete(coordinator_->model().configuration(), coordinator_->snapshot(),
                                   coordinator_->samplingRounds())) {
+    printLast();
+  }
+}
+
+void PrintSession::printLast() {
+  if (!std::exchange(isLast_, true)) {
+    isOwed_ = true;
+    deliver();
+  }
+}
+
+// A reader that is behind gets the newest state once it reads on, not all that it missed:
+// a bar or script that stopped reading neither blocks the program nor fills its memory.
+void PrintSession::deliver() {
+  constexpr Seconds retryInterval{1};
+  constexpr Seconds leeway{0.1};
+  retry_.reset();
+  if (!hasEnded_ && output_.isBehind()) {
+    written(output_.catchUp());
+  }
+  if (!hasEnded_ && isOwed_ && !output_.isBehind()) {
+    isOwed_ = false;
     print();
+  }
+  if (hasEnded_) {
+    return;
+  }
+  if (output_.isBehind()) {
+    retry_ = queue_.runAfter(retryInterval, leeway, [this] { deliver(); });
+  } else if (isLast_) {
     end(0);
   }
 }
 
 void PrintSession::print() {
-  if (hasEnded_ || !presentation_) {
+  if (!presentation_) {
     return;
   }
   const SettingsModel& model = coordinator_->model();
-  const int error = output_.print({model.configuration(), coordinator_->snapshot(), *presentation_,
-                                   model.notice(), clock_.now()});
+  written(output_.print({model.configuration(), coordinator_->snapshot(), *presentation_,
+                         model.notice(), clock_.now()}));
+}
+
+void PrintSession::written(int error) {
   if (error != 0) {
     end(error == EPIPE ? 0 : error);
   }
@@ -63,6 +97,7 @@ void PrintSession::end(int error) {
     return;
   }
   timeout_.reset();
+  retry_.reset();
   output_.finish();
   onEnd_(error);
 }

@@ -36,6 +36,9 @@ class PrintSession final : public StatusItem {
  private:
   void updated();
   void print();
+  void printLast();
+  void deliver();
+  void written(int error);
   void end(int error);
 
   PrintOptions options_;
@@ -46,6 +49,9 @@ class PrintSession final : public StatusItem {
   AppCoordinator* coordinator_ = nullptr;
   std::optional<StatusPresentation> presentation_;
   TimerHandle timeout_;
+  TimerHandle retry_;    // while the reader is behind
+  bool isOwed_ = false;  // what changed last is not printed yet
+  bool isLast_ = false;  // the end comes once everything is written
   bool hasEnded_ = false;
 };
 
