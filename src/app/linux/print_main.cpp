@@ -3,6 +3,7 @@
 // vantora-print on Linux: the same coordinator with lines of text for a status item.
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -13,10 +14,15 @@
 #include "app/print/print_options.hpp"
 #include "app/print/print_session.hpp"
 #include "platform/linux/xdg_folders.hpp"
+#include "runtime/standard_streams.hpp"
 #include "runtime/termination_signals.hpp"
 
 namespace vantora {
 namespace {
+
+void complainAboutOutput(int error) {
+  std::fprintf(stderr, "vantora-print: não foi possível escrever: %s\n", std::strerror(error));
+}
 
 int run(const PrintOptions& options) {
   ignoreBrokenPipes();
@@ -33,12 +39,17 @@ int run(const PrintOptions& options) {
   int status = 0;
   PrintSession session(options, output, loop.queue(), application.clock(), [&](int error) {
     if (error != 0) {
-      std::fprintf(stderr, "vantora-print: não foi possível escrever: %s\n", std::strerror(error));
+      complainAboutOutput(error);
       status = 1;
     }
     loop.stop();
   });
   const auto coordinator = AppCoordinator::create(application.parts(session, textEngine));
+  // JSON carries it.
+  if (const auto& notice = coordinator->model().notice();
+      notice && options.format != PrintFormat::json) {
+    std::fprintf(stderr, "vantora-print: %s\n", notice->c_str());
+  }
   const TerminationSignals signals(loop.raw(), [&session] { session.stop(); });
   // From the loop, so that an end in the very first print stops it.
   loop.queue().post([&] { session.start(*coordinator); });
@@ -51,10 +62,17 @@ int run(const PrintOptions& options) {
 }  // namespace vantora
 
 int main(int argc, char** argv) {
+  const bool hasOutput = vantora::StandardStreams::isOpen(STDOUT_FILENO);
+  vantora::StandardStreams::openMissing();
   const auto parsed = vantora::parsePrintOptions(argc, argv);
   if (const auto* exit = std::get_if<vantora::PrintExit>(&parsed)) {
     std::fputs(exit->text.c_str(), exit->status == 0 ? stdout : stderr);
+    if (std::fflush(stdout) != 0) {
+      vantora::complainAboutOutput(errno);
+      return 1;
+    }
     return exit->status;
   }
-  return vantora::run(std::get<vantora::PrintOptions>(parsed));
+  // Nobody will ever read a line.
+  return hasOutput ? vantora::run(std::get<vantora::PrintOptions>(parsed)) : 0;
 }

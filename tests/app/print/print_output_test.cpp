@@ -37,6 +37,10 @@ class PrintOutputTest : public testing::Test {
   void setUsage(double percent) {
     snapshot_.samples.set(MetricID::cpuUsage, MetricSample::valid(percent, "", WallTime{}));
   }
+  void showManyModules() {
+    configuration_.modules.resize(ConfigurationLimits::modules, configuration_.modules[0]);
+    presentation_.accessibilityText.assign(8000, 'x');
+  }
   [[nodiscard]] PrintReport report() const {
     return {configuration_, snapshot_, presentation_, notice_, WallTime{}};
   }
@@ -102,6 +106,35 @@ TEST_F(PrintOutputTest, WritesAWholeJsonDocumentForI3bar) {
     ASSERT_TRUE(body) << text;
     EXPECT_EQ((*body)[0][0]["full_text"], "1%");
   }
+}
+
+TEST_F(PrintOutputTest, KeepsWhatTheReaderDoesNotTakeInsteadOfWaitingForIt) {
+  // A line larger than the pipe, so that it goes in pieces.
+  const int room = fcntl(descriptor(), F_SETPIPE_SZ, 4096);
+  ASSERT_GE(room, 4096);
+  showManyModules();
+  PrintOutput output(descriptor(), PrintFormat::json, true, false);
+  ASSERT_EQ(output.print(report()), 0);
+  EXPECT_TRUE(output.isBehind());
+  std::string text;
+  for (int pieces = 0; pieces < 100 && output.isBehind(); ++pieces) {
+    text += written();
+    EXPECT_EQ(output.catchUp(), 0);
+  }
+  text += written();
+  EXPECT_EQ(text, PrintFormatter::jsonLine(report()) + "\n");
+}
+
+TEST_F(PrintOutputTest, WritesNothingMoreToAReaderThatIsBehind) {
+  ASSERT_GE(fcntl(descriptor(), F_SETPIPE_SZ, 4096), 4096);
+  // The only page of the pipe is taken.
+  ASSERT_EQ(write(descriptor(), "?", 1), 1);
+  PrintOutput output(descriptor(), PrintFormat::i3bar, true, false);
+  ASSERT_EQ(output.print(report()), 0);
+  ASSERT_TRUE(output.isBehind());
+  output.finish();
+  EXPECT_EQ(written(), "?");
+  EXPECT_TRUE(output.isBehind());
 }
 
 TEST_F(PrintOutputTest, SaysWhenNobodyReadsAnyMore) {

@@ -48,6 +48,17 @@ class PrintSessionTest : public testing::Test, protected AppWorld {
     return {buffer.data(), static_cast<std::size_t>(count > 0 ? count : 0)};
   }
 
+  // Nothing more fits until somebody reads.
+  void fillPipe() {
+    const std::array<char, 4096> block{};
+    while (write(ends_[1], block.data(), block.size()) > 0) {
+    }
+  }
+  void emptyPipe() {
+    while (!printed().empty()) {
+    }
+  }
+
   int ends = 0;
   int lastError = -1;
   std::unique_ptr<PrintOutput> output_;
@@ -131,6 +142,48 @@ TEST_F(PrintSessionTest, EndsQuietlyWhenNobodyReadsEvenIfNothingChanges) {
   time.advance(Seconds{1});
   EXPECT_EQ(ends, 1);
   EXPECT_EQ(lastError, 0);
+}
+
+TEST_F(PrintSessionTest, GivesAReaderThatStoppedReadingTheNewestStateOnceItReadsOn) {
+  fillPipe();
+  PrintOptions options;
+  options.follow = true;
+  start(showing({{MetricID::cpuUsage, MetricID::none}}), options);
+  for (const std::uint64_t percent : {30U, 31U, 32U}) {
+    setUsage(percent);
+    time.advance(Seconds{1});
+  }
+  emptyPipe();
+  setUsage(32);
+  time.advance(Seconds{1});
+  EXPECT_EQ(printed(), "—\n32%\n");
+  setUsage(33);
+  time.advance(Seconds{1});
+  EXPECT_EQ(printed(), "33%\n");
+  EXPECT_EQ(ends, 0);
+}
+
+TEST_F(PrintSessionTest, EndsInTimeThoughTheReaderDoesNotRead) {
+  fillPipe();
+  PrintOptions options;
+  options.follow = true;
+  options.timeout = Seconds{3};
+  options.hasTimeout = true;
+  start(showing({{MetricID::cpuUsage, MetricID::none}}), options);
+  time.advance(Seconds{3});
+  EXPECT_EQ(ends, 1);
+  EXPECT_EQ(lastError, 0);
+}
+
+TEST_F(PrintSessionTest, StaysWithASinglePrintUntilItIsRead) {
+  fillPipe();
+  start(showing({{MetricID::batteryPercent, MetricID::batteryTime}}), {});
+  time.advance(Seconds{100});
+  EXPECT_EQ(ends, 0);
+  emptyPipe();
+  time.advance(Seconds{1});
+  EXPECT_EQ(printed(), "— —\n");
+  EXPECT_EQ(ends, 1);
 }
 
 TEST_F(PrintSessionTest, EndsOnceWhenASignalAsksForIt) {
