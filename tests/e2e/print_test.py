@@ -1,0 +1,132 @@
+#!/usr/bin/python3
+# SPDX-License-Identifier: MIT
+"""vantora-print as other programs start it: with good and bad arguments and
+configurations, and with standard outputs that are closed, full or not read.
+
+Usage: print_test.py PROGRAM
+"""
+
+import fcntl
+import json
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+PROGRAM = sys.argv.pop(1)
+NOTICE = "Configuração inválida preservada em disco; padrão carregado."
+VALID = ('{"schemaVersion":1,"intervalSeconds":1,"modules":[],"gap":4,"horizontalPadding":3,'
+         '"verticalPadding":0,"lineGap":0,"paused":false}')
+
+
+class PrintTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.home = pathlib.Path(folder.name)
+        self.document = self.home / "Vantora/configuration.json"
+        self.environment = dict(os.environ, XDG_CONFIG_HOME=folder.name)
+
+    def start(self, *arguments, stdout=subprocess.PIPE, preexec_fn=None):
+        return subprocess.run([PROGRAM, *arguments], stdout=stdout, stderr=subprocess.PIPE,
+                              env=self.environment, preexec_fn=preexec_fn, timeout=30)
+
+    def report(self):
+        result = self.start("--format", "json", "--timeout", "0.05")
+        self.assertEqual(result.returncode, 0, result.stderr)
+        return json.loads(result.stdout)
+
+    def store(self, content):
+        self.document.parent.mkdir(exist_ok=True)
+        self.document.write_text(content)
+
+    def test_starts_from_the_defaults_without_a_document(self):
+        report = self.report()
+        self.assertEqual(len(report["modules"]), 3)
+        self.assertIsNone(report["notice"])
+        self.assertEqual(os.listdir(self.home), [])
+
+    def test_reads_the_stored_document(self):
+        self.store(VALID)
+        self.assertEqual(self.report()["modules"], [])
+
+    def test_tells_of_every_document_that_it_cannot_use_and_leaves_it_alone(self):
+        for content in ["", "no JSON", "[" * 300000, VALID.replace('"intervalSeconds":1',
+                                                                  '"intervalSeconds":3')]:
+            self.store(content)
+            report = self.report()
+            self.assertEqual(report["notice"], NOTICE)
+            self.assertEqual(len(report["modules"]), 3)
+            self.assertEqual(self.document.read_text(), content)
+
+    def test_tells_of_a_document_that_is_no_file_and_of_a_huge_one(self):
+        self.document.mkdir(parents=True)
+        self.assertEqual(self.report()["notice"], NOTICE)
+        self.document.rmdir()
+        os.mkfifo(self.document)
+        self.assertEqual(self.report()["notice"], NOTICE)
+        self.document.unlink()
+        with open(self.document, "wb") as file:
+            file.truncate(100_000_000)
+        self.assertEqual(self.report()["notice"], NOTICE)
+
+    def test_tells_of_the_document_on_standard_error_where_the_format_has_no_place_for_it(self):
+        self.store("no JSON")
+        for form in ["text", "i3bar", "waybar"]:
+            result = self.start("--format", form, "--timeout", "0.05")
+            self.assertEqual(result.stderr.decode(), f"vantora-print: {NOTICE}\n")
+        self.assertEqual(self.start("--format", "json", "--timeout", "0.05").stderr, b"")
+
+    def test_refuses_bad_arguments_in_one_line(self):
+        result = self.start("--format", "xml")
+        self.assertEqual(result.returncode, 2)
+        self.assertEqual(result.stdout, b"")
+        self.assertEqual(result.stderr.count(b"\n"), 1)
+
+    def test_ends_quietly_where_standard_output_is_closed(self):
+        for arguments in [(), ("--follow",), ("--format", "json"), ("--help",)]:
+            result = self.start(*arguments, stdout=None, preexec_fn=lambda: os.close(1))
+            self.assertEqual((result.returncode, result.stderr), (0, b""), arguments)
+
+    def test_prints_where_only_its_other_streams_are_closed(self):
+        def close_others():
+            os.close(0)
+            os.close(2)
+        result = self.start("--timeout", "0.05", preexec_fn=close_others)
+        self.assertEqual(result.returncode, 0)
+        self.assertEqual(result.stdout.count(b"\n"), 1)
+
+    def test_ends_quietly_when_its_reader_leaves(self):
+        read_end, write_end = os.pipe()
+        os.close(read_end)
+        try:
+            result = self.start("--follow", stdout=write_end)
+        finally:
+            os.close(write_end)
+        self.assertEqual((result.returncode, result.stderr), (0, b""))
+
+    def test_says_why_nothing_can_be_written(self):
+        with open("/dev/full", "wb") as full:
+            for arguments in [("--timeout", "0.05"), ("--follow",), ("--help",)]:
+                result = self.start(*arguments, stdout=full)
+                self.assertEqual(result.returncode, 1, arguments)
+                self.assertIn("não foi possível escrever", result.stderr.decode())
+
+    def test_never_waits_for_a_reader_that_does_not_read(self):
+        for flags in [0, os.O_NONBLOCK]:
+            read_end, write_end = os.pipe()
+            fcntl.fcntl(write_end, fcntl.F_SETFL, os.O_NONBLOCK)
+            try:
+                while os.write(write_end, b"\n" * 4096):
+                    pass
+            except BlockingIOError:
+                fcntl.fcntl(write_end, fcntl.F_SETFL, flags)
+            result = self.start("--follow", "--timeout", "0.3", stdout=write_end)
+            self.assertEqual((result.returncode, result.stderr), (0, b""))
+            os.close(read_end)
+            os.close(write_end)
+
+
+unittest.main(verbosity=2)
