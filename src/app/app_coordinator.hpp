@@ -40,8 +40,8 @@ struct AppParts {
   std::unique_ptr<CodexQuotaProvider> quota;
   std::unique_ptr<ClaudeQuotaProvider> claudeQuota;
   std::unique_ptr<PowerEvents> powerEvents;
-  /// Null in a program that has no window.
-  SettingsWindow* settingsWindow = nullptr;
+  /// Null in a program that has no window. It shows the model and the providers above.
+  std::unique_ptr<SettingsWindow> settingsWindow;
   /// Null in a program that opens no pages.
   UrlOpener* urlOpener = nullptr;
   /// Ends the program's main loop; empty where the user cannot ask for it.

@@ -204,7 +204,7 @@ TEST_F(AppCoordinatorTest, OpensTheSettingsAtAClickWithTheReadingsOfTheMoment) {
   loginItem.current = LoginItemStatus::enabled;
   EXPECT_EQ(coordinator->model().snapshot(), MetricSnapshot());
   item_.actions.openSettings("token");
-  EXPECT_THAT(window.tokens, testing::ElementsAre("token"));
+  EXPECT_THAT(window->tokens, testing::ElementsAre("token"));
   EXPECT_EQ(coordinator->model().snapshot(), coordinator->snapshot());
   EXPECT_EQ(coordinator->model().loginItemStatus(), LoginItemStatus::enabled);
 }
@@ -214,20 +214,20 @@ TEST_F(AppCoordinatorTest, CopiesReadingsToTheModelOnlyWhileTheWindowIsVisible) 
   setUsage(30);
   time.advance(Seconds{1});
   EXPECT_EQ(coordinator->model().snapshot(), MetricSnapshot());
-  window.isOpen = true;
+  window->isOpen = true;
   setUsage(30);
   time.advance(Seconds{1});
   EXPECT_EQ(coordinator->model().snapshot(), coordinator->snapshot());
   clients.codex[0]->completion(codex_result::NeedsAuthentication());
   EXPECT_EQ(coordinator->model().snapshot().codex.status, CodexQuotaStatus::needsAuthentication);
-  window.isOpen = false;
+  window->isOpen = false;
   clients.claude[0]->completion(claude_result::NeedsAuthentication());
   EXPECT_NE(coordinator->model().snapshot(), coordinator->snapshot());
 }
 
 TEST_F(AppCoordinatorTest, GivesTheWindowThePictureThatTheItemShows) {
   start(showing({{MetricID::cpuUsage, MetricID::none}}));
-  EXPECT_EQ(window.previews, item_.shown);
+  EXPECT_EQ(window->previews, item_.shown);
 }
 
 TEST_F(AppCoordinatorTest, PausesAndResumesFromTheMenu) {
@@ -258,22 +258,22 @@ TEST_F(AppCoordinatorTest, IgnoresAReopeningWithinThreeSecondsOfItsStart) {
   start(showing({}));
   time.advance(Seconds{2.999});
   EXPECT_FALSE(coordinator->reopen());
-  EXPECT_TRUE(window.tokens.empty());
+  EXPECT_TRUE(window->tokens.empty());
   time.advance(Seconds{0.001});
   EXPECT_TRUE(coordinator->reopen("token"));
-  EXPECT_THAT(window.tokens, testing::ElementsAre("token"));
+  EXPECT_THAT(window->tokens, testing::ElementsAre("token"));
 }
 
 TEST_F(AppCoordinatorTest, EndsItsChildrenAndItsListeningAtTermination) {
   start(withQuotas());
   coordinator->model().setConfiguration(showing({}));
   coordinator->model().setConfiguration(withQuotas());
-  window.isOpen = true;
+  window->isOpen = true;
   coordinator->terminate();
   EXPECT_TRUE(clients.codex.back()->isCancelled);
   EXPECT_TRUE(clients.claude.back()->isCancelled);
   EXPECT_FALSE(power.onDidWake);
-  EXPECT_FALSE(window.isOpen);
+  EXPECT_FALSE(window->isOpen);
 }
 
 TEST_F(AppCoordinatorTest, DoesNotFlushASaveThatWaitsAtTermination) {

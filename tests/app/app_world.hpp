@@ -49,6 +49,8 @@ struct AppWorld {
     battery = fakeBattery.get();
     SamplingSources sources{std::move(fakeTicks), std::make_unique<FakeNetworkSource>(),
                             std::move(fakeBattery), std::make_unique<FakeSensorSource>()};
+    auto fakeWindow = std::make_unique<FakeSettingsWindow>();
+    window = fakeWindow.get();
     coordinator = AppCoordinator::create(
         {*main, time, item, engine,
          std::make_unique<SettingsModel>(*main, ConfigurationStore(folder.path()), loginItem,
@@ -59,7 +61,7 @@ struct AppWorld {
          std::make_unique<ClaudeQuotaProvider>(
              ClaudeQuotaProvider::Ports{*main, time, clients.claudeFactory(),
                                         [] { return "/bin/claude"; }, [] { return 0.0; }}),
-         std::make_unique<FakePowerEvents>(power), hasWindow ? &window : nullptr,
+         std::make_unique<FakePowerEvents>(power), hasWindow ? std::move(fakeWindow) : nullptr,
          hasWindow ? &urlOpener : nullptr, [this] { ++quits; }});
   }
 
@@ -85,7 +87,7 @@ struct AppWorld {
   FakeUserDefaults defaults;
   FakeTextEngine engine;
   FakeQuotaClients clients;
-  FakeSettingsWindow window;
+  FakeSettingsWindow* window = nullptr;
   FakeUrlOpener urlOpener;
   PowerEvents::Handlers power;
   bool hasWindow = true;

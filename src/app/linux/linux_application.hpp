@@ -27,6 +27,7 @@ class LinuxApplication {
 
   [[nodiscard]] UvLoop& loop() { return loop_; }
   [[nodiscard]] const Clock& clock() const { return clock_; }
+  [[nodiscard]] ChildProcessLauncher& launcher() { return launcher_; }
 
   /// The parts of a coordinator without window and browser. Reads the configuration.
   [[nodiscard]] AppParts parts(StatusItem& statusItem, TextEngine& textEngine);

@@ -3,6 +3,8 @@
 // The agent on Linux: chooses the adapters and runs the main loop.
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -15,8 +17,11 @@
 #include "platform/linux/freetype_text_engine.hpp"
 #include "platform/linux/linux_status_item.hpp"
 #include "platform/linux/xdg_folders.hpp"
+#include "platform/linux/xdg_url_opener.hpp"
 #include "runtime/resident_memory.hpp"
 #include "runtime/termination_signals.hpp"
+#include "settings/agent/settings_process.hpp"
+#include "status/rasterise.hpp"
 
 namespace vantora {
 namespace {
@@ -24,6 +29,25 @@ namespace {
 // What a person who started the program in a terminal, or reads the session's log, is told.
 void say(std::string_view line) {
   std::fprintf(stderr, "vantora: %.*s\n", static_cast<int>(line.size()), line.data());
+}
+
+// The window's program stands beside this one, in a build folder as where it is installed.
+std::unique_ptr<SettingsWindow> settingsWindow(LinuxApplication& application, AppParts& parts) {
+  const std::filesystem::path own = ownExecutable().value_or("/usr/bin/vantora");
+  auto window = std::make_unique<SettingsProcess>(SettingsProcess::Parts{
+      .queue = parts.mainQueue,
+      .clock = parts.clock,
+      .launcher = application.launcher(),
+      .model = *parts.model,
+      .executable = own.parent_path() / "vantora-settings",
+      .rasterise = [&engine = parts.textEngine](
+                       const StatusImage& image,
+                       double scale) { return rasterise(image, engine, scale); },
+      .codexExecutable = [&quota = *parts.quota] { return quota.executableDescription(); },
+      .claudeExecutable = [&quota = *parts.claudeQuota] { return quota.executableDescription(); },
+  });
+  window->onFailure = [](const std::string& message) { say(message); };
+  return window;
 }
 
 int run() {
@@ -46,7 +70,11 @@ int run() {
   if (const char* display = std::getenv("DISPLAY"); display != nullptr && *display != '\0') {
     statusItem.useTray(loop.raw(), display);
   }
-  const auto coordinator = AppCoordinator::create(application.parts(statusItem, textEngine));
+  XdgUrlOpener urlOpener(loop.raw());
+  AppParts parts = application.parts(statusItem, textEngine);
+  parts.settingsWindow = settingsWindow(application, parts);
+  parts.urlOpener = &urlOpener;
+  const auto coordinator = AppCoordinator::create(std::move(parts));
   const TerminationSignals signals(loop.raw(), [&loop] { loop.stop(); });
   coordinator->launch();
   bus.open();
