@@ -5,9 +5,10 @@
 A mocked machine (umockdev) and a mocked logind (dbusmock, on a bus of the test's own) on the
 outside, the adapters in a program of their own on the inside.
 
-    umockdev-wrapper /usr/bin/python3 power_test.py PROBE MACHINES
+    umockdev-wrapper /usr/bin/python3 power_test.py PROBE PRINT MACHINES
 """
 
+import json
 import os
 import select
 import subprocess
@@ -23,7 +24,7 @@ from gi.repository import UMockdev  # noqa: E402
 
 import dbusmock  # noqa: E402
 
-PROBE, MACHINES = "", ""
+PROBE, PRINT, MACHINES = "", "", ""
 PATIENCE = 10  # seconds
 
 
@@ -149,6 +150,40 @@ class PowerTest(unittest.TestCase):
         self.assertIsNone(probe.line(patience=0.3))
 
 
+class PrintTest(unittest.TestCase):
+    """The same through vantora-print, with the configuration of the first start."""
+
+    def samples(self, machine):
+        mocked = Machine(machine)
+        with tempfile.TemporaryDirectory() as home:
+            environment = dict(
+                os.environ,
+                UMOCKDEV_DIR=mocked.testbed.get_root_dir(),
+                DBUS_SYSTEM_BUS_ADDRESS="unix:path=/nowhere/at/all",
+                HOME=home,
+                XDG_CONFIG_HOME=home,
+            )
+            output = subprocess.run(
+                [PRINT, "--format", "json"], env=environment, check=True,
+                stdout=subprocess.PIPE, timeout=60,
+            ).stdout
+        return json.loads(output)
+
+    def test_prints_the_readings_of_an_xps(self):
+        printed = self.samples("dell-xps-13-9370")
+        samples = printed["samples"]
+        self.assertEqual(samples["batteryPercent"]["value"], 70)
+        self.assertEqual(samples["batteryTime"]["value"], 48)
+        self.assertEqual(samples["cpuTemperature"]["value"], 52)
+        self.assertTrue(printed["batteryOnAC"] and printed["batteryCharging"])
+
+    def test_prints_reasons_where_a_machine_has_nothing(self):
+        samples = self.samples("raspberry-pi-4")["samples"]
+        self.assertEqual(samples["batteryPercent"]["quality"], "unavailable")
+        self.assertEqual(samples["batteryPercent"]["source"], "Bateria interna indisponível")
+        self.assertEqual(samples["cpuTemperature"]["value"], 47.712)
+
+
 class SleepTest(unittest.TestCase):
     def setUp(self):
         self.folder = tempfile.TemporaryDirectory()
@@ -227,5 +262,5 @@ class SleepTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    PROBE, MACHINES = sys.argv[1:3]
-    unittest.main(argv=sys.argv[:1] + sys.argv[3:])
+    PROBE, PRINT, MACHINES = sys.argv[1:4]
+    unittest.main(argv=sys.argv[:1] + sys.argv[4:])

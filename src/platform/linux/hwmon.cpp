@@ -82,7 +82,8 @@ constexpr std::array<std::string_view, 8> boardChips{"nct", "it8",     "w83", "f
 std::vector<Chip> chips(const std::string& root) {
   std::vector<Chip> found;
   for (const std::string& entry : Sysfs::namesIn(root)) {
-    std::string path = root + "/" + entry;
+    std::string path = root;
+    path.append("/").append(entry);
     const UniqueFd directory = Sysfs::openDirectory(path);
     if (!directory) {
       continue;
