@@ -5,14 +5,13 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstring>
-#include <string>
+#include <functional>
 #include <utility>
-#include <variant>
 
 #include "app/macos/macos_application.hpp"
 #include "app/print/cell_text_engine.hpp"
 #include "app/print/print_options.hpp"
+#include "app/print/print_program.hpp"
 #include "app/print/print_session.hpp"
 #include "platform/macos/application_folders.hpp"
 #include "runtime/termination_signals.hpp"
@@ -36,14 +35,14 @@ int run(const PrintOptions& options) {
   PrintSession session(options, output, application.mainQueue(), application.clock(),
                        [&](int error) {
                          if (error != 0) {
-                           std::fprintf(stderr, "vantora-print: não foi possível escrever: %s\n",
-                                        std::strerror(error));
+                           PrintProgram::complainOfOutput(error);
                            status = 1;
                          }
                          stopLoop();
                        });
   end = [&session] { session.stop(); };
   const auto coordinator = AppCoordinator::create(application.parts(session, textEngine));
+  PrintProgram::tellNotice(coordinator->model().notice(), options.format);
   // From the loop, so that an end in the very first print stops it.
   application.mainQueue().post([&] { session.start(*coordinator); });
   CFRunLoopRun();
@@ -55,10 +54,5 @@ int run(const PrintOptions& options) {
 }  // namespace vantora
 
 int main(int argc, char** argv) {
-  const auto parsed = vantora::parsePrintOptions(argc, argv);
-  if (const auto* exit = std::get_if<vantora::PrintExit>(&parsed)) {
-    std::fputs(exit->text.c_str(), exit->status == 0 ? stdout : stderr);
-    return exit->status;
-  }
-  return vantora::run(std::get<vantora::PrintOptions>(parsed));
+  return vantora::PrintProgram::start(argc, argv, &vantora::run);
 }

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+//
+// What the mains of vantora-print have in common: the standard streams, the command line
+// and the messages for people.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "app/print/print_options.hpp"
+
+namespace vantora::PrintProgram {
+
+/// Reads the command line and calls `run`, unless there is nothing to run for: help, a
+/// mistake, or a standard output that the caller closed. Answers the exit status. Before
+/// anything is opened.
+[[nodiscard]] int start(int argc, const char* const* argv, int (*run)(const PrintOptions& options));
+
+/// Says on standard error why nothing can be written (errno).
+void complainOfOutput(int error);
+
+/// Says on standard error what the user is to know of the configuration. Not where the
+/// format carries it.
+void tellNotice(const std::optional<std::string>& notice, PrintFormat format);
+
+}  // namespace vantora::PrintProgram
