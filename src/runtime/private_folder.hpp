@@ -6,7 +6,7 @@
 namespace vantora {
 
 /// Creates the folder `path` with the parents that it lacks, for the user alone (0700,
-/// as the XDG Base Directory Specification asks for). False when it is not there after
+/// as freedesktop.org's XDG Base Directory asks for). False when it is not there after
 /// that. Folders that exist keep their permissions.
 bool makePrivateFolder(const std::string& path);
 

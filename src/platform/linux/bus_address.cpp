@@ -6,7 +6,7 @@
 namespace vantora {
 namespace {
 
-// D-Bus specification, "Server addresses": bytes other than these are written as %XX.
+// freedesktop.org, D-Bus, "Server Addresses": bytes other than these are written as %XX.
 bool isOptionallyEscaped(char byte) {
   constexpr std::string_view others = "-_/.\\*";
   return (byte >= '0' && byte <= '9') || (byte >= 'a' && byte <= 'z') ||

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The desktop's ".desktop" files (Desktop Entry Specification 1.5), as far as starting a
-// program with the session needs them (Desktop Application Autostart Specification 0.5).
+// The desktop's ".desktop" files (freedesktop.org, Desktop Entry 1.5), as far as starting a
+// program with the session needs them (Desktop Application Autostart 0.5).
 #pragma once
 
 #include <functional>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Where the desktop keeps the user's files (XDG Base Directory Specification 0.8).
+// Where the desktop keeps the user's files (freedesktop.org, XDG Base Directory 0.8).
 #pragma once
 
 #include <filesystem>
