@@ -82,7 +82,7 @@ HelperFolder::~HelperFolder() {
 
 std::string HelperFolder::makeHelperScript(const std::string& scenario,
                                            const std::vector<std::string>& arguments) const {
-  const std::string path = path_ + "/" + scenario;
+  std::string path = path_ + "/" + scenario;
   std::ofstream file(path);
   file << "#!/bin/sh\nexec " << quoted(VANTORA_CHILD_HELPER) << " " << quoted(scenario);
   for (const std::string& argument : arguments) {

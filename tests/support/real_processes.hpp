@@ -23,6 +23,7 @@ struct ProcessCensus {
   bool operator==(const ProcessCensus&) const = default;
   [[nodiscard]] static ProcessCensus take();
 };
+// NOLINTNEXTLINE(readability-identifier-naming): the name that GoogleTest looks for
 void PrintTo(const ProcessCensus& census, std::ostream* stream);
 
 /// Whether the process exists and is no zombie.
