@@ -114,6 +114,56 @@ TEST(PrintFormatter, WritesEverythingAsOneJsonObject) {
   EXPECT_EQ(object["notice"], "aviso");
 }
 
+TEST(PrintFormatter, WritesEveryFieldOfBothQuotaStates) {
+  Scene scene;
+  const WallTime reset = now + std::chrono::hours(2);
+  scene.snapshot.codex = {.status = CodexQuotaStatus::stale,
+                          .usedPercent = 12.5,
+                          .resetAt = reset,
+                          .lastSuccess = now,
+                          .limitID = "semanal",
+                          .candidates = {},
+                          .message = "Mensagem do Codex.",
+                          .ordinaryUsageAllowed = true,
+                          .accountID = "conta",
+                          .settings = {.enabled = true,
+                                       .intervalMinutes = 5,
+                                       .selectedLimitID = "semanal",
+                                       .showUsed = true,
+                                       .oneDecimal = true,
+                                       .showResetDate = true}};
+  scene.snapshot.claude = {
+      .status = ClaudeQuotaStatus::ready,
+      .weeklyUsed = 101.0,
+      .weeklyResetAt = reset,
+      .sessionUsed = 3.0,
+      .sessionResetAt = reset,
+      .lastSuccess = now,
+      .message = "Mensagem do Claude.",
+      .settings = {.enabled = true, .intervalMinutes = 10, .showUsed = true, .oneDecimal = true}};
+  const auto json = parseJson(PrintFormatter::jsonLine(scene.report()));
+  ASSERT_TRUE(json);
+  EXPECT_EQ((*json)["codex"], *parseJson(R"({
+    "status":"stale","usedPercent":12.5,"resetAt":"2026-09-21T16:13:20Z",
+    "lastSuccess":"2026-09-21T14:13:20Z","limitID":"semanal","candidates":[],
+    "message":"Mensagem do Codex.","ordinaryUsageAllowed":true,"accountID":"conta",
+    "settings":{"enabled":true,"intervalMinutes":5,"selectedLimitID":"semanal",
+      "showUsed":true,"oneDecimal":true,"showResetDate":true}})"));
+  EXPECT_EQ((*json)["claude"], *parseJson(R"({
+    "status":"ready","weeklyUsed":101.0,"weeklyResetAt":"2026-09-21T16:13:20Z",
+    "sessionUsed":3.0,"sessionResetAt":"2026-09-21T16:13:20Z",
+    "lastSuccess":"2026-09-21T14:13:20Z","message":"Mensagem do Claude.",
+    "settings":{"enabled":true,"intervalMinutes":10,"showUsed":true,"oneDecimal":true}})"));
+}
+
+TEST(PrintFormatter, TellsWaybarWhenItIsPaused) {
+  Scene scene;
+  scene.configuration.paused = true;
+  const auto json = parseJson(PrintFormatter::waybarLine(scene.report()));
+  ASSERT_TRUE(json);
+  EXPECT_EQ((*json)["class"], "paused");
+}
+
 TEST(PrintFormatter, WritesJsonEvenWhenANameIsNotUtf8) {
   Scene scene;
   scene.snapshot.networkName = "\xff";
