@@ -24,45 +24,45 @@ TEST(MetricID, HasNineteenDistinctIdentifiersThatReadBack) {
 // Every text as the user reads it.
 TEST(MetricID, IsListedUnderItsTitleWithItsFamilyAndItsWidestText) {
   struct Row {
-    MetricID metric;
     std::string_view id;
     std::string_view title;
-    std::optional<MetricFamily> family;
     std::string_view reservedText;
+    MetricID metric;
+    std::optional<MetricFamily> family;
   };
   const Row rows[] = {
-      {MetricID::none, "none", "Linha vazia", std::nullopt, ""},
-      {MetricID::batteryPercent, "batteryPercent", "Bateria · porcentagem", MetricFamily::battery,
-       "100%"},
-      {MetricID::batteryTime, "batteryTime", "Bateria · tempo estimado", MetricFamily::battery,
-       "166:39"},
-      {MetricID::batteryTemperature, "batteryTemperature", "Bateria · temperatura média (SMC)",
-       MetricFamily::sensors, "999°C"},
-      {MetricID::upload, "upload", "Rede · upload", MetricFamily::network, "0,99M"},
-      {MetricID::download, "download", "Rede · download", MetricFamily::network, "0,99M"},
-      {MetricID::cpuUsage, "cpuUsage", "CPU · uso total", MetricFamily::cpu, "100%"},
-      {MetricID::cpuTemperature, "cpuTemperature", "CPU · maior temperatura (SMC experimental)",
-       MetricFamily::sensors, "999°C"},
-      {MetricID::fan1Percent, "fan1Percent", "Ventoinha 1 · % do RPM máximo (SMC)",
-       MetricFamily::sensors, "100%"},
-      {MetricID::fan2Percent, "fan2Percent", "Ventoinha 2 · % do RPM máximo (SMC)",
-       MetricFamily::sensors, "100%"},
-      {MetricID::fan1RPM, "fan1RPM", "Ventoinha 1 · RPM (SMC)", MetricFamily::sensors, "99999"},
-      {MetricID::fan2RPM, "fan2RPM", "Ventoinha 2 · RPM (SMC)", MetricFamily::sensors, "99999"},
-      {MetricID::adapterWatts, "adapterWatts", "Adaptador · potência informada",
-       MetricFamily::battery, ">9999W"},
-      {MetricID::inputWatts, "inputWatts", "Entrada no Mac · potência (não validada)", std::nullopt,
-       ">9999W"},
-      {MetricID::batteryChargeWatts, "batteryChargeWatts",
-       "Bateria · potência de carga (não validada)", std::nullopt, ">9999W"},
-      {MetricID::codexWeeklyPercent, "codexWeeklyPercent", "Codex · cota semanal (%)",
-       MetricFamily::codex, "100%*"},
-      {MetricID::codexWeeklyReset, "codexWeeklyReset", "Codex · tempo até renovar",
-       MetricFamily::codex, "14h59m"},
-      {MetricID::claudeWeeklyPercent, "claudeWeeklyPercent", "Claude · cota semanal (%)",
-       MetricFamily::claude, "100%*"},
-      {MetricID::claudeSessionPercent, "claudeSessionPercent", "Claude · janela de 5 horas (%)",
-       MetricFamily::claude, "100%*"},
+      {"none", "Linha vazia", "", MetricID::none, std::nullopt},
+      {"batteryPercent", "Bateria · porcentagem", "100%", MetricID::batteryPercent,
+       MetricFamily::battery},
+      {"batteryTime", "Bateria · tempo estimado", "166:39", MetricID::batteryTime,
+       MetricFamily::battery},
+      {"batteryTemperature", "Bateria · temperatura média (SMC)", "999°C",
+       MetricID::batteryTemperature, MetricFamily::sensors},
+      {"upload", "Rede · upload", "0,99M", MetricID::upload, MetricFamily::network},
+      {"download", "Rede · download", "0,99M", MetricID::download, MetricFamily::network},
+      {"cpuUsage", "CPU · uso total", "100%", MetricID::cpuUsage, MetricFamily::cpu},
+      {"cpuTemperature", "CPU · maior temperatura (SMC experimental)", "999°C",
+       MetricID::cpuTemperature, MetricFamily::sensors},
+      {"fan1Percent", "Ventoinha 1 · % do RPM máximo (SMC)", "100%", MetricID::fan1Percent,
+       MetricFamily::sensors},
+      {"fan2Percent", "Ventoinha 2 · % do RPM máximo (SMC)", "100%", MetricID::fan2Percent,
+       MetricFamily::sensors},
+      {"fan1RPM", "Ventoinha 1 · RPM (SMC)", "99999", MetricID::fan1RPM, MetricFamily::sensors},
+      {"fan2RPM", "Ventoinha 2 · RPM (SMC)", "99999", MetricID::fan2RPM, MetricFamily::sensors},
+      {"adapterWatts", "Adaptador · potência informada", ">9999W", MetricID::adapterWatts,
+       MetricFamily::battery},
+      {"inputWatts", "Entrada no Mac · potência (não validada)", ">9999W", MetricID::inputWatts,
+       std::nullopt},
+      {"batteryChargeWatts", "Bateria · potência de carga (não validada)", ">9999W",
+       MetricID::batteryChargeWatts, std::nullopt},
+      {"codexWeeklyPercent", "Codex · cota semanal (%)", "100%*", MetricID::codexWeeklyPercent,
+       MetricFamily::codex},
+      {"codexWeeklyReset", "Codex · tempo até renovar", "14h59m", MetricID::codexWeeklyReset,
+       MetricFamily::codex},
+      {"claudeWeeklyPercent", "Claude · cota semanal (%)", "100%*", MetricID::claudeWeeklyPercent,
+       MetricFamily::claude},
+      {"claudeSessionPercent", "Claude · janela de 5 horas (%)", "100%*",
+       MetricID::claudeSessionPercent, MetricFamily::claude},
   };
   ASSERT_EQ(std::size(rows), allMetrics.size());
   for (std::size_t index = 0; index < std::size(rows); ++index) {

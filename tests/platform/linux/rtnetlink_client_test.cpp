@@ -48,127 +48,129 @@ class RtnetlinkClientTest : public testing::Test {
   }
   // Answers each dump with one link and its end.
   void answerDumps(std::size_t nameBytes, std::uint16_t flags = 0) {
-    kernel.onQuestion = [this, nameBytes, flags](std::uint32_t sequence) {
-      kernel.queue.clear();
-      kernel.give(link(sequence, nameBytes, flags));
-      kernel.give(ending(sequence, NLMSG_DONE, 0));
+    kernel_.onQuestion = [this, nameBytes, flags](std::uint32_t sequence) {
+      kernel_.queue.clear();
+      kernel_.give(link(sequence, nameBytes, flags));
+      kernel_.give(ending(sequence, NLMSG_DONE, 0));
     };
   }
   void answerWithError(int error) {
-    kernel.onQuestion = [this, error](std::uint32_t sequence) {
-      kernel.give(ending(sequence, NLMSG_ERROR, -error));
+    kernel_.onQuestion = [this, error](std::uint32_t sequence) {
+      kernel_.give(ending(sequence, NLMSG_ERROR, -error));
     };
   }
 
-  ScriptedNetlink kernel;
-  Client client;
+  ScriptedNetlink kernel_;
+  Client client_;
 };
 
 TEST_F(RtnetlinkClientTest, AsksAgainWithRoomForAnAnswerThatIsLargerThanItsBuffer) {
   constexpr std::size_t nameBytes = 20'000;
   answerDumps(nameBytes);
-  const auto links = client.dumpLinks();
+  const auto links = client_.dumpLinks();
   ASSERT_TRUE(links.hasValue());
   ASSERT_EQ(Rtnetlink::parseLinks(links->messages).size(), 1U);
   EXPECT_EQ(Rtnetlink::parseLinks(links->messages)[0].name.size(), nameBytes);
-  EXPECT_EQ(kernel.questions, 2);
+  EXPECT_EQ(kernel_.questions, 2);
   // It keeps the larger buffer.
-  EXPECT_TRUE(client.dumpLinks().hasValue());
-  EXPECT_EQ(kernel.questions, 3);
+  EXPECT_TRUE(client_.dumpLinks().hasValue());
+  EXPECT_EQ(kernel_.questions, 3);
 }
 
 TEST_F(RtnetlinkClientTest, GivesUpOnAnswersThatGrowEachTime) {
   std::size_t nameBytes = 10'000;
-  kernel.onQuestion = [&](std::uint32_t sequence) {
-    kernel.queue.clear();
-    kernel.give(link(sequence, nameBytes += 10'000));
+  kernel_.onQuestion = [&](std::uint32_t sequence) {
+    kernel_.queue.clear();
+    kernel_.give(link(sequence, nameBytes += 10'000));
   };
-  const auto links = client.dumpLinks();
+  const auto links = client_.dumpLinks();
   ASSERT_FALSE(links.hasValue());
   EXPECT_EQ(links.fault(),
             Fault::failed("rtnetlink RTM_GETLINK falhou: errno " + std::to_string(EMSGSIZE)));
-  EXPECT_EQ(kernel.questions, 3);
+  EXPECT_EQ(kernel_.questions, 3);
 }
 
 TEST_F(RtnetlinkClientTest, NamesTheQuestionAndTheErrnoOfAnError) {
   answerWithError(EPERM);
-  EXPECT_EQ(client.dumpLinks().fault().detail, "rtnetlink RTM_GETLINK falhou: errno 1");
-  EXPECT_EQ(client.dumpAddresses().fault().detail, "rtnetlink RTM_GETADDR falhou: errno 1");
-  EXPECT_EQ(client.dumpRoutes().fault().detail, "rtnetlink RTM_GETROUTE falhou: errno 1");
-  EXPECT_EQ(client.linkCounters(7).fault(),
+  EXPECT_EQ(client_.dumpLinks().fault().detail, "rtnetlink RTM_GETLINK falhou: errno 1");
+  EXPECT_EQ(client_.dumpAddresses().fault().detail, "rtnetlink RTM_GETADDR falhou: errno 1");
+  EXPECT_EQ(client_.dumpRoutes().fault().detail, "rtnetlink RTM_GETROUTE falhou: errno 1");
+  EXPECT_EQ(client_.linkCounters(7).fault(),
             Fault::failed("rtnetlink RTM_GETSTATS falhou: errno 1"));
-  EXPECT_EQ(kernel.questions, 4);
+  EXPECT_EQ(kernel_.questions, 4);
 }
 
 TEST_F(RtnetlinkClientTest, OpensANewSocketAfterAFault) {
-  kernel.fail(ENOBUFS);
-  EXPECT_EQ(client.dumpLinks().fault().detail,
+  kernel_.fail(ENOBUFS);
+  EXPECT_EQ(client_.dumpLinks().fault().detail,
             "rtnetlink RTM_GETLINK falhou: errno " + std::to_string(ENOBUFS));
-  EXPECT_EQ(kernel.sockets, 1);
+  EXPECT_EQ(kernel_.sockets, 1);
   answerDumps(4);
-  EXPECT_TRUE(client.dumpLinks().hasValue());
-  EXPECT_EQ(kernel.sockets, 2);
-  EXPECT_TRUE(client.dumpLinks().hasValue());
-  EXPECT_EQ(kernel.sockets, 2);
+  EXPECT_TRUE(client_.dumpLinks().hasValue());
+  EXPECT_EQ(kernel_.sockets, 2);
+  EXPECT_TRUE(client_.dumpLinks().hasValue());
+  EXPECT_EQ(kernel_.sockets, 2);
 }
 
 TEST_F(RtnetlinkClientTest, DoesNotWaitForAnAnswerThatNeverComes) {
-  EXPECT_EQ(client.dumpLinks().fault().detail,
+  EXPECT_EQ(client_.dumpLinks().fault().detail,
             "rtnetlink RTM_GETLINK falhou: errno " + std::to_string(EAGAIN));
-  EXPECT_EQ(client.linkCounters(7).fault().detail,
+  EXPECT_EQ(client_.linkCounters(7).fault().detail,
             "rtnetlink RTM_GETSTATS falhou: errno " + std::to_string(EAGAIN));
 }
 
 TEST_F(RtnetlinkClientTest, TakesADumpThatKeepsChangingAsItIsAtTheThirdAttempt) {
   answerDumps(4, NLM_F_DUMP_INTR);
-  const auto links = client.dumpLinks();
+  const auto links = client_.dumpLinks();
   ASSERT_TRUE(links.hasValue());
   EXPECT_FALSE(links->isConsistent);
   EXPECT_EQ(Rtnetlink::parseLinks(links->messages).size(), 1U);
-  EXPECT_EQ(kernel.questions, 3);
+  EXPECT_EQ(kernel_.questions, 3);
 }
 
 TEST_F(RtnetlinkClientTest, BelievesNobodyButTheKernel) {
-  kernel.onQuestion = [this](std::uint32_t sequence) {
-    kernel.give(counters(sequence, 666), /*sender=*/4321);
-    kernel.give(counters(sequence, 100));
+  kernel_.onQuestion = [this](std::uint32_t sequence) {
+    kernel_.give(counters(sequence, 666), /*sender=*/4321);
+    kernel_.give(counters(sequence, 100));
   };
-  EXPECT_EQ(client.linkCounters(7)->received, 100U);
+  EXPECT_EQ(client_.linkCounters(7)->received, 100U);
 }
 
 TEST_F(RtnetlinkClientTest, TakesNoLateAnswerForAnother) {
-  kernel.onQuestion = [this](std::uint32_t sequence) {
-    kernel.give(counters(sequence - 1, 666));
-    kernel.give(counters(sequence, 100));
+  kernel_.onQuestion = [this](std::uint32_t sequence) {
+    kernel_.give(counters(sequence - 1, 666));
+    kernel_.give(counters(sequence, 100));
   };
-  EXPECT_EQ(client.linkCounters(7)->received, 100U);
+  EXPECT_EQ(client_.linkCounters(7)->received, 100U);
 }
 
 TEST_F(RtnetlinkClientTest, GoesOnAfterASignal) {
-  kernel.onQuestion = [this](std::uint32_t sequence) {
-    kernel.fail(EINTR);
-    kernel.give(counters(sequence, 100));
+  kernel_.onQuestion = [this](std::uint32_t sequence) {
+    kernel_.fail(EINTR);
+    kernel_.give(counters(sequence, 100));
   };
-  EXPECT_EQ(client.linkCounters(7)->received, 100U);
+  EXPECT_EQ(client_.linkCounters(7)->received, 100U);
 }
 
 TEST_F(RtnetlinkClientTest, TellsALinkThatIsGoneFromAFailureAndKeepsItsSocket) {
   answerWithError(ENODEV);
-  EXPECT_EQ(client.linkCounters(7).fault().kind, Fault::Kind::absent);
-  EXPECT_EQ(client.linkCounters(7).fault().kind, Fault::Kind::absent);
-  EXPECT_EQ(kernel.sockets, 1);
+  EXPECT_EQ(client_.linkCounters(7).fault().kind, Fault::Kind::absent);
+  EXPECT_EQ(client_.linkCounters(7).fault().kind, Fault::Kind::absent);
+  EXPECT_EQ(kernel_.sockets, 1);
 }
 
 TEST_F(RtnetlinkClientTest, SaysThatCountersCannotBeReadWhereTheAnswerMakesNoSense) {
   const std::string unreadable = "rtnetlink RTM_GETSTATS falhou: errno " + std::to_string(EBADMSG);
-  kernel.give(std::vector<std::byte>(3));
-  EXPECT_EQ(client.linkCounters(7).fault().detail, unreadable);
-  kernel.give({});
-  EXPECT_EQ(client.linkCounters(7).fault().detail, unreadable);
-  kernel.onQuestion = [this](std::uint32_t sequence) { kernel.give(counters(sequence, 5)); };
-  EXPECT_EQ(client.linkCounters(8).fault().detail, unreadable);  // of another link
-  kernel.onQuestion = [this](std::uint32_t sequence) { kernel.give(counters(sequence, 5, 4000)); };
-  EXPECT_EQ(client.linkCounters(7).fault().detail,
+  kernel_.give(std::vector<std::byte>(3));
+  EXPECT_EQ(client_.linkCounters(7).fault().detail, unreadable);
+  kernel_.give({});
+  EXPECT_EQ(client_.linkCounters(7).fault().detail, unreadable);
+  kernel_.onQuestion = [this](std::uint32_t sequence) { kernel_.give(counters(sequence, 5)); };
+  EXPECT_EQ(client_.linkCounters(8).fault().detail, unreadable);  // of another link
+  kernel_.onQuestion = [this](std::uint32_t sequence) {
+    kernel_.give(counters(sequence, 5, 4000));
+  };
+  EXPECT_EQ(client_.linkCounters(7).fault().detail,
             "rtnetlink RTM_GETSTATS falhou: errno " + std::to_string(EMSGSIZE));
 }
 
