@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 namespace vantora::test {
 namespace {
@@ -29,7 +30,8 @@ ssize_t answer(void* buffer, size_t size, sockaddr* sender) {
   address.nl_family = AF_NETLINK;
   address.nl_pid = datagram.sender;
   std::memcpy(sender, &address, sizeof address);
-  std::memcpy(buffer, datagram.bytes.data(), std::min(size, datagram.bytes.size()));
+  std::copy_n(datagram.bytes.begin(), std::min(size, datagram.bytes.size()),
+              static_cast<std::byte*>(buffer));
   return static_cast<ssize_t>(datagram.bytes.size());  // MSG_TRUNC: of the whole
 }
 
