@@ -108,8 +108,8 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   const Seconds launchedAtUptime_;
   MetricSnapshot snapshot_;
   int samplingRounds_ = 0;
-  std::optional<std::string> lastSignature_;              // of what was drawn last
-  std::optional<AppConfiguration> lastConfiguration_;     // of what was drawn last
+  std::optional<std::string> lastSignature_;               // of what was drawn last
+  std::optional<AppConfiguration> lastConfiguration_;      // of what was drawn last
   std::optional<AppConfiguration> samplingConfiguration_;  // handed to the sampling last
 };
 
