@@ -116,14 +116,13 @@ void WindowModel::duplicateModule(const UUID& id) {
   }
   ModuleConfiguration copy = *found;
   copy.id = UUID::random();
-  insert(std::move(copy),
-         static_cast<std::size_t>(found - state_.configuration.modules.begin()) + 1);
+  insert(copy, static_cast<std::size_t>(found - state_.configuration.modules.begin()) + 1);
 }
 
-void WindowModel::insert(ModuleConfiguration module, std::size_t index) {
+void WindowModel::insert(const ModuleConfiguration& module, std::size_t index) {
   AppConfiguration next = state_.configuration;
   const UUID id = module.id;
-  if (!next.insertAtTop(std::move(module))) {
+  if (!next.insertAtTop(module)) {
     ownNotice_ = tooManyText;
     changed({WindowField::notice});
     return;
@@ -147,10 +146,10 @@ void WindowModel::moveModule(const UUID& id, std::size_t index) {
   if (found == next.modules.end()) {
     return;
   }
-  ModuleConfiguration module = std::move(*found);
+  const ModuleConfiguration module = *found;
   next.modules.erase(found);
   const std::size_t place = std::min(index, next.modules.size());
-  next.modules.insert(next.modules.begin() + static_cast<std::ptrdiff_t>(place), std::move(module));
+  next.modules.insert(next.modules.begin() + static_cast<std::ptrdiff_t>(place), module);
   edit(std::move(next), std::nullopt);
 }
 

@@ -99,7 +99,7 @@ class WindowModel {
   void send(const SettingsProtocol::WindowMessage& message);
   void takeOver(const SettingsProtocol::StateChange& change, WindowState next);
   void edit(AppConfiguration configuration, std::optional<UUID> pendingScrollID);
-  void insert(ModuleConfiguration module, std::size_t index);
+  void insert(const ModuleConfiguration& module, std::size_t index);
   void request(SettingsProtocol::PathIntent intent,
                const std::optional<std::filesystem::path>& chosen);
   void changed(WindowFields fields) const;

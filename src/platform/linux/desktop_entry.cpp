@@ -65,12 +65,12 @@ std::string programOf(std::string_view exec) {
   bool isQuoted = false;
   for (std::size_t at = 0; at < line.size(); ++at) {
     const char letter = line[at];
+    const char next = at + 1 < line.size() ? line[at + 1] : '\0';
     if (letter == '"') {
       isQuoted = !isQuoted;
-    } else if (isQuoted && letter == '\\' && at + 1 < line.size()) {
-      program += line[++at];
-    } else if (letter == '%' && at + 1 < line.size() && line[at + 1] == '%') {
-      program += line[++at];
+    } else if ((isQuoted && letter == '\\' && next != '\0') || (letter == '%' && next == '%')) {
+      program += next;
+      ++at;
     } else if (!isQuoted && (letter == ' ' || letter == '\t')) {
       if (!program.empty()) {
         break;
