@@ -378,7 +378,8 @@ TEST_F(ConfigurationImportTest, DescribesWhatTheSystemRefuses) {
 
 TEST_F(ConfigurationImportTest, RefusesWhatIsNoConfigurationDocument) {
   std::string utf16 = "\xff\xfe";
-  for (const char letter : *ConfigurationCodec::encode({})) {
+  const std::string document = *ConfigurationCodec::encode({});
+  for (const char letter : document) {
     utf16 += letter;
     utf16 += '\0';
   }

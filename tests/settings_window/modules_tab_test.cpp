@@ -264,6 +264,7 @@ TEST_F(ModulesTabTest, MovesAModuleFromTheMenuOfItsHandle) {
   row(b_)->handle().click();
   auto* menu = row(b_)->handle().findChild<QMenu*>();
   ASSERT_NE(menu, nullptr);
+  EXPECT_TRUE(menu->isVisible());
   ASSERT_EQ(menu->actions().size(), 4);
   EXPECT_EQ(menu->actions()[0]->text().remove(QLatin1Char('&')), QStringLiteral("Mover para cima"));
   menu->actions()[0]->trigger();

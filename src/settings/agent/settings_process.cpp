@@ -39,11 +39,11 @@ void call(const std::function<void()>& callback) {
 }  // namespace
 
 SettingsProcess::SettingsProcess(Parts parts) : parts_(std::move(parts)) {
-  parts_.model.onFieldChange = [this](SettingsModel::Field) { touch(); };
-}
-
-SettingsProcess::~SettingsProcess() {
-  parts_.model.onFieldChange = nullptr;
+  parts_.model.onFieldChange = [this, alive = std::weak_ptr(alive_)](SettingsModel::Field) {
+    if (!alive.expired()) {
+      touch();
+    }
+  };
 }
 
 void SettingsProcess::show(std::string_view activationToken) {

@@ -47,9 +47,9 @@ class SettingsProcess final : public SettingsWindow {
     std::function<std::string()> claudeExecutable;
   };
 
-  /// Takes the model's onFieldChange. What the parts refer to must outlive it.
+  /// Takes the model's onFieldChange. What the parts refer to must live as long as this is
+  /// used; only the launcher must still be there when it ends.
   explicit SettingsProcess(Parts parts);
-  ~SettingsProcess() override;
   SettingsProcess(const SettingsProcess&) = delete;
   SettingsProcess& operator=(const SettingsProcess&) = delete;
 
@@ -83,7 +83,8 @@ class SettingsProcess final : public SettingsWindow {
   [[nodiscard]] WindowState currentState();
 
   Parts parts_;
-  std::shared_ptr<int> alive_ = std::make_shared<int>(0);  // what posted tasks hold weakly
+  std::shared_ptr<int> alive_ =
+      std::make_shared<int>(0);  // what posted tasks and the model hold weakly
   StatusPresentation presentation_;
   bool isPictureOld_ = true;
 

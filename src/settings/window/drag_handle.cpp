@@ -5,9 +5,9 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMouseEvent>
-#include <QPainter>
 #include <QStyle>
 #include <QStyleOption>
+#include <QStylePainter>
 
 #include "settings/window/qt_text.hpp"
 
@@ -18,6 +18,16 @@ DragHandle::DragHandle() {
   setFocusPolicy(Qt::StrongFocus);
   setCursor(Qt::OpenHandCursor);
   setToolTip(qtText("Arraste para ordenar, ou use ↑ e ↓"));
+  // The button's own, so that assistive tools find it below the button.
+  auto* menu = new QMenu(this);
+  const std::pair<const char*, Step> entries[] = {{"Mover para &cima", Step::up},
+                                                  {"Mover para &baixo", Step::down},
+                                                  {"Mover para o &início", Step::first},
+                                                  {"Mover para o &fim", Step::last}};
+  for (const auto& [text, wanted] : entries) {
+    menu->addAction(qtText(text), this, [this, wanted = wanted] { step(wanted); });
+  }
+  setMenu(menu);
   // Reached by a click without a mouse: the space bar or an assistive tool.
   QObject::connect(this, &QToolButton::clicked, this, [this] { openMenu(); });
 }
@@ -78,9 +88,12 @@ void DragHandle::keyPressEvent(QKeyEvent* event) {
   QToolButton::keyPressEvent(event);
 }
 
-void DragHandle::paintEvent(QPaintEvent* event) {
-  QToolButton::paintEvent(event);  // Focus and hover.
-  QPainter painter(this);
+void DragHandle::paintEvent(QPaintEvent* /*event*/) {
+  QStylePainter painter(this);
+  QStyleOptionToolButton option;
+  initStyleOption(&option);
+  option.features &= ~QStyleOptionToolButton::HasMenu;  // No arrow: it is dragged first of all.
+  painter.drawComplexControl(QStyle::CC_ToolButton, option);
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(Qt::NoPen);
   QColor ink = palette().color(QPalette::ButtonText);
@@ -115,16 +128,7 @@ void DragHandle::drop(bool isCancelled) {
 }
 
 void DragHandle::openMenu() {
-  auto* menu = new QMenu(this);
-  menu->setAttribute(Qt::WA_DeleteOnClose);
-  const std::pair<const char*, Step> entries[] = {{"Mover para &cima", Step::up},
-                                                  {"Mover para &baixo", Step::down},
-                                                  {"Mover para o &início", Step::first},
-                                                  {"Mover para o &fim", Step::last}};
-  for (const auto& [text, wanted] : entries) {
-    menu->addAction(qtText(text), this, [this, wanted = wanted] { step(wanted); });
-  }
-  menu->popup(mapToGlobal(QPoint(0, height())));
+  menu()->popup(mapToGlobal(QPoint(0, height())));
 }
 
 }  // namespace vantora

@@ -16,7 +16,9 @@ SettingsView::SettingsView(WindowModel& model)
     : model_(model), tabs_(new QTabWidget), notice_(Controls::makeText()) {
   setWindowTitle(qtText("Configurações do Vantora"));
   resize(640, 520);
-  auto* column = new QVBoxLayout(this);
+  auto* content = new QWidget;
+  setCentralWidget(content);
+  auto* column = new QVBoxLayout(content);
   column->addWidget(tabs_, 1);
   notice_->setObjectName(QStringLiteral("footerNotice"));
   column->addWidget(notice_);
@@ -66,13 +68,13 @@ void SettingsView::closeEvent(QCloseEvent* event) {
   if (onPlaceChange) {
     onPlaceChange();
   }
-  QWidget::closeEvent(event);
+  QMainWindow::closeEvent(event);
 }
 
 void SettingsView::paintEvent(QPaintEvent* event) {
   // The window may have come to a screen of another scale, or the screen's have changed.
   model_.setScale(devicePixelRatioF());
-  QWidget::paintEvent(event);
+  QMainWindow::paintEvent(event);
 }
 
 void SettingsView::raiseWith(const std::string& activationToken) {

@@ -2,8 +2,9 @@
 #pragma once
 
 #include <QLabel>
+#include <QMainWindow>
 #include <QTabWidget>
-#include <QWidget>
+
 #include <functional>
 #include <string>
 #include <vector>
@@ -15,7 +16,7 @@ namespace vantora {
 
 /// "Configurações do Vantora": the six tabs, and the notice below them. Takes the model's
 /// callbacks.
-class SettingsView final : public QWidget {
+class SettingsView final : public QMainWindow {
  public:
   explicit SettingsView(WindowModel& model);
 

@@ -1,0 +1,293 @@
+# SPDX-License-Identifier: MIT
+"""settings_test.py VANTORA [FOLDER]
+
+The real agent and its real settings window under Xvfb, driven through the accessibility
+bus as a screen reader would: edit, reorder, pause, export, import, restore, close. Each
+step is looked up in the configuration that the agent saved. With FOLDER, a picture of the
+screen after each step goes there. Packages: xvfb, dbus-daemon, at-spi2-core,
+gir1.2-atspi-2.0, python3-gi; imagemagick for the pictures.
+"""
+import json
+import os
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+
+PATIENCE = 20  # seconds: for a loaded machine, never for the program
+
+
+def until(what, look):
+    """What `look` answers once that is neither false nor an error."""
+    deadline = time.monotonic() + PATIENCE
+    while True:
+        try:
+            found = look()
+        except Exception as error:  # the tree changes under the one who reads it
+            found = None
+            problem = error
+        else:
+            problem = found
+        if found:
+            return found
+        if time.monotonic() > deadline:
+            raise SystemExit(f"settings_test: never came: {what} ({problem!r})")
+        time.sleep(0.05)
+
+
+class Session:
+    """A screen, a message bus and a home of the test's own."""
+
+    def __init__(self):
+        self.home = tempfile.mkdtemp(prefix="vantora-e2e-")
+        self.children = []
+        for name in ("DBUS_SESSION_BUS_ADDRESS", "WAYLAND_DISPLAY", "XDG_ACTIVATION_TOKEN",
+                     "AT_SPI_BUS_ADDRESS", "QT_QPA_PLATFORM"):
+            os.environ.pop(name, None)
+        os.environ.update(
+            HOME=self.home, XDG_CONFIG_HOME=self.home + "/config", XDG_RUNTIME_DIR=self.home,
+            NO_AT_BRIDGE="0", QT_ACCESSIBILITY="1", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
+        read, write = os.pipe()
+        self.start(["Xvfb", "-displayfd", str(write), "-screen", "0", "1000x800x24",
+                    "-nolisten", "tcp"], pass_fds=[write])
+        os.close(write)
+        os.environ["DISPLAY"] = ":" + os.fdopen(read).readline().strip()
+        bus = self.start(["dbus-daemon", "--session", "--nofork", "--print-address"],
+                         stdout=subprocess.PIPE, text=True)
+        os.environ["DBUS_SESSION_BUS_ADDRESS"] = bus.stdout.readline().strip()
+
+    def start(self, command, **options):
+        options.setdefault("stdout", subprocess.DEVNULL)
+        child = subprocess.Popen(command, stderr=subprocess.DEVNULL, **options)
+        self.children.append(child)
+        return child
+
+    def end(self):
+        for child in reversed(self.children):
+            if child.poll() is None:
+                child.terminate()
+                try:
+                    child.wait(5)
+                except subprocess.TimeoutExpired:
+                    child.kill()
+        shutil.rmtree(self.home, ignore_errors=True)
+
+
+class Panel:
+    """As much of a panel as the agent needs to offer its item."""
+
+    INTERFACE = """<node><interface name='org.kde.StatusNotifierWatcher'>
+      <method name='RegisterStatusNotifierItem'><arg type='s' direction='in'/></method>
+      <method name='RegisterStatusNotifierHost'><arg type='s' direction='in'/></method>
+      <property name='RegisteredStatusNotifierItems' type='as' access='read'/>
+      <property name='IsStatusNotifierHostRegistered' type='b' access='read'/>
+      <property name='ProtocolVersion' type='i' access='read'/>
+      <signal name='StatusNotifierHostRegistered'/></interface></node>"""
+
+    def __init__(self, gio, glib):
+        self.bus = gio.bus_get_sync(gio.BusType.SESSION)
+        self.item = None
+        properties = {
+            "RegisteredStatusNotifierItems": glib.Variant("as", []),
+            "IsStatusNotifierHostRegistered": glib.Variant("b", True),
+            "ProtocolVersion": glib.Variant("i", 0)}
+
+        def call(_bus, sender, _path, _interface, method, parameters, invocation):
+            if method == "RegisterStatusNotifierItem":
+                name = parameters.unpack()[0]
+                self.item = sender if name.startswith("/") else name
+            invocation.return_value(None)
+
+        # In a context of its own: the accessibility library turns the usual one itself.
+        def serve():
+            context = glib.MainContext.new()
+            context.push_thread_default()
+            node = gio.DBusNodeInfo.new_for_xml(self.INTERFACE)
+            self.bus.register_object("/StatusNotifierWatcher", node.interfaces[0], call,
+                                     lambda *about: properties[about[-1]], None)
+            gio.bus_own_name_on_connection(self.bus, "org.kde.StatusNotifierWatcher",
+                                           gio.BusNameOwnerFlags.NONE, None, None)
+            glib.MainLoop(context).run()
+
+        threading.Thread(target=serve, daemon=True).start()
+
+    def click(self, glib, gio):
+        item = until("the status item", lambda: self.item)
+        self.bus.call_sync(item, "/StatusNotifierItem", "org.kde.StatusNotifierItem", "Activate",
+                           glib.Variant("(ii)", (0, 0)), None, gio.DBusCallFlags.NONE, 5000, None)
+
+
+class Window:
+    """The settings window as the accessibility bus tells it."""
+
+    def __init__(self, atspi):
+        self.atspi = atspi
+        self.frame = None
+
+    def open(self):
+        def find():
+            desktop = self.atspi.get_desktop(0)
+            for index in range(desktop.get_child_count()):
+                application = desktop.get_child_at_index(index)
+                for place in range(application.get_child_count()):
+                    frame = application.get_child_at_index(place)
+                    if frame.get_name().startswith("Configurações do Vantora"):
+                        return frame
+            return None
+        self.frame = until("the window", find)
+        return self
+
+    def application(self):
+        return self.frame.get_application()
+
+    def _search(self, root, role, name):
+        if not self._is_showing(root) and root.get_role_name() != "application":
+            return None  # nothing below shows either
+        if root.get_role_name() == role and name(root.get_name()):
+            return root
+        for index in range(root.get_child_count()):
+            found = self._search(root.get_child_at_index(index), role, name)
+            if found:
+                return found
+        return None
+
+    def _is_showing(self, control):
+        return control.get_state_set().contains(self.atspi.StateType.SHOWING)
+
+    def find(self, role, name, root=None):
+        match = name if callable(name) else lambda text: text == name
+        return until(f"{role} {name}",
+                     lambda: self._search(root or self.application(), role, match))
+
+    def press(self, role, name):
+        control = self.find(role, name)
+        names = [self.atspi.Action.get_action_name(control, index)
+                 for index in range(self.atspi.Action.get_n_actions(control))]
+        wanted = next(i for i, n in enumerate(names) if n in ("Press", "Toggle"))
+        self.atspi.Action.do_action(control, wanted)
+
+    def type(self, field, text):
+        self.atspi.EditableText.set_text_contents(field, text)
+
+    def choose(self, entry):
+        """The entry of the open menu: the toolkit leads assistive tools there by focus alone."""
+        time.sleep(0.5)  # until the menu has the keyboard, which nobody tells
+        for key in [0xff54] * entry + [0xff0d]:  # Down, Return
+            self.atspi.generate_keyboard_event(key, None, self.atspi.KeySynthType.SYM)
+            time.sleep(0.1)
+
+    def tab(self, name):
+        def select():
+            page = self.find("page tab", name)
+            if page.get_state_set().contains(self.atspi.StateType.SELECTED):
+                return True
+            self.atspi.Selection.select_child(page.get_parent(), page.get_index_in_parent())
+            return False
+        until(f"tab {name}", select)
+
+
+def main():
+    program = os.path.abspath(sys.argv[1])
+    pictures = sys.argv[2] if len(sys.argv) > 2 else None
+    session = Session()
+    try:
+        run(session, program, pictures)
+    finally:
+        session.end()
+    print("settings_test: all steps passed")
+
+
+def run(session, program, pictures):
+    # Only now: the library connects to the buses that the environment names.
+    import gi
+    gi.require_version("Atspi", "2.0")
+    from gi.repository import Atspi, Gio, GLib
+
+    file = session.home + "/config/Vantora/configuration.json"
+
+    def saved():
+        with open(file, encoding="utf-8") as opened:
+            return json.load(opened)
+
+    steps = 0
+
+    def step(name):
+        nonlocal steps
+        steps += 1
+        print(f"{steps}. {name}")
+        if pictures:
+            os.makedirs(pictures, exist_ok=True)
+            subprocess.run(["import", "-window", "root", f"{pictures}/{steps:02}.png"],
+                           check=False)
+
+    panel = Panel(Gio, GLib)
+    agent = session.start([program])
+    panel.click(GLib, Gio)
+    began = time.monotonic()
+    window = Window(Atspi).open()
+    step(f"the window opened within {time.monotonic() - began:.2f} s of the click")
+
+    width = window.find("spin button", lambda n: n.startswith("Largura, módulo 1 ("))
+    Atspi.Value.set_current_value(width, 77)
+    until("the width saved", lambda: saved()["modules"][0]["width"] == 77)
+    step("a width was edited and saved")
+
+    before = [module["id"] for module in saved()["modules"]]
+    window.press("push button", lambda n: n.startswith("Mover, módulo 2 ("))
+    window.choose(1)
+    until("the order saved", lambda: [m["id"] for m in saved()["modules"]] ==
+          [before[1], before[0], *before[2:]])
+    step("a module was moved up")
+
+    window.tab("Geral")
+    window.press("check box", "Pausar coleta")
+    until("the pause saved", lambda: saved()["paused"] is True)
+    step("the sampling was paused")
+
+    layout = session.home + "/Vantora-layout.json"
+    window.press("push button", "Exportar JSON…")
+    dialog = window.find("dialog", lambda n: n.startswith("Exportar JSON"))
+    window.type(window.find("text", lambda n: "ome" in n, dialog), layout)
+    step("the export was asked for")
+    window.press("push button", lambda n: n.replace("&", "") in ("Salvar", "Save"))
+    until("the exported file", lambda: os.path.exists(layout))
+    window.find("label", "Configuração exportada.")
+    with open(layout, encoding="utf-8") as opened:
+        exported = json.load(opened)
+    if exported != saved():
+        raise SystemExit("settings_test: the export is not what is in force")
+    step("the configuration was exported")
+
+    exported["gap"] = 9
+    exported["paused"] = False
+    with open(layout, "w", encoding="utf-8") as opened:
+        json.dump(exported, opened)
+    window.press("push button", "Importar JSON…")
+    dialog = window.find("dialog", lambda n: n.startswith("Importar JSON"))
+    window.type(window.find("text", lambda n: "ome" in n, dialog), layout)
+    window.press("push button", lambda n: n.replace("&", "") in ("Abrir", "Open"))
+    until("the import saved", lambda: saved()["gap"] == 9 and saved()["paused"] is False)
+    step("a layout was imported")
+
+    window.press("push button", "Restaurar padrão")
+    window.find("push button", "Cancelar")
+    window.press("push button", "Restaurar")
+    until("the defaults saved", lambda: saved()["gap"] == 4 and
+          saved()["modules"][0]["width"] == 34 and saved()["modules"][0]["top"] ==
+          "batteryPercent")
+    step("the defaults were restored")
+
+    child = window.application().get_process_id()
+    agent.send_signal(signal.SIGTERM)
+    agent.wait(PATIENCE)
+    if agent.returncode != 0:
+        raise SystemExit(f"settings_test: the agent ended with {agent.returncode}")
+    until("the window's end", lambda: not os.path.exists(f"/proc/{child}"))
+    step("the window ended with the agent")
+
+
+if __name__ == "__main__":
+    main()
