@@ -18,17 +18,11 @@
 
 namespace vantora::test {
 
-/// The real window without a screen, with the test in the agent's place.
+/// The real window without a screen, with the test in the agent's place. The program's
+/// main makes the application.
 class WindowTest : public testing::Test {
  protected:
   WindowTest() {
-    static int argc = 1;
-    static char name[] = "window-tests";
-    static char* argv[] = {name, nullptr};
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    // Never destroyed: the toolkit's own statics may be gone before ours.
-    static const auto* application = new QApplication(argc, argv);
-    (void)application;
     model_.emplace([this](std::string_view line) { lines_.emplace_back(line); }, panels_);
     agent_.configuration.modules[0].gapAfter = 12;
     agent_.configuration.modules[2].top = MetricID::fan1RPM;

@@ -19,6 +19,7 @@
 #include "platform/linux/xdg_folders.hpp"
 #include "platform/linux/xdg_url_opener.hpp"
 #include "runtime/resident_memory.hpp"
+#include "runtime/standard_streams.hpp"
 #include "runtime/termination_signals.hpp"
 #include "settings/agent/settings_process.hpp"
 #include "status/rasterise.hpp"
@@ -72,6 +73,9 @@ int run() {
   }
   XdgUrlOpener urlOpener(loop.raw());
   AppParts parts = application.parts(statusItem, textEngine);
+  if (const auto& notice = parts.model->notice()) {
+    say(*notice);
+  }
   parts.settingsWindow = settingsWindow(application, parts);
   parts.urlOpener = &urlOpener;
   const auto coordinator = AppCoordinator::create(std::move(parts));
@@ -93,6 +97,7 @@ int run() {
 }  // namespace vantora
 
 int main(int argc, char** argv) {
+  vantora::StandardStreams::openMissing();
   if (argc > 1) {
     std::fprintf(stderr, "vantora: argumento desconhecido: %s (não há opções)\n", argv[1]);
     return 2;

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+//
+// Qt's application must end before main does: at exit its libraries are already gone.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  const QApplication application(argc, argv);
+  return RUN_ALL_TESTS();
+}
