@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <string>
 #include <utility>
 
 #include "app/app_coordinator.hpp"
@@ -15,9 +16,16 @@
 #include "platform/macos/application_folders.hpp"
 #include "platform/macos/workspace_url_opener.hpp"
 #include "runtime/termination_signals.hpp"
+#include "settings/agent/settings_process.hpp"
+#include "status/rasterise.hpp"
 
 namespace vantora {
 namespace {
+
+// What a person who started the program in a terminal, or reads the system's log, is told.
+void say(const std::string& line) {
+  std::fprintf(stderr, "vantora: %s\n", line.c_str());
+}
 
 // Everything that lives as long as the program, in the order in which it is needed.
 class Agent {
@@ -26,6 +34,7 @@ class Agent {
       : application_(std::move(applicationSupport), [] { [NSApp terminate:nil]; }) {
     AppParts parts = application_.parts(statusItem_, textEngine_);
     parts.urlOpener = &urlOpener_;
+    parts.settingsWindow = settingsWindow(parts);
     coordinator_ = AppCoordinator::create(std::move(parts));
     coordinator_->launch();
   }
@@ -36,6 +45,22 @@ class Agent {
   bool reopen() { return coordinator_->reopen(); }
 
  private:
+  std::unique_ptr<SettingsWindow> settingsWindow(const AppParts& parts) {
+    auto window = std::make_unique<SettingsProcess>(SettingsProcess::Parts{
+        .queue = application_.mainQueue(),
+        .clock = application_.clock(),
+        .launcher = application_.launcher(),
+        .model = *parts.model,
+        .executable = bundledProgram("vantora-settings").string(),
+        .rasterise = [this](const StatusImage& image,
+                            double scale) { return rasterise(image, textEngine_, scale); },
+        .codexExecutable = [&quota = *parts.quota] { return quota.executableDescription(); },
+        .claudeExecutable = [&quota = *parts.claudeQuota] { return quota.executableDescription(); },
+    });
+    window->onFailure = [](const std::string& message) { say(message); };
+    return window;
+  }
+
   MacOSApplication application_;
   AppKitStatusItem statusItem_;
   AppKitTextEngine textEngine_;
@@ -56,7 +81,7 @@ class Agent {
 - (void)applicationDidFinishLaunching:(NSNotification*)__unused notification {
   auto folder = vantora::applicationSupportFolder();
   if (!folder) {
-    std::fputs("vantora: o macOS não informa a pasta Application Support\n", stderr);
+    vantora::say("o macOS não informa a pasta Application Support");
     std::exit(EXIT_FAILURE);
   }
   agent_ = std::make_unique<vantora::Agent>(std::move(*folder));
