@@ -51,17 +51,21 @@ class Session:
             HOME=self.home, XDG_CONFIG_HOME=self.home + "/config", XDG_RUNTIME_DIR=self.home,
             NO_AT_BRIDGE="0", QT_ACCESSIBILITY="1", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
         read, write = os.pipe()
-        self.start(["Xvfb", "-displayfd", str(write), "-screen", "0", "1000x800x24",
-                    "-nolisten", "tcp"], pass_fds=[write])
+        # Without -noreset the server begins anew, deaf for a moment, when the agent has
+        # looked for a tray and left.
+        self.start(["Xvfb", "-displayfd", str(write), "-noreset", "-screen", "0",
+                    "1000x800x24", "-nolisten", "tcp"], pass_fds=[write])
         os.close(write)
-        os.environ["DISPLAY"] = ":" + os.fdopen(read).readline().strip()
+        with os.fdopen(read) as answer:
+            os.environ["DISPLAY"] = ":" + answer.readline().strip()
         bus = self.start(["dbus-daemon", "--session", "--nofork", "--print-address"],
                          stdout=subprocess.PIPE, text=True)
         os.environ["DBUS_SESSION_BUS_ADDRESS"] = bus.stdout.readline().strip()
 
     def start(self, command, **options):
         options.setdefault("stdout", subprocess.DEVNULL)
-        child = subprocess.Popen(command, stderr=subprocess.DEVNULL, **options)
+        options.setdefault("stderr", subprocess.DEVNULL)
+        child = subprocess.Popen(command, **options)
         self.children.append(child)
         return child
 
@@ -189,6 +193,11 @@ def main():
     session = Session()
     try:
         run(session, program, pictures)
+    except SystemExit:
+        if pictures:
+            os.makedirs(pictures, exist_ok=True)
+            subprocess.run(["import", "-window", "root", f"{pictures}/failure.png"], check=False)
+        raise
     finally:
         session.end()
     print("settings_test: all steps passed")
@@ -218,7 +227,7 @@ def run(session, program, pictures):
                            check=False)
 
     panel = Panel(Gio, GLib)
-    agent = session.start([program])
+    agent = session.start([program], stderr=None)
     panel.click(GLib, Gio)
     began = time.monotonic()
     window = Window(Atspi).open()

@@ -63,6 +63,19 @@ TEST_F(WindowProcessTest, AnswersTheStateAndEndsWithItsInput) {
   EXPECT_TRUE(std::filesystem::exists(folder_ / "Vantora/settings-window.ini"));
 }
 
+TEST_F(WindowProcessTest, OpensWithTheTabWhereTheLastOneEnded) {
+  std::filesystem::create_directories(folder_ / "Vantora");
+  test::writeBytes(folder_ / "Vantora/settings-window.ini", "[General]\ntab=4\n");
+  const auto child = start();
+  ASSERT_TRUE(child->write(stateLine({}, {1, 0, allWindowFields})));
+  processes_.runUntil([this] { return output_.ends_with('\n'); });
+  child->closeInput();
+  runUntilExit();
+  const std::string kept = test::readBytes(folder_ / "Vantora/settings-window.ini");
+  EXPECT_THAT(kept, testing::HasSubstr("tab=4\n"));
+  EXPECT_THAT(kept, testing::HasSubstr("geometry="));
+}
+
 TEST_F(WindowProcessTest, EndsWithItsInputBeforeItEverShowedAnything) {
   const auto child = start();
   child->closeInput();

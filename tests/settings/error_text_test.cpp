@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+#include "settings/error_text.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <clocale>
+#include <cstdlib>
+#include <string>
+
+#include "settings/temporary_folder.hpp"
+
+namespace vantora {
+namespace {
+
+// Sets a variable of the environment until the test ends.
+class Variable {
+ public:
+  Variable(const char* name, const std::string& value) : name_(name) {
+    if (const char* before = std::getenv(name)) {
+      before_ = before;
+    }
+    ::setenv(name, value.c_str(), 1);
+  }
+  ~Variable() {
+    if (before_.empty()) {
+      ::unsetenv(name_);
+    } else {
+      ::setenv(name_, before_.c_str(), 1);
+    }
+  }
+  Variable(const Variable&) = delete;
+  Variable& operator=(const Variable&) = delete;
+
+ private:
+  const char* name_;
+  std::string before_;
+};
+
+TEST(SystemErrorText, DescribesAnErrorAndLeavesErrnoAlone) {
+  const Variable locale("LC_ALL", "C");
+  errno = EPERM;
+  EXPECT_EQ(systemErrorText(ENOENT), "No such file or directory");
+  EXPECT_EQ(errno, EPERM);
+}
+
+TEST(SystemErrorText, FallsBackWhereTheUsersLocaleIsNotInstalled) {
+  const Variable locale("LC_ALL", "xx_YY.UTF-8");
+  EXPECT_EQ(systemErrorText(ENOSPC), "No space left on device");
+}
+
+TEST(SystemErrorText, SpeaksTheUsersLanguageInUTF8) {
+  const test::TemporaryFolder folder;
+  // A character set other than UTF-8 on purpose: the text must come as UTF-8 all the same.
+  const std::string make =
+      "localedef -i pt_BR -f ISO-8859-1 '" + (folder / "pt_BR").string() + "' > /dev/null 2>&1";
+  if (std::system(make.c_str()) != 0 ||
+      !std::filesystem::exists("/usr/share/locale/pt_BR/LC_MESSAGES/libc.mo")) {
+    GTEST_SKIP() << "needs localedef and the C library's translations (package locales)";
+  }
+  const Variable path("LOCPATH", folder.path().string());
+  const Variable locale("LC_ALL", "pt_BR");
+  EXPECT_EQ(systemErrorText(ENOSPC), "Não há espaço disponível no dispositivo");
+  EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), "C");
+}
+
+}  // namespace
+}  // namespace vantora
