@@ -231,6 +231,7 @@ TEST_F(ClaudeCodeUsageClientTest, TellsTheEndOfTheOutputAfterAGrace) {
 TEST_F(ClaudeCodeUsageClientTest, TellsTheEndOfTheProcessAfterAGrace) {
   start();
   end();
+  EXPECT_EQ(queue->lastLeeway(), Seconds{0});
   expectAfterGrace(Failure{ended});
 }
 

@@ -145,10 +145,14 @@ TEST(ClaudeQuotaFormatter, ChangesHalfASecondAfterTheSoonestMoment) {
 }
 
 TEST(ClaudeQuotaFormatter, LooksOnlyAtTheResetsOfTheShownLines) {
-  const ClaudeQuotaState state = readyState();
+  ClaudeQuotaState state = readyState();
   EXPECT_NEAR(nextChange(state, {MetricID::claudeWeeklyPercent}).value(), 1740.5, 1e-6);
   EXPECT_NEAR(nextChange(state, {MetricID::claudeSessionPercent}).value(), 600.5, 1e-6);
   EXPECT_NEAR(nextChange(state, {}).value(), 1740.5, 1e-6);
+
+  std::swap(state.weeklyResetAt, state.sessionResetAt);
+  EXPECT_NEAR(nextChange(state, {MetricID::claudeWeeklyPercent}).value(), 600.5, 1e-6);
+  EXPECT_NEAR(nextChange(state, {MetricID::claudeSessionPercent}).value(), 1740.5, 1e-6);
 }
 
 TEST(ClaudeQuotaFormatter, DropsMomentsThatHavePassed) {

@@ -258,6 +258,14 @@ TEST_F(ClaudeQuotaScheduleTest, QueriesOnceAfterAReset) {
   expectQueryAfter(Seconds{600});
 }
 
+TEST_F(ClaudeQuotaScheduleTest, CountsAResetFromItsVeryInstantOn) {
+  settings().intervalMinutes = 1;
+  becomeReady(Seconds{400'000}, quotaValueLifetime + Seconds{0.5});
+  failUntilTheValuesAreNearlyOld();
+  // The wake-up behind the thirty minutes is at the reset itself.
+  expectQueryAfter(Seconds{480.5});
+}
+
 TEST_F(ClaudeQuotaScheduleTest, QueriesAgainAfterTheNextReset) {
   settings().intervalMinutes = 10;
   becomeReady(Seconds{400'000}, Seconds{90});

@@ -215,7 +215,11 @@ TEST_F(CodexQuotaProviderTest, AsksForAChoiceAndFollowsIt) {
   EXPECT_EQ(state().usedPercent, 20);
 
   settings().selectedLimitID = "c";
+  takePublished();
   configure();
+  ASSERT_EQ(published_.size(), 1U);
+  EXPECT_EQ(published_[0].status, Status::connecting) << "no routine refresh";
+  EXPECT_EQ(published_[0].usedPercent, 20);
   answer(two);
   EXPECT_EQ(state().status, Status::selectionRequired);
   EXPECT_EQ(state().message, "A categoria escolhida não consta da resposta atual.");

@@ -72,6 +72,14 @@ TEST_F(CodexQuotaScheduleTest, KeepsNothingButItsTimersBetweenQueries) {
   EXPECT_EQ(queue_->lastLeeway(), Seconds{0});
 }
 
+TEST_F(CodexQuotaScheduleTest, GivesItsQueriesNoLeeway) {
+  configure();
+  answerFailure();
+  // No value, so no display: the one timer is the query's.
+  EXPECT_EQ(time_.pendingCount(), 1U);
+  EXPECT_EQ(queue_->lastLeeway(), Seconds{0});
+}
+
 TEST_F(CodexQuotaScheduleTest, CountsAChangedIntervalFromTheLastQuery) {
   settings().intervalMinutes = 10;
   becomeReady();
@@ -262,6 +270,19 @@ TEST_F(CodexQuotaScheduleTest, PublishesNothingForADateThatIsShown) {
   expectPublishedAfter(Seconds{30.1});
 }
 
+TEST_F(CodexQuotaScheduleTest, CountsDownAgainAfterAFailureThatFollowsAForcedQuery) {
+  settings().intervalMinutes = 10;
+  becomeReady(Seconds{3690});
+  time_.advance(Seconds{40});
+  provider_->manualRefresh();
+  // The countdown moves on while the query runs, and is not shown then.
+  time_.advance(Seconds{51});
+  EXPECT_EQ(state().status, Status::connecting);
+  answerFailure();
+  EXPECT_EQ(state().status, Status::stale);
+  expectPublishedAfter(Seconds{59.1});
+}
+
 TEST_F(CodexQuotaScheduleTest, PublishesWhenTheValueTurnsThirtyMinutesOld) {
   showPercentOnly();
   becomeReady();
@@ -322,6 +343,15 @@ TEST_F(CodexQuotaScheduleTest, ReadsTheQuotaOnceAfterAReset) {
   answerQuota(40, secondsBetween(time_.now(), resetAt));
   EXPECT_EQ(state().resetAt, resetAt);
   expectQueryAfter(Seconds{600});
+}
+
+TEST_F(CodexQuotaScheduleTest, CountsAResetFromItsVeryInstantOn) {
+  settings().intervalMinutes = 1;
+  showPercentOnly();
+  becomeReady(quotaValueLifetime);
+  failUntilTheValueIsNearlyOld();
+  // The wake-up at thirty minutes is at the reset itself.
+  expectQueryAfter(Seconds{480});
 }
 
 TEST_F(CodexQuotaScheduleTest, ReadsTheQuotaAgainAfterTheNextReset) {
