@@ -18,6 +18,7 @@ namespace {
 using claude_result::Failure;
 using claude_result::NeedsAuthentication;
 using claude_result::Usage;
+using test::hasClosedItsInput;
 using test::HelperFolder;
 using test::isIgnoringTermination;
 using test::isRunning;
@@ -136,6 +137,22 @@ TEST_F(ClaudeCodeUsageProcessTest, StopsAFloodOfOutput) {
   expectResult(Failure{"Resposta do Claude Code acima do limite."});
 }
 
+TEST_F(ClaudeCodeUsageProcessTest, ReadsTheUsageOfAChildThatClosedItsInputEarly) {
+  // It reads the first question only; both were accepted before.
+  start("answer-and-close-input", {usage});
+  expectResult(Usage{R"({"rate_limits":null})"});
+}
+
+TEST_F(ClaudeCodeUsageProcessTest, WaitsForAChildThatClosedItsInputUntilTheDeadline) {
+  start("after-lines", {"1", "close-input"});
+  processes.runUntil([this] { return hasClosedItsInput(child); });
+  processes.runReady();
+  time.advance(Seconds{45} - Seconds{0.001});
+  EXPECT_TRUE(results.empty());
+  time.advance(Seconds{0.001});
+  expectResult(Failure{"Tempo limite do Claude Code excedido."});
+}
+
 TEST_F(ClaudeCodeUsageProcessTest, TellsThatTheOutputWasClosed) {
   startAfterQuestions({"close-output"});
   expectResult(Failure{"O Claude Code fechou a saída antes de responder."});
@@ -155,6 +172,13 @@ TEST_F(ClaudeCodeUsageProcessTest, IsNotHeldUpByAChildThatIgnoresTermination) {
   start("answer", {initialized, usage});
   expectResult(Usage{R"({"rate_limits":null})"});
   EXPECT_FALSE(isRunning(stubborn));
+}
+
+TEST_F(ClaudeCodeUsageProcessTest, EndsTheChildWhenItIsCancelled) {
+  start("silent");
+  client->cancel();
+  expectResult(claude_result::Cancelled{});
+  EXPECT_FALSE(isRunning(child));
 }
 
 TEST_F(ClaudeCodeUsageProcessTest, EndsTheChildWhenItIsDropped) {

@@ -63,6 +63,13 @@ bool isIgnoringTermination(int process) {
   return false;
 }
 
+bool hasClosedItsInput(int process) {
+  const std::string descriptors = "/proc/" + std::to_string(process) + "/fd";
+  std::error_code error;
+  return std::filesystem::exists(descriptors + "/2", error) &&
+         !std::filesystem::is_symlink(descriptors + "/0", error);
+}
+
 ChildProcessOptions helperOptions(const std::string& scenario, std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), scenario);
   return {VANTORA_CHILD_HELPER, std::move(arguments), {}, {}};

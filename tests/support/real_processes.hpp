@@ -32,6 +32,9 @@ void PrintTo(const ProcessCensus& census, std::ostream* stream);
 /// Whether the process ignores the request to end.
 [[nodiscard]] bool isIgnoringTermination(int process);
 
+/// Whether the process has no standard input any more.
+[[nodiscard]] bool hasClosedItsInput(int process);
+
 /// The helper's options: `scenario` with `arguments`.
 [[nodiscard]] ChildProcessOptions helperOptions(const std::string& scenario,
                                                 std::vector<std::string> arguments = {});
