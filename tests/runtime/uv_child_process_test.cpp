@@ -125,6 +125,18 @@ TEST_F(UvChildProcessTest, EndsTheProgramTogetherWithItsWrapper) {
   time.advance(UvChildProcessLauncher::terminationGrace);
 }
 
+TEST_F(UvChildProcessTest, KillsAProgramThatIgnoresTerminationThoughItsWrapperEnded) {
+  auto child = start("wrap", {"stubborn"});
+  const int grandchild = runUntilGrandchild();
+  child->terminate();
+  processes.runUntilBackTo(before);
+  time.advance(UvChildProcessLauncher::terminationGrace - Seconds{0.001});
+  EXPECT_TRUE(isRunning(grandchild));
+  time.advance(Seconds{0.001});
+  runUntil([&] { return !isRunning(grandchild); });
+  EXPECT_EQ(time.pendingCount(), 0U);
+}
+
 TEST_F(UvChildProcessTest, KillsAGrandchildThatIgnoresTerminationAfterTheGrace) {
   auto child = start("leave-a-grandchild", {"stubborn"});
   const int grandchild = runUntilGrandchild();

@@ -198,9 +198,13 @@ int leaveAQuietGrandchild(const Arguments& arguments) {
   return 0;
 }
 
-// The same, but the script stays: it and the program are to end together.
-int wrap(const Arguments&) {
+// The same, but the script stays: it and the program are to end together. With an argument
+// the program ignores termination, and the script does not.
+int wrap(const Arguments& arguments) {
   if (isForked()) {
+    if (!arguments.empty()) {
+      std::signal(SIGTERM, SIG_IGN);
+    }
     say(std::to_string(getpid()) + "\n");
   }
   waitForEver();
