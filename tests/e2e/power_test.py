@@ -61,18 +61,19 @@ class Machine:
         self.testbed.uevent(self.devices[device], action)
 
 
-class Probe:
-    """The program under test. Lines it says are waited for, never slept for."""
+class Program:
+    """A program under test. Lines it says are waited for, never slept for."""
 
-    def __init__(self, machine, bus_address="unix:path=/nowhere/at/all"):
+    def __init__(self, command, machine, bus_address="unix:path=/nowhere/at/all", **variables):
         # The testbed sets its variable behind Python's back.
         environment = dict(
             os.environ,
             DBUS_SYSTEM_BUS_ADDRESS=bus_address,
             UMOCKDEV_DIR=machine.testbed.get_root_dir(),
+            **variables,
         )
         self.process = subprocess.Popen(
-            [PROBE], env=environment, stdin=subprocess.PIPE, stdout=subprocess.PIPE
+            command, env=environment, stdin=subprocess.PIPE, stdout=subprocess.PIPE
         )
         self.pending = b""
 
@@ -92,6 +93,55 @@ class Probe:
         status = self.process.wait(PATIENCE)
         self.process.stdout.close()
         return status
+
+
+class Probe(Program):
+    """What the adapters see. Ends with its standard input."""
+
+    def __init__(self, machine, *bus_address):
+        super().__init__([PROBE], machine, *bus_address)
+
+
+class Following(Program):
+    """vantora-print that shows the CPU once a second, as JSON lines."""
+
+    def __init__(self, machine, bus_address, home):
+        module = {
+            "id": "7D0F3A52-3C5B-4A52-9F0C-1E1B5F0A6C11", "enabled": True, "top": "cpuUsage",
+            "bottom": "none", "widthMode": "fixed", "width": 40, "fontTop": 9, "fontBottom": 9,
+            "alignment": "left",
+        }
+        document = {
+            "schemaVersion": 1, "intervalSeconds": 1, "modules": [module], "gap": 4,
+            "horizontalPadding": 3, "verticalPadding": 0, "lineGap": 0, "paused": False,
+        }
+        os.mkdir(os.path.join(home, "Vantora"))
+        with open(os.path.join(home, "Vantora", "configuration.json"), "w") as file:
+            json.dump(document, file)
+        super().__init__(
+            [PRINT, "--follow", "--format", "json"], machine, bus_address,
+            HOME=home, XDG_CONFIG_HOME=home,
+        )
+
+    def quality(self, patience=PATIENCE):
+        """Of the CPU sample in the next line; nothing when none comes."""
+        line = self.line(patience)
+        if line is None:
+            return None
+        printed = json.loads(line)
+        assert printed["notice"] is None, printed["notice"]
+        return printed["samples"]["cpuUsage"]["quality"]
+
+    def qualities_until(self, wanted):
+        """Those that come first, up to the wanted one."""
+        seen = [self.quality()]
+        while seen[-1] not in (wanted, None):
+            seen.append(self.quality())
+        return seen
+
+    def end(self):
+        self.process.terminate()
+        return super().end()
 
 
 class PowerTest(unittest.TestCase):
@@ -259,6 +309,24 @@ class SleepTest(unittest.TestCase):
         self.sleep(False)
         self.assertEqual(probe.line(), "wake")
         self.wait_for_lock()
+
+    def test_prints_no_rate_that_spans_a_sleep(self):
+        self.machine = Machine("raspberry-pi-4")
+        self.start_logind()
+        home = tempfile.TemporaryDirectory()
+        self.addCleanup(home.cleanup)
+        printer = Following(self.machine, self.address, home.name)
+        self.addCleanup(printer.end)
+        self.assertEqual(printer.qualities_until("valid")[-1], "valid")
+        for _ in range(2):
+            self.wait_for_lock()
+            self.sleep(True)
+            self.wait_for_lock(present=False)  # everything has stopped
+            while printer.line(patience=0) is not None:
+                pass  # what was printed before
+            self.assertIsNone(printer.line(patience=2.5))
+            self.sleep(False)
+            self.assertEqual(printer.qualities_until("valid"), ["waiting", "valid"])
 
 
 if __name__ == "__main__":
