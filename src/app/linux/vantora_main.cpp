@@ -5,11 +5,13 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
 #include "app/app_coordinator.hpp"
 #include "app/linux/linux_application.hpp"
+#include "platform/linux/application_service.hpp"
 #include "platform/linux/bus_address.hpp"
 #include "platform/linux/bus_connection.hpp"
 #include "platform/linux/font_lookup_process.hpp"
@@ -51,6 +53,21 @@ std::unique_ptr<SettingsWindow> settingsWindow(LinuxApplication& application, Ap
   return window;
 }
 
+// Ends a start that is not the session's first; nothing for the one that goes on.
+std::optional<int> statusOf(ApplicationStart start) {
+  switch (start) {
+    case ApplicationStart::first:
+      return std::nullopt;
+    case ApplicationStart::another:
+      say("já está em execução nesta sessão; o pedido de abertura foi passado adiante");
+      return 0;
+    case ApplicationStart::silentAnother:
+      say("já está em execução nesta sessão, mas não responde");
+      return 1;
+  }
+  return std::nullopt;
+}
+
 int run() {
   ignoreBrokenPipes();
   const auto configHome = XdgFolders::configHome();
@@ -66,6 +83,21 @@ int run() {
   BusConnection bus(
       loop.raw(), loop.queue(),
       sessionBusAddress(std::getenv("DBUS_SESSION_BUS_ADDRESS"), std::getenv("XDG_RUNTIME_DIR")));
+  ApplicationService service(
+      bus, loop.queue(),
+      LaunchTokens::from(std::getenv("XDG_ACTIVATION_TOKEN"), std::getenv("DESKTOP_STARTUP_ID")));
+  service.onRival = [] {
+    say("há outro em execução nesta sessão; os dois continuam até que um seja encerrado");
+  };
+  // Before there is anything that can be seen: another agent may be there already.
+  bus.open();
+  while (!service.start()) {
+    uv_run(&loop.raw(), UV_RUN_ONCE);
+  }
+  if (const auto status = statusOf(*service.start())) {
+    return *status;
+  }
+  const TerminationSignals signals(loop.raw(), [&loop] { loop.stop(); });
   LinuxStatusItem statusItem(bus, loop.queue(), textEngine, {},
                              [](StatusItemSituation situation) { say(describe(situation)); });
   if (const char* display = std::getenv("DISPLAY"); display != nullptr && *display != '\0') {
@@ -79,9 +111,12 @@ int run() {
   parts.settingsWindow = settingsWindow(application, parts);
   parts.urlOpener = &urlOpener;
   const auto coordinator = AppCoordinator::create(std::move(parts));
-  const TerminationSignals signals(loop.raw(), [&loop] { loop.stop(); });
+  service.onActivate = [weak = std::weak_ptr(coordinator)](const std::string& token) {
+    if (const auto target = weak.lock()) {
+      target->reopen(token);
+    }
+  };
   coordinator->launch();
-  bus.open();
   // Once the first pictures stand in the panel, and now and then for what was needed
   // seldom since: a query, a menu, other fonts.
   constexpr Seconds settled{5};

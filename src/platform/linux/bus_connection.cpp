@@ -132,6 +132,8 @@ void BusConnection::add(Listener& listener) {
   listeners_.push_back(&listener);
   if (sd_bus* connected = bus()) {
     listener.busConnected(*connected);
+  } else if (failedAttempts_ > 0) {
+    listener.busLost();
   }
 }
 
@@ -212,10 +214,10 @@ void BusConnection::lose() {
     listener->busLost();
   }
   close();
+  ++failedAttempts_;
   if (address_.empty()) {
     return;
   }
-  ++failedAttempts_;
   const Seconds delay = busRetryDelay(failedAttempts_);
   retry_ = queue_.runAfter(delay, delay / 4, [this] { connect(); });
 }

@@ -42,8 +42,9 @@ class BusConnection {
   BusConnection(const BusConnection&) = delete;
   BusConnection& operator=(const BusConnection&) = delete;
 
-  /// A listener that comes while the connection stands hears of it at once. It must be
-  /// taken out before it is destroyed, and not from inside of its own callbacks.
+  /// A listener that comes late hears at once how things stand: that the connection
+  /// stands, or that the last attempt failed. It must be taken out before it is
+  /// destroyed, and not from inside of its own callbacks.
   void add(Listener& listener);
   void remove(Listener& listener);
 

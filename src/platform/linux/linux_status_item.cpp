@@ -34,6 +34,10 @@ LinuxStatusItem::LinuxStatusItem(BusConnection& connection, TaskQueue& queue, Te
       watcher_(connection, queue, options_.processRoot,
                [this](const StatusNotifierWatcher::State& state) { watcherChanged(state); }) {}
 
+LinuxStatusItem::~LinuxStatusItem() {
+  tray_.reset();
+}
+
 double LinuxStatusItem::thickness() const {
   return barThickness;
 }

@@ -42,6 +42,9 @@ class LinuxStatusItem final : public StatusItem,
   /// patience. Everything given here outlives the item.
   LinuxStatusItem(BusConnection& connection, TaskQueue& queue, TextEngine& engine, Options options,
                   std::function<void(StatusItemSituation)> onSituation);
+  ~LinuxStatusItem() override;
+  LinuxStatusItem(const LinuxStatusItem&) = delete;
+  LinuxStatusItem& operator=(const LinuxStatusItem&) = delete;
 
   /// Lets the item dock as a window in an X11 tray: where the panel keeps that wide but
   /// not a StatusNotifierItem, and where no panel takes the latter. `display` as in
@@ -96,13 +99,15 @@ class LinuxStatusItem final : public StatusItem,
   StatusItemSituation told_ = StatusItemSituation::shown;
   TimerHandle patience_;
 
+  // Ended first of all. It is here because the watcher tells at once how things stand.
+  std::unique_ptr<XEmbedWindow> tray_;
+  bool isTrayTooNarrow_ = false;  // for the panel that is there now
+
   // Destroyed before what they call.
   StatusNotifierItem item_;
   AppearancePortal portal_;
   StatusNotifierWatcher watcher_;
   std::unique_ptr<DBusMenu> menu_;
-  std::unique_ptr<XEmbedWindow> tray_;
-  bool isTrayTooNarrow_ = false;  // for the panel that is there now
 };
 
 }  // namespace vantora

@@ -119,6 +119,22 @@ TEST(BusConnection, AsksNoMoreWhereThereIsNoAddress) {
   EXPECT_EQ(time.pendingCount(), 0U);
 }
 
+TEST(BusConnection, TellsALateListenerThatThereIsNoBus) {
+  VirtualTime time;
+  const auto queue = time.makeQueue();
+  UvLoop loop;
+  for (const char* address : {"", "unix:path=/nowhere/at/all"}) {
+    Counter early;
+    Counter late;
+    BusConnection connection(loop.raw(), *queue, address);
+    connection.add(early);
+    EXPECT_EQ(early.lost, 0) << "no attempt was made";
+    connection.open();
+    connection.add(late);
+    EXPECT_EQ(late.lost, 1);
+  }
+}
+
 TEST(BusConnection, TakesAnAddressThatMakesNoSense) {
   VirtualTime time;
   const auto queue = time.makeQueue();

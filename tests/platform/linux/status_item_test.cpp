@@ -389,6 +389,28 @@ TEST_F(LinuxStatusItemTest, SaysThatThereIsNoBus) {
   EXPECT_EQ(situations_.size(), 1U);
 }
 
+TEST_F(LinuxStatusItemTest, SaysThatThereWasNoBusBeforeItCame) {
+  BusConnection none(loop_.raw(), *queue_, "");
+  none.open();
+  const LinuxStatusItem item(
+      none, *queue_, engine_, options_,
+      [this](StatusItemSituation situation) { situations_.push_back(situation); });
+  EXPECT_EQ(situations_, Situations{StatusItemSituation::noBus});
+}
+
+TEST_F(LinuxStatusItemTest, RegistersOnAConnectionThatStandsAlready) {
+  startPanel("waybar");
+  BusConnection connection(loop_.raw(), *queue_, bus_.address());
+  connection.open();
+  ASSERT_TRUE(until([&] { return connection.bus() != nullptr; }));
+  const LinuxStatusItem item(
+      connection, *queue_, engine_, options_,
+      [this](StatusItemSituation situation) { situations_.push_back(situation); });
+  ASSERT_TRUE(untilRegistered());
+  ASSERT_TRUE(untilShown());
+  EXPECT_EQ(situations_, Situations{StatusItemSituation::shown});
+}
+
 TEST_F(LinuxStatusItemTest, TakesTheColoursFromThePortal) {
   portal_ = std::make_unique<ScriptedPortal>(*portalConnection_, 2);
   startPanel("kded5");
