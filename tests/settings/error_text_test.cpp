@@ -2,11 +2,13 @@
 #include "settings/error_text.hpp"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <clocale>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 
 #include "settings/temporary_folder.hpp"
 
@@ -60,8 +62,14 @@ TEST(SystemErrorText, SpeaksTheUsersLanguageInUTF8) {
   }
   const Variable path("LOCPATH", folder.path().string());
   const Variable locale("LC_ALL", "pt_BR");
-  EXPECT_EQ(systemErrorText(ENOSPC), "Não há espaço disponível no dispositivo");
-  EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), "C");
+  // In a process of its own: with LOCPATH the C library loses the few bytes of that path,
+  // which the leak sanitizer would count as ours.
+  const auto speak = [] {
+    const bool isRight = systemErrorText(ENOSPC) == "Não há espaço disponível no dispositivo" &&
+                         std::string_view(std::setlocale(LC_ALL, nullptr)) == "C";
+    ::_exit(isRight ? 0 : 1);
+  };
+  EXPECT_EXIT(speak(), testing::ExitedWithCode(0), "");
 }
 
 }  // namespace
