@@ -4,6 +4,20 @@
 #include <array>
 
 namespace vantora {
+namespace {
+
+void close(uv_process_t* process) {
+  uv_close(reinterpret_cast<uv_handle_t*>(process),
+           [](uv_handle_t* handle) { delete reinterpret_cast<uv_process_t*>(handle); });
+}
+
+}  // namespace
+
+XdgUrlOpener::~XdgUrlOpener() {
+  for (uv_process_t* process : running_) {
+    close(process);
+  }
+}
 
 void XdgUrlOpener::open(const std::string& url) {
   // A first character of an option would be taken for one.
@@ -23,16 +37,19 @@ void XdgUrlOpener::open(const std::string& url) {
   options.stdio = streams.data();
   options.stdio_count = static_cast<int>(streams.size());
   options.exit_cb = [](uv_process_t* process, std::int64_t, int) {
-    uv_close(reinterpret_cast<uv_handle_t*>(process),
-             [](uv_handle_t* handle) { delete reinterpret_cast<uv_process_t*>(handle); });
+    static_cast<XdgUrlOpener*>(process->data)->running_.erase(process);
+    close(process);
   };
   auto* process = new uv_process_t;
-  // A desktop without xdg-open leaves the user where they are. The handle must be closed
-  // either way, and at the loop's end without waiting for the browser.
+  // A desktop without xdg-open leaves the user where they are; the handle is closed all
+  // the same.
   if (uv_spawn(&loop_, process, &options) != 0) {
-    options.exit_cb(process, 0, 0);
+    close(process);
     return;
   }
+  process->data = this;
+  running_.insert(process);
+  // The end of the program does not wait for the browser's.
   uv_unref(reinterpret_cast<uv_handle_t*>(process));
 }
 
