@@ -97,6 +97,30 @@ class SingleAgentTest(unittest.TestCase):
         self.assertEqual(first.wait(PATIENCE), 0)
         self.assertIsNone(self.owner())
 
+    def test_a_later_start_opens_the_window_with_its_token(self):
+        # A window's program that only notes the token, beside the agent as it looks for it.
+        noted = os.path.join(self.home, "token")
+        agent = shutil.copy(VANTORA, self.home)
+        window = os.path.join(self.home, "vantora-settings")
+        with open(window, "w", encoding="utf-8") as script:
+            script.write(f'#!/bin/sh\nprintf %s "$XDG_ACTIVATION_TOKEN" > {noted}.new\n'
+                         f"mv {noted}.new {noted}\ncat > {noted}.input\n")
+        os.chmod(window, 0o755)
+        self.start_bus()
+        before = time.monotonic()
+        first = self.start([agent], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.wait_for_name(first)
+        self.environment["XDG_ACTIVATION_TOKEN"] = "token-of-the-launcher"
+        while not os.path.exists(noted):
+            self.assertLess(time.monotonic() - before, PATIENCE, "no window came")
+            second = self.start_agent()
+            second.communicate(timeout=PATIENCE)
+            self.assertEqual(second.returncode, 0)
+        self.assertGreaterEqual(time.monotonic() - before, 3.0)
+        with open(noted, encoding="utf-8") as token:
+            self.assertEqual(token.read(), "token-of-the-launcher")
+        self.assertIsNone(first.poll())
+
     def test_an_agent_that_was_killed_blocks_nothing(self):
         self.start_bus()
         first = self.start_agent()
