@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // The agent on Linux: chooses the adapters and runs the main loop.
+#include <uv.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
