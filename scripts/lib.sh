@@ -23,18 +23,18 @@ is_there() {
   esac
 }
 
+# Whether Debian's package is installed; never where there is no dpkg.
+is_installed() {
+  has dpkg-query && dpkg-query -W -f '${Status}' "$1" 2> /dev/null | grep -q ' installed$'
+}
+
 # need GROUP...: installs what is missing of these groups. On a system without apt it
 # names what is missing and goes on with what is there.
 need() {
   local group package probe missing=()
   while read -r group package probe; do
     case " $* " in *" $group "*) ;; *) continue ;; esac
-    if has dpkg-query; then
-      dpkg-query -W -f '${Status}' "$package" 2> /dev/null | grep -q ' installed$' ||
-        missing+=("$package")
-    else
-      is_there "$probe" || missing+=("$package")
-    fi
+    is_installed "$package" || is_there "$probe" || missing+=("$package")
   done < <(grep -v '^#' scripts/packages)
   [ ${#missing[@]} -eq 0 ] && return 0
 

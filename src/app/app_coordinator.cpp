@@ -114,6 +114,14 @@ void AppCoordinator::observePower() {
       self->parts_.sampling->refreshBattery();
     }
   };
+  // Where a timer samples, it looks at the battery itself; a pass beside it would find no
+  // tick elapsed and no rate.
+  handlers.onBatteryDue = [weak] {
+    const auto self = weak.lock();
+    if (self != nullptr && !SamplingCoordinator::startsTimer(self->model().configuration())) {
+      self->parts_.sampling->refreshBattery();
+    }
+  };
   handlers.onWillSleep = weakly(weak, &AppCoordinator::willSleep);
   handlers.onDidWake = weakly(weak, &AppCoordinator::woke);
   parts_.powerEvents->start(std::move(handlers));

@@ -28,6 +28,9 @@ class PowerEvents {
     /// The system woke up. Comes once after each onWillSleep, also when the sleep was
     /// called off, as soon as the system can tell.
     std::function<void()> onDidWake;
+    /// Time to look at the battery again, whose level may have sunk without a word. Once
+    /// a minute, on systems where that can be, and only while there is a battery.
+    std::function<void()> onBatteryDue;
   };
 
   virtual ~PowerEvents() = default;

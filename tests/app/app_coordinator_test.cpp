@@ -171,6 +171,25 @@ TEST_F(AppCoordinatorTest, ReadsTheBatteryWhenThePowerSourceChanges) {
   EXPECT_EQ(battery->reads, before + 1);
 }
 
+TEST_F(AppCoordinatorTest, LooksAtADueBatteryWhereNoTimerDoes) {
+  start(showing({{MetricID::batteryPercent, MetricID::none}}));
+  const int before = battery->reads;
+  power.onBatteryDue();
+  time.runPosted();
+  EXPECT_EQ(battery->reads, before + 1);
+}
+
+TEST_F(AppCoordinatorTest, TakesNoSecondPassForADueBatteryBesideTheTimers) {
+  start(showing({{MetricID::cpuUsage, MetricID::batteryPercent}}));
+  setUsage(30);
+  time.advance(Seconds{1});
+  const int before = ticks->reads();
+  power.onBatteryDue();
+  time.runPosted();
+  EXPECT_EQ(ticks->reads(), before);
+  EXPECT_EQ(coordinator->snapshot()[MetricID::cpuUsage].quality, Quality::valid);
+}
+
 TEST_F(AppCoordinatorTest, StopsBeforeSleepAndStartsAfresh) {
   start(withQuotas());
   const int before = ticks->reads();

@@ -63,7 +63,8 @@ int main() {
                 [] {
                   std::printf("wake\n");
                   std::fflush(stdout);
-                }});
+                },
+                [] {}});
   printReadings(battery, sensorSource);
 
   uv_poll_t input;

@@ -15,7 +15,7 @@ LinuxPowerEvents::LinuxPowerEvents(uv_loop_t& loop, TaskQueue& queue, std::strin
     : bus_(loop, queue, std::move(busAddress)),
       sleep_([this](SleepHold hold) { handlers_.onWillSleep(std::move(hold)); },
              [this] { handlers_.onDidWake(); }),
-      reminder_(queue, std::move(powerSupplyRoot), [this] { handlers_.onPowerSourceChange(); }),
+      reminder_(queue, std::move(powerSupplyRoot), [this] { handlers_.onBatteryDue(); }),
       uevents_(loop, [this] {
         reminder_.refresh();
         handlers_.onPowerSourceChange();

@@ -31,7 +31,7 @@ TEST(LinuxPowerEvents, TellsSleepAndWakeFromTheLoop) {
   std::string told;
   LinuxPowerEvents events(loop.raw(), loop.queue(), daemon.address(), tree.powerSupply());
   events.start({[&] { told += "p"; }, [&](SleepHold hold) { told += hold ? "s" : "?"; },
-                [&] { told += "w"; }});
+                [&] { told += "w"; }, [] {}});
   EXPECT_EQ(told, "");
   ASSERT_TRUE(runUntil(loop, [&] { return logind.isHeld(); }));
   logind.prepareForSleep(true);
@@ -46,7 +46,7 @@ TEST(LinuxPowerEvents, RemindsOfTheBatteryAlsoWhereNoBusIs) {
   test::SysfsTree tree("thinkpad-t440s");
   int changes = 0;
   LinuxPowerEvents events(loop.raw(), *queue, "unix:path=/nowhere/at/all", tree.powerSupply());
-  events.start({[&] { ++changes; }, [](const SleepHold&) {}, [] {}});
+  events.start({[] {}, [](const SleepHold&) {}, [] {}, [&] { ++changes; }});
   time.advance(Seconds{60});
   EXPECT_EQ(changes, 1);
 }
@@ -57,7 +57,7 @@ TEST(LinuxPowerEvents, WaitsForNothingOnAMachineWithoutBatteryAndBus) {
   UvLoop loop;
   test::SysfsTree tree;
   LinuxPowerEvents events(loop.raw(), *queue, "", tree.powerSupply());
-  events.start({[] {}, [](const SleepHold&) {}, [] {}});
+  events.start({[] {}, [](const SleepHold&) {}, [] {}, [] {}});
   EXPECT_EQ(time.pendingCount(), 0U);
 }
 
