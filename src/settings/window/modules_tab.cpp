@@ -178,21 +178,19 @@ void ModulesTab::bringIntoView(ModuleRow* row) {
 
 void ModulesTab::move(ModuleRow* row, DragHandle::Step step) {
   const std::size_t place = placeOf(row);
-  std::size_t wanted = place;
-  switch (step) {
-    case DragHandle::Step::up:
-      wanted = place > 0 ? place - 1 : 0;
-      break;
-    case DragHandle::Step::down:
-      wanted = place + 1;
-      break;
-    case DragHandle::Step::first:
-      wanted = 0;
-      break;
-    case DragHandle::Step::last:
-      wanted = rows_.size();
-      break;
-  }
+  const std::size_t wanted = [&]() -> std::size_t {
+    switch (step) {
+      case DragHandle::Step::up:
+        return place > 0 ? place - 1 : 0;
+      case DragHandle::Step::down:
+        return place + 1;
+      case DragHandle::Step::first:
+        return 0;
+      case DragHandle::Step::last:
+        return rows_.size();
+    }
+    return place;
+  }();
   QWidget* focused = focusWidget();
   model().moveModule(UUID(row->id()), wanted);
   bringIntoView(row);
