@@ -39,7 +39,7 @@ int main(int argc, char** argv) {
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("vantora-settings"));
   QApplication::setApplicationDisplayName(QStringLiteral("Vantora"));
-  QApplication::setDesktopFileName(QStringLiteral("vantora"));
+  QApplication::setDesktopFileName(QStringLiteral("local.vantora.Vantora"));
   QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("vantora")));
   QTranslator translator;
   useBrazilianPortuguese(translator);

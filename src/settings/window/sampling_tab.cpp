@@ -27,20 +27,29 @@ constexpr std::string_view automaticNote =
     "Automático escolhe uma interface física ativa; tráfego de túnel VPN não é somado. Interface "
     "atual: ";
 
-constexpr std::string_view notes[] = {
+constexpr std::string_view rateNote =
     "Rede sempre em MB/s decimais, com M menor e sem setas: 125M ou 0,75M. Abaixo de 1 MB/s "
     "mostra duas casas decimais; valores menores que 0,005 MB/s arredondam para 0,00M. 1 Gbps "
-    "equivale teoricamente a 125 MB/s.",
+    "equivale teoricamente a 125 MB/s.";
+
+constexpr std::string_view averageNote =
     "A cada intervalo selecionado, mede a média dos bytes transferidos desde a leitura anterior, "
     "usando o tempo real decorrido. Não executa teste de velocidade. A primeira leitura e a troca "
-    "de interface mostram —.",
+    "de interface mostram —.";
+
+constexpr std::string_view batteryNote =
     "A porcentagem da bateria é calculada das capacidades informadas pela bateria interna. O tempo "
-    "vem da estimativa em minutos do IOKit.",
+    "vem da estimativa em minutos do IOKit.";
+
+constexpr std::string_view sensorNote =
     "CPU mais quente: maior leitura de 18 chaves térmicas Tp* da família M5, via SMC experimental. "
-    "Ventoinhas: RPM atual e porcentagem de F0Mx/F1Mx. Estas leituras são somente leitura.",
+    "Ventoinhas: RPM atual e porcentagem de F0Mx/F1Mx. Estas leituras são somente leitura.";
+
+constexpr std::string_view powerNote =
     "Potência de entrada e potência de carga ainda aguardam validação com carregador conectado; "
-    "não são substituídas pela potência nominal do adaptador.",
-};
+    "não são substituídas pela potência nominal do adaptador.";
+
+constexpr std::string_view notes[] = {rateNote, averageNote, batteryNote, sensorNote, powerNote};
 
 }  // namespace
 
