@@ -2,7 +2,6 @@
 #include "model/configuration.hpp"
 
 #include <algorithm>
-#include <utility>
 
 namespace vantora {
 namespace {
@@ -118,7 +117,7 @@ bool AppConfiguration::insertAtTop(ModuleConfiguration module) {
   if (modules.size() >= ConfigurationLimits::modules) {
     return false;
   }
-  modules.insert(modules.begin(), std::move(module));
+  modules.insert(modules.begin(), module);
   return true;
 }
 

@@ -85,7 +85,7 @@ std::optional<ModuleConfiguration> toModule(const Json& value) {
   reader.required("alignment", module.alignment, enumeration<&alignmentFromRawText>);
   reader.optional("gapAfter", module.gapAfter, asDouble);
   reader.optional("hideInactiveFans", module.hideInactiveFans, asBool);
-  return failed ? std::nullopt : std::optional(std::move(module));
+  return failed ? std::nullopt : std::optional(module);
 }
 
 std::optional<std::vector<ModuleConfiguration>> toModules(const Json& value) {
@@ -99,7 +99,7 @@ std::optional<std::vector<ModuleConfiguration>> toModules(const Json& value) {
     if (!module) {
       return std::nullopt;
     }
-    modules.push_back(*std::move(module));
+    modules.push_back(*module);
   }
   return modules;
 }

@@ -3,7 +3,6 @@
 
 #include <csignal>
 #include <cstddef>
-#include <utility>
 
 namespace vantora {
 
@@ -14,7 +13,7 @@ struct TerminationSignals::Watch {
   std::function<void()> onSignal;
 };
 
-TerminationSignals::TerminationSignals(uv_loop_t& loop, std::function<void()> onSignal) {
+TerminationSignals::TerminationSignals(uv_loop_t& loop, const std::function<void()>& onSignal) {
   constexpr std::array signals{SIGINT, SIGTERM, SIGHUP};
   for (std::size_t index = 0; index < signals.size(); ++index) {
     auto* watch = new Watch{{}, onSignal};

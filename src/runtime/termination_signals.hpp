@@ -13,7 +13,7 @@ namespace vantora {
 class TerminationSignals {
  public:
   /// `onSignal` is called on the loop's thread, at each of the signals.
-  TerminationSignals(uv_loop_t& loop, std::function<void()> onSignal);
+  TerminationSignals(uv_loop_t& loop, const std::function<void()>& onSignal);
   ~TerminationSignals();
   TerminationSignals(const TerminationSignals&) = delete;
   TerminationSignals& operator=(const TerminationSignals&) = delete;
