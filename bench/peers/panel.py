@@ -18,12 +18,23 @@ XML = """<node><interface name="org.kde.StatusNotifierWatcher">
 <signal name="StatusNotifierHostRegistered"/>
 </interface></node>"""
 
+# Panels (waybar among them) wait this long for further signals of the same change.
+DEBOUNCE_MS = 10
+
 items = []
+pending = set()
 fetches = 0
+
+
+def changed(connection, sender):
+    if sender not in pending:
+        pending.add(sender)
+        GLib.timeout_add(DEBOUNCE_MS, lambda: fetch(connection, sender))
 
 
 def fetch(connection, sender):
     """As panels do: everything at once, whatever the change was."""
+    pending.discard(sender)
 
     def done(source, result):
         global fetches
@@ -35,6 +46,7 @@ def fetch(connection, sender):
 
     connection.call(sender, "/StatusNotifierItem", "org.freedesktop.DBus.Properties", "GetAll",
                     GLib.Variant("(s)", (ITEM,)), None, Gio.DBusCallFlags.NONE, 5000, None, done)
+    return GLib.SOURCE_REMOVE
 
 
 def called(connection, sender, path, interface, method, parameters, invocation):
@@ -44,7 +56,7 @@ def called(connection, sender, path, interface, method, parameters, invocation):
         for signal in ("NewIcon", "NewToolTip"):
             connection.signal_subscribe(sender, ITEM, signal, None, None,
                                         Gio.DBusSignalFlags.NONE,
-                                        lambda c, s, *rest: fetch(c, s))
+                                        lambda c, s, *rest: changed(c, s))
         fetch(connection, sender)
         print("registered", flush=True)
 
