@@ -5,9 +5,8 @@
 #include <system_error>
 #include <utility>
 
-#include "claude/claude_code_usage_client.hpp"
+#include "app/quota_providers.hpp"
 #include "claude/claude_executable_resolver.hpp"
-#include "codex/codex_app_server_client.hpp"
 #include "codex/codex_executable_resolver.hpp"
 #include "platform/linux/linux_battery_source.hpp"
 #include "platform/linux/linux_power_events.hpp"
@@ -74,8 +73,10 @@ AppParts LinuxApplication::parts(StatusItem& statusItem, TextEngine& textEngine)
                                                defaults_),
       .sampling =
           SamplingCoordinator::create(samplingQueue(), main, clock_, samplingSources(clock_)),
-      .quota = codexProvider(),
-      .claudeQuota = claudeProvider(),
+      .quota = makeCodexQuotaProvider(conversationHost(), clock_, defaults_,
+                                      CodexExecutableResolver::placesOnLinux(home_)),
+      .claudeQuota = makeClaudeQuotaProvider(conversationHost(), clock_,
+                                             ClaudeExecutableResolver::placesOnLinux(home_)),
       .powerEvents = std::make_unique<LinuxPowerEvents>(
           loop_.raw(), main, systemBusAddress(std::getenv("DBUS_SYSTEM_BUS_ADDRESS"))),
       .settingsWindow = nullptr,
@@ -87,44 +88,6 @@ AppParts LinuxApplication::parts(StatusItem& statusItem, TextEngine& textEngine)
 ConversationHost LinuxApplication::conversationHost() {
   // Children and pipes never block, so that a queue of their own would only cost a thread.
   return {loop_.queue(), loop_.queue(), launcher_, (configHome_ / "Vantora").string()};
-}
-
-std::unique_ptr<CodexQuotaProvider> LinuxApplication::codexProvider() {
-  return std::make_unique<CodexQuotaProvider>(CodexQuotaProvider::Ports{
-      .mainQueue = loop_.queue(),
-      .clock = clock_,
-      .makeClient =
-          [this](std::string executable, CodexClientMode mode,
-                 CodexAppServerClient::LoginURL onLoginURL,
-                 CodexAppServerClient::Completion completion) {
-            return std::make_shared<CodexAppServerClient>(
-                conversationHost(), std::move(executable), mode, std::move(onLoginURL),
-                CodexAppServerClient::ProcessStarted(), std::move(completion));
-          },
-      .resolveExecutable =
-          [this] {
-            return CodexExecutableResolver::resolve(defaults_.text(codexExecutablePathKey),
-                                                    CodexExecutableResolver::placesOnLinux(home_));
-          },
-  });
-}
-
-std::unique_ptr<ClaudeQuotaProvider> LinuxApplication::claudeProvider() {
-  return std::make_unique<ClaudeQuotaProvider>(ClaudeQuotaProvider::Ports{
-      .mainQueue = loop_.queue(),
-      .clock = clock_,
-      .makeClient =
-          [this](std::string executable, ClaudeCodeUsageClient::Completion completion) {
-            return std::make_shared<ClaudeCodeUsageClient>(
-                conversationHost(), std::move(executable), ClaudeCodeUsageClient::usualTimeout,
-                ClaudeCodeUsageClient::ProcessStarted(), std::move(completion));
-          },
-      .resolveExecutable =
-          [this] {
-            return ClaudeExecutableResolver::resolve(
-                std::nullopt, ClaudeExecutableResolver::placesOnLinux(home_));
-          },
-  });
 }
 
 }  // namespace vantora

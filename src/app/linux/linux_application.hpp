@@ -35,8 +35,6 @@ class LinuxApplication {
  private:
   [[nodiscard]] TaskQueue& samplingQueue();
   [[nodiscard]] ConversationHost conversationHost();
-  [[nodiscard]] std::unique_ptr<CodexQuotaProvider> codexProvider();
-  [[nodiscard]] std::unique_ptr<ClaudeQuotaProvider> claudeProvider();
 
   const std::filesystem::path configHome_;
   const SystemClock clock_;

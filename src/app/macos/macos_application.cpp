@@ -3,9 +3,8 @@
 
 #include <utility>
 
-#include "claude/claude_code_usage_client.hpp"
+#include "app/quota_providers.hpp"
 #include "claude/claude_executable_resolver.hpp"
-#include "codex/codex_app_server_client.hpp"
 #include "codex/codex_executable_resolver.hpp"
 #include "platform/macos/apple_smc.hpp"
 #include "platform/macos/application_folders.hpp"
@@ -38,8 +37,10 @@ AppParts MacOSApplication::parts(StatusItem& statusItem, TextEngine& textEngine)
                                                loginItem_, defaults_),
       .sampling = SamplingCoordinator::create(samplingThread_.queue(), mainQueue_, clock_,
                                               samplingSources()),
-      .quota = codexProvider(),
-      .claudeQuota = claudeProvider(),
+      .quota = makeCodexQuotaProvider(conversationHost(), clock_, defaults_,
+                                      CodexExecutableResolver::placesOnMacOS()),
+      .claudeQuota = makeClaudeQuotaProvider(conversationHost(), clock_,
+                                             ClaudeExecutableResolver::placesOnMacOS(home_)),
       .powerEvents = std::make_unique<WorkspacePowerEvents>(mainQueue_),
       .settingsWindow = nullptr,
       .urlOpener = nullptr,
@@ -56,44 +57,6 @@ SamplingSources MacOSApplication::samplingSources() {
 ConversationHost MacOSApplication::conversationHost() {
   // Children and pipes never block, so that a queue of their own would only cost a thread.
   return {mainQueue_, mainQueue_, launcher_, (applicationSupport_ / "Vantora").string()};
-}
-
-std::unique_ptr<CodexQuotaProvider> MacOSApplication::codexProvider() {
-  return std::make_unique<CodexQuotaProvider>(CodexQuotaProvider::Ports{
-      .mainQueue = mainQueue_,
-      .clock = clock_,
-      .makeClient =
-          [this](std::string executable, CodexClientMode mode,
-                 CodexAppServerClient::LoginURL onLoginURL,
-                 CodexAppServerClient::Completion completion) {
-            return std::make_shared<CodexAppServerClient>(
-                conversationHost(), std::move(executable), mode, std::move(onLoginURL),
-                CodexAppServerClient::ProcessStarted(), std::move(completion));
-          },
-      .resolveExecutable =
-          [this] {
-            return CodexExecutableResolver::resolve(defaults_.text(codexExecutablePathKey),
-                                                    CodexExecutableResolver::placesOnMacOS());
-          },
-  });
-}
-
-std::unique_ptr<ClaudeQuotaProvider> MacOSApplication::claudeProvider() {
-  return std::make_unique<ClaudeQuotaProvider>(ClaudeQuotaProvider::Ports{
-      .mainQueue = mainQueue_,
-      .clock = clock_,
-      .makeClient =
-          [this](std::string executable, ClaudeCodeUsageClient::Completion completion) {
-            return std::make_shared<ClaudeCodeUsageClient>(
-                conversationHost(), std::move(executable), ClaudeCodeUsageClient::usualTimeout,
-                ClaudeCodeUsageClient::ProcessStarted(), std::move(completion));
-          },
-      .resolveExecutable =
-          [this] {
-            return ClaudeExecutableResolver::resolve(
-                std::nullopt, ClaudeExecutableResolver::placesOnMacOS(home_));
-          },
-  });
 }
 
 }  // namespace vantora

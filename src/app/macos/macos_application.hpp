@@ -40,8 +40,6 @@ class MacOSApplication {
  private:
   [[nodiscard]] SamplingSources samplingSources();
   [[nodiscard]] ConversationHost conversationHost();
-  [[nodiscard]] std::unique_ptr<CodexQuotaProvider> codexProvider();
-  [[nodiscard]] std::unique_ptr<ClaudeQuotaProvider> claudeProvider();
 
   const std::filesystem::path applicationSupport_;
   const std::function<void()> end_;
