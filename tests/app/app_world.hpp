@@ -12,7 +12,7 @@
 
 #include "app/app_coordinator.hpp"
 #include "model/configuration_codec.hpp"
-#include "settings/fakes.hpp"
+#include "support/fake_settings_ports.hpp"
 
 #include "support/fake_app_ports.hpp"
 #include "support/fake_network_source.hpp"

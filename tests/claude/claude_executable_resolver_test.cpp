@@ -6,7 +6,7 @@
 #include <array>
 #include <filesystem>
 
-#include "settings/temporary_folder.hpp"
+#include "support/temporary_folder.hpp"
 
 namespace vantora {
 namespace {

@@ -12,8 +12,8 @@
 
 #include "model/configuration_codec.hpp"
 #include "settings/error_text.hpp"
-#include "settings/temporary_folder.hpp"
 #include "settings/unprivileged.hpp"
+#include "support/temporary_folder.hpp"
 
 namespace vantora {
 namespace {

@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-#include "settings/temporary_folder.hpp"
+#include "support/temporary_folder.hpp"
 
 namespace vantora {
 namespace {

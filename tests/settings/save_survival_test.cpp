@@ -10,7 +10,7 @@
 
 #include "model/configuration_codec.hpp"
 #include "settings/configuration_store.hpp"
-#include "settings/temporary_folder.hpp"
+#include "support/temporary_folder.hpp"
 
 namespace vantora {
 namespace {

@@ -9,8 +9,8 @@
 
 #include "model/configuration_codec.hpp"
 #include "settings/error_text.hpp"
-#include "settings/fakes.hpp"
-#include "settings/temporary_folder.hpp"
+#include "support/fake_settings_ports.hpp"
+#include "support/temporary_folder.hpp"
 #include "support/virtual_time.hpp"
 
 namespace vantora {

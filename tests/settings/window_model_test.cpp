@@ -6,7 +6,7 @@
 
 #include <vector>
 
-#include "settings/fake_panels.hpp"
+#include "support/fake_file_panels.hpp"
 
 namespace vantora {
 namespace {

@@ -9,10 +9,10 @@
 #include <QPixmap>
 #include <cstdio>
 
-#include "settings/fake_panels.hpp"
 #include "settings/window/color_scheme.hpp"
 #include "settings/window/settings_view.hpp"
 #include "settings_window/example_state.hpp"
+#include "support/fake_file_panels.hpp"
 
 namespace {
 

@@ -12,9 +12,9 @@
 #include <utility>
 #include <vector>
 
-#include "settings/fake_panels.hpp"
 #include "settings/window/module_row.hpp"
 #include "settings/window/settings_view.hpp"
+#include "support/fake_file_panels.hpp"
 
 namespace vantora::test {
 

@@ -9,9 +9,9 @@
 
 #include "runtime/system_clock.hpp"
 #include "settings/agent/settings_process.hpp"
-#include "settings/fakes.hpp"
-#include "settings/temporary_folder.hpp"
+#include "support/fake_settings_ports.hpp"
 #include "support/real_processes.hpp"
+#include "support/temporary_folder.hpp"
 
 namespace vantora {
 namespace {

@@ -7,7 +7,7 @@
 #include <cerrno>
 
 #include "settings/error_text.hpp"
-#include "settings/temporary_folder.hpp"
+#include "support/temporary_folder.hpp"
 
 namespace vantora {
 namespace {

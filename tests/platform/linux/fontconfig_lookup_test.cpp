@@ -9,7 +9,7 @@
 #include "platform/linux/dejavu_fonts.hpp"
 #include "platform/linux/freetype_text_engine.hpp"
 #include "platform/linux/patched_font.hpp"
-#include "settings/temporary_folder.hpp"
+#include "support/temporary_folder.hpp"
 
 namespace vantora {
 namespace {

@@ -10,7 +10,7 @@
 
 #include "contract/text_engine_contract.hpp"
 #include "platform/linux/dejavu_fonts.hpp"
-#include "settings/temporary_folder.hpp"
+#include "support/temporary_folder.hpp"
 
 namespace vantora {
 namespace test {

@@ -3,8 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "settings/fakes.hpp"
-#include "settings/temporary_folder.hpp"
+#include "support/temporary_folder.hpp"
 
 namespace vantora {
 namespace {
@@ -13,23 +12,6 @@ namespace fs = std::filesystem;
 using test::readBytes;
 using test::writeBytes;
 
-// What every UserDefaults holds to.
-void expectContract(UserDefaults& defaults) {
-  EXPECT_EQ(defaults.text("a"), std::nullopt);
-  EXPECT_EQ(defaults.setText("a", "/usr/bin/codex"), std::nullopt);
-  EXPECT_EQ(defaults.setText("b", ""), std::nullopt);
-  EXPECT_EQ(defaults.text("a"), "/usr/bin/codex");
-  EXPECT_EQ(defaults.text("b"), "");
-  EXPECT_EQ(defaults.setText("a", "ção"), std::nullopt);
-  EXPECT_EQ(defaults.text("a"), "ção");
-  EXPECT_EQ(defaults.text("b"), "");
-}
-
-TEST(UserDefaults, KeepsTheContractAsAFake) {
-  test::FakeUserDefaults defaults;
-  expectContract(defaults);
-}
-
 class JsonUserDefaultsTest : public testing::Test {
  protected:
   test::TemporaryFolder folder_;
@@ -37,10 +19,9 @@ class JsonUserDefaultsTest : public testing::Test {
   JsonUserDefaults defaults_{folder_.path()};
 };
 
-TEST_F(JsonUserDefaultsTest, KeepsTheContract) {
-  expectContract(defaults_);
-  JsonUserDefaults another(folder_.path());
-  EXPECT_EQ(another.text("a"), "ção");
+TEST_F(JsonUserDefaultsTest, ReadsWhatAnotherProgramOfOursStored) {
+  EXPECT_EQ(JsonUserDefaults(folder_.path()).setText("a", "ção"), std::nullopt);
+  EXPECT_EQ(defaults_.text("a"), "ção");
 }
 
 TEST_F(JsonUserDefaultsTest, KeepsWhatOthersStored) {

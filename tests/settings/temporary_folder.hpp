@@ -1,4 +1,0 @@
-// SPDX-License-Identifier: MIT
-#pragma once
-
-#include "support/temporary_folder.hpp"
