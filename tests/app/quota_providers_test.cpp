@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "app/app_world.hpp"
-#include "settings/fakes.hpp"
+#include "support/fake_settings_ports.hpp"
 #include "support/scripted_process.hpp"
 #include "support/temporary_folder.hpp"
 #include "support/virtual_time.hpp"
