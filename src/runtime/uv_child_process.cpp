@@ -9,6 +9,7 @@
 #include <csignal>
 #include <utility>
 
+#include "runtime/child_guard.hpp"
 #include "runtime/child_streams.hpp"
 #include "runtime/exec_strings.hpp"
 #include "runtime/private_folder.hpp"
@@ -54,6 +55,7 @@ struct UvChildProcessLauncher::Child {
   uv_pipe_t output{};
   uv_pipe_t error{};
   UvChildInput input;
+  ChildGuard guard;  // of the group, until that is seen empty
   int openHandles = 0;
   bool isLetGo = false;      // terminated: the owner hears nothing any more
   bool hasExited = false;    // and is reaped
@@ -181,6 +183,9 @@ void UvChildProcessLauncher::Child::onRead(const uv_stream_t& stream, ssize_t co
 void UvChildProcessLauncher::Child::onExit(ChildExit exit) {
   hasExited = true;
   isGroupLeft = isGroupAlive();
+  if (!isGroupLeft) {
+    guard.dismiss();
+  }
   uv_close(reinterpret_cast<uv_handle_t*>(&process), closed);
   if (!isLetGo) {
     if (events.onExit) {
@@ -261,6 +266,7 @@ void UvChildProcessLauncher::Child::leaveWhenDone() {
 // Nothing of the queue is used any more; libuv closes the handles when its loop ends.
 void UvChildProcessLauncher::Child::abandon() {
   escalation.reset();
+  guard.dismiss();
   auto* handle = reinterpret_cast<uv_handle_t*>(&process);
   if (uv_is_closing(handle) == 0) {
     uv_close(handle, closed);
@@ -330,20 +336,28 @@ Result<std::unique_ptr<ChildProcess>> UvChildProcessLauncher::start(
   if (!options.workingDirectory.empty()) {
     makePrivateFolder(options.workingDirectory);
   }
+  auto child = std::make_shared<Child>(family_, std::move(events));
   ChildStreams streams;
-  if (const int status = streams.open(); status != 0) {
+  // The guard first: it is to hold none of the streams.
+  int status = child->guard.start();
+  if (status == 0) {
+    status = streams.open();
+  }
+  if (status != 0) {
     return startFault(status);
   }
-  auto child = std::make_shared<Child>(family_, std::move(events));
   child->self = child;
   family_->children.push_back(child.get());
-  if (const int status = child->spawn(options, streams); status != 0) {
+  status = child->spawn(options, streams);
+  if (status != 0) {
     child->isLetGo = true;
     child->hasExited = true;
     return startFault(status);
   }
+  child->guard.watch(child->process.pid);
   auto handle = std::make_unique<Handle>(child);
-  if (const int status = child->openStreams(streams); status != 0) {
+  status = child->openStreams(streams);
+  if (status != 0) {
     return startFault(status);
   }
   return std::unique_ptr<ChildProcess>(std::move(handle));

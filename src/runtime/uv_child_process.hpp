@@ -10,7 +10,8 @@
 //
 // A child leads a session and a process group of its own: the command-line tools asked
 // here may be scripts that start the program proper, and it is the group that is ended,
-// never the script alone.
+// never the script alone. A guard ends it where this program no longer can
+// (runtime/child_guard.hpp).
 #pragma once
 
 #include <uv.h>

@@ -7,7 +7,10 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <array>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
@@ -53,6 +56,10 @@ class UvChildProcessTest : public testing::Test {
   void runUntil(const std::function<bool()>& condition) { processes.runUntil(condition); }
   void runUntilReady() {
     runUntil([this] { return output.ends_with('\n'); });
+  }
+  // What the children left in their group may still be there, and the guard with it.
+  void runUntilNoChildIsLeft() {
+    runUntil([] { return !ProcessCensus::take().hasChildren; });
   }
   // The grandchild says its number.
   int runUntilGrandchild() {
@@ -120,7 +127,7 @@ TEST_F(UvChildProcessTest, EndsTheProgramTogetherWithItsWrapper) {
   auto child = start("wrap");
   const int grandchild = runUntilGrandchild();
   child->terminate();
-  processes.runUntilBackTo(before);
+  runUntilNoChildIsLeft();
   runUntil([&] { return !isRunning(grandchild); });
   time.advance(UvChildProcessLauncher::terminationGrace);
 }
@@ -129,7 +136,7 @@ TEST_F(UvChildProcessTest, KillsAProgramThatIgnoresTerminationThoughItsWrapperEn
   auto child = start("wrap", {"stubborn"});
   const int grandchild = runUntilGrandchild();
   child->terminate();
-  processes.runUntilBackTo(before);
+  runUntilNoChildIsLeft();
   time.advance(UvChildProcessLauncher::terminationGrace - Seconds{0.001});
   EXPECT_TRUE(isRunning(grandchild));
   time.advance(Seconds{0.001});
@@ -269,6 +276,61 @@ TEST_F(UvChildProcessTest, AnswersThatNoDescriptorIsLeft) {
     EXPECT_FALSE(result) << room;
     processes.runReady();
   }
+}
+
+// A program of its own that starts the helper's scenario and tells the grandchild's number.
+class OtherProgram {
+ public:
+  explicit OtherProgram(const ChildProcessOptions& options) {
+    std::array<int, 2> ends{};
+    EXPECT_EQ(pipe(ends.data()), 0);
+    program_ = fork();
+    if (program_ == 0) {
+      RealProcesses processes;
+      ChildProcessEvents events;
+      events.onOutput = [&ends](std::string_view bytes) {
+        (void)!::write(ends[1], bytes.data(), bytes.size());
+      };
+      const auto child = processes.launcher().start(options, std::move(events));
+      while (child.hasValue()) {
+        processes.runUntil([] { return false; });
+      }
+      _exit(1);
+    }
+    close(ends[1]);
+    const Descriptor output(ends[0]);
+    char text[32] = "";
+    EXPECT_GT(read(output.get(), text, sizeof text - 1), 0);
+    grandchild_ = std::atoi(text);
+  }
+  ~OtherProgram() { end(); }
+  OtherProgram(const OtherProgram&) = delete;
+  OtherProgram& operator=(const OtherProgram&) = delete;
+
+  [[nodiscard]] int grandchild() const { return grandchild_; }
+  void end() {
+    if (program_ > 0) {
+      kill(program_, SIGKILL);
+      waitpid(program_, nullptr, 0);
+      program_ = 0;
+    }
+  }
+
+ private:
+  pid_t program_ = 0;
+  int grandchild_ = 0;
+};
+
+TEST_F(UvChildProcessTest, LeavesNothingWhenTheProgramIsKilled) {
+  OtherProgram polite(helperOptions("wrap"));
+  OtherProgram stubborn(helperOptions("wrap", {"stubborn"}));
+  EXPECT_TRUE(isRunning(polite.grandchild()));
+  EXPECT_TRUE(isRunning(stubborn.grandchild()));
+  polite.end();
+  runUntil([&] { return !isRunning(polite.grandchild()); });
+  EXPECT_TRUE(isRunning(stubborn.grandchild()));
+  stubborn.end();
+  runUntil([&] { return !isRunning(stubborn.grandchild()); });
 }
 
 TEST_F(UvChildProcessTest, EndsEveryChildWithTheProgram) {
