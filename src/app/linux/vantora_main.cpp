@@ -55,6 +55,17 @@ std::unique_ptr<SettingsWindow> settingsWindow(LinuxApplication& application, Ap
   return window;
 }
 
+// What the launcher gave is for this start alone. A child that found it in its environment
+// would come to the front, or not, with a token that has been used.
+LaunchTokens takeLaunchTokens() {
+  constexpr const char* activation = "XDG_ACTIVATION_TOKEN";
+  constexpr const char* startupId = "DESKTOP_STARTUP_ID";
+  LaunchTokens tokens = LaunchTokens::from(std::getenv(activation), std::getenv(startupId));
+  unsetenv(activation);
+  unsetenv(startupId);
+  return tokens;
+}
+
 // Ends a start that is not the session's first; nothing for the one that goes on.
 std::optional<int> statusOf(ApplicationStart start) {
   switch (start) {
@@ -77,6 +88,7 @@ int run() {
     say("não há pasta pessoal para a configuração (HOME não está definida)");
     return 1;
   }
+  LaunchTokens tokens = takeLaunchTokens();
   // Before there are threads: the lookup happens in a child of its own.
   FontSelection fonts = lookUpApart([] { return lookUpFonts(); });
   LinuxApplication application(*configHome);
@@ -85,9 +97,7 @@ int run() {
   BusConnection bus(
       loop.raw(), loop.queue(),
       sessionBusAddress(std::getenv("DBUS_SESSION_BUS_ADDRESS"), std::getenv("XDG_RUNTIME_DIR")));
-  ApplicationService service(
-      bus, loop.queue(),
-      LaunchTokens::from(std::getenv("XDG_ACTIVATION_TOKEN"), std::getenv("DESKTOP_STARTUP_ID")));
+  ApplicationService service(bus, loop.queue(), std::move(tokens));
   service.onRival = [] {
     say("há outro em execução nesta sessão; os dois continuam até que um seja encerrado");
   };
