@@ -1,0 +1,153 @@
+# SPDX-License-Identifier: MIT
+"""Whether a run was flat, and the table that shows it.
+
+The run is cut into spans, each with a rest at its end, and judged from the end of its first
+sixth on: the tenth minute of an hour. Flat means
+
+- never a zombie, never more children than the agent may have, none older than its deadline;
+- at every rest the same number of descriptors and of threads, and no child;
+- between the rests never another number of threads, and no more descriptors than those at
+  rest, three for each of the most children, and a few that are open for a moment;
+- memory, as the medians of the spans, anonymous and resident: no straight line of least
+  squares that rises by more than MOST_GROWTH at a certainty of 95 % (one-sided, by Student's
+  t), and no last span that stands more than MOST_STEP above the first. What a run is too
+  short to tell is printed: the most growth that it does not exclude.
+
+Anonymous memory is what a leak fills. What is resident besides are pages of the program's
+own files, which come when code runs for the first time, and which the agent gives back
+every ten minutes.
+"""
+import math
+import statistics
+
+MOST_GROWTH = 64  # KiB an hour
+MOST_STEP = {"anonymous_kib": 256, "rss_kib": 1024}  # KiB
+# One conversation each with Codex and Claude Code, and those that were ended in the last
+# three seconds, one of each a second and perhaps with a child of its own; likewise windows.
+MOST_CHILDREN = 2 * 2 * (1 + 3) + 2
+# Claude Code may take 45 s, what is ended 2.5 s; the rest is for a busy machine.
+MOST_AGE = 60
+MOMENTARY = 8
+DESCRIPTORS_A_CHILD = 3
+# Student's t at 0.95 by degrees of freedom.
+STUDENT = [math.inf, 6.31, 2.92, 2.35, 2.13, 2.02, 1.94, 1.89, 1.86, 1.83, 1.81]
+
+
+def span(length):
+    """Seconds from one rest to the next: a twelfth of the run, but a minute at least."""
+    return max(60, length / 12)
+
+
+def spans(samples, length):
+    """The samples by span, the unfinished last one aside."""
+    groups = {}
+    for sample in samples:
+        groups.setdefault(int(sample["second"] // span(length)), []).append(sample)
+    return [group for _, group in sorted(groups.items())
+            if any(sample["phase"] == "rest" for sample in group)]
+
+
+def judged(samples, length):
+    return [group for group in spans(samples, length) if group[0]["second"] >= length / 6 - 1]
+
+
+def of_phase(group, phase, column):
+    return [sample[column] for sample in group if sample["phase"] == phase]
+
+
+def line(points):
+    """Slope and its standard error by least squares; a finite number of three points or more."""
+    xs, ys = zip(*points)
+    x_mean, y_mean = statistics.fmean(xs), statistics.fmean(ys)
+    spread = sum((x - x_mean) ** 2 for x in xs)
+    slope = sum((x - x_mean) * (y - y_mean) for x, y in points) / spread
+    residual = sum((y - y_mean - slope * (x - x_mean)) ** 2 for x, y in points)
+    return slope, math.sqrt(residual / (len(points) - 2) / spread)
+
+
+def growth(groups, column):
+    """KiB an hour, and how far from it the true value is at most in one direction."""
+    points = [(statistics.fmean(of_phase(group, "stir", "second")) / 3600,
+               statistics.median(of_phase(group, "stir", column))) for group in groups]
+    slope, error = line(points)
+    return slope, STUDENT[min(len(points) - 2, len(STUDENT) - 1)] * error
+
+
+def judge(samples, length):
+    """What is not flat, as sentences."""
+    groups = judged(samples, length)
+    if len(groups) < 3:
+        return ["the run was too short to judge: three spans after the first sixth are needed"]
+    faults = judge_children(samples)
+    late = [sample for group in groups for sample in group]
+    rests = [sample for sample in late if sample["phase"] == "rest"]
+    for column in ("descriptors", "threads"):
+        numbers = [sample[column] for sample in rests]
+        if len(set(numbers)) > 1:
+            faults.append(f"{column} at rest: {', '.join(map(str, numbers))}")
+    if any(sample["children"] for sample in rests):
+        faults.append("there were children at rest")
+    threads = {sample["threads"] for sample in late}
+    if len(threads) > 1:
+        faults.append(f"between {min(threads)} and {max(threads)} threads")
+    most = max(sample["descriptors"] for sample in rests) + MOMENTARY + \
+        DESCRIPTORS_A_CHILD * max(sample["children"] for sample in late)
+    if max(sample["descriptors"] for sample in late) > most:
+        faults.append(f"more than {most} descriptors")
+    for column, most_step in MOST_STEP.items():
+        slope, error = growth(groups, column)
+        if slope - error > MOST_GROWTH:
+            faults.append(f"{column} grows by {slope:.0f} ± {error:.0f} KiB an hour")
+        first, last = (statistics.median(of_phase(group, "stir", column))
+                       for group in (groups[0], groups[-1]))
+        if last > first + most_step:
+            faults.append(f"{column} went from {first:.0f} to {last:.0f} KiB")
+    return faults
+
+
+def judge_children(samples):
+    faults = []
+    zombies = sum(1 for sample in samples if sample["zombies"])
+    if zombies:
+        faults.append(f"zombies in {zombies} samples")
+    most = max(sample["children"] for sample in samples)
+    if most > MOST_CHILDREN:
+        faults.append(f"{most} children, more than {MOST_CHILDREN}")
+    oldest = max(sample["oldest_assistant"] for sample in samples)
+    if oldest > MOST_AGE:
+        faults.append(f"a quota child of {oldest:.0f} s, more than {MOST_AGE}")
+    return faults
+
+
+def table(samples, length):
+    """The lines of the table: a span each."""
+    lines = ["        ------------------ between the rests (medians) ------------------"
+             " | ---- at rest ----",
+             "minute   RSS KiB PSS KiB anon. KiB  fds (most) threads children CPU ms switches"
+             " | fds threads anon. KiB"]
+    before = None
+    for group in spans(samples, length):
+        def middle(column):
+            return statistics.median(of_phase(group, "stir", column))
+        first, last = before or group[0], group[-1]
+        minutes = (last["second"] - first["second"]) / 60
+        rest = next(sample for sample in group if sample["phase"] == "rest")
+        lines.append(
+            f"{last['second'] / 60:6.1f}  {middle('rss_kib'):8.0f}{middle('pss_kib'):8.0f}"
+            f"{middle('anonymous_kib'):10.0f}"
+            f"  {middle('descriptors'):3.0f} ({max(of_phase(group, 'stir', 'descriptors')):4})"
+            f"{max(of_phase(group, 'stir', 'threads')):8}"
+            f"{max(of_phase(group, 'stir', 'children')):9}"
+            f"{(last['cpu_ms'] - first['cpu_ms']) / minutes:7.0f}"
+            f"{(last['voluntary'] - first['voluntary']) / minutes:9.0f}"
+            f" | {rest['descriptors']:3}{rest['threads']:8}{rest['anonymous_kib']:10}")
+        before = last
+    groups = judged(samples, length)
+    if len(groups) >= 3:
+        lines.append(f"from minute {groups[0][0]['second'] / 60:.0f} on; CPU and switches a minute,"
+                     " threads and children the most")
+        for column in MOST_STEP:
+            slope, error = growth(groups, column)
+            lines.append(f"{column}: {slope:+.0f} KiB an hour, no more than {slope + error:+.0f}"
+                         " at 95 %")
+    return lines
