@@ -32,6 +32,12 @@ QPalette darkPalette() {
 
 }  // namespace
 
+bool looksDark() {
+  const QPalette palette = QApplication::palette();
+  return palette.color(QPalette::Window).lightness() <
+         palette.color(QPalette::WindowText).lightness();
+}
+
 void useDarkColors(bool isDark) {
   QApplication::setPalette(isDark ? darkPalette() : QApplication::style()->standardPalette());
 }

@@ -7,6 +7,9 @@ namespace vantora {
 /// toolkit does not do so by itself. Once, with the application just made.
 void followColorScheme();
 
+/// Whether the application's colours are dark ones now: a platform theme may bring them.
+[[nodiscard]] bool looksDark();
+
 /// Colours for a dark desktop, or the style's own ones again.
 void useDarkColors(bool isDark);
 

@@ -8,7 +8,6 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
-#include <QPalette>
 
 #include "settings/window/color_scheme.hpp"
 
@@ -16,12 +15,6 @@ namespace vantora {
 namespace {
 
 constexpr int darkPreferred = 1;
-
-bool looksDark() {
-  const QPalette palette = QApplication::palette();
-  return palette.color(QPalette::Window).lightness() <
-         palette.color(QPalette::WindowText).lightness();
-}
 
 // The value within the variants that the portal puts around it.
 int schemeOf(QVariant value) {

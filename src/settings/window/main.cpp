@@ -13,8 +13,11 @@
 #include <QScreen>
 #include <QTranslator>
 #include <csignal>
+#include <string_view>
 
+#include "settings/menu_protocol.hpp"
 #include "settings/window/color_scheme.hpp"
+#include "settings/window/menu_program.hpp"
 #include "settings/window/qt_file_panels.hpp"
 #include "settings/window/qt_text.hpp"
 #include "settings/window/settings_view.hpp"
@@ -36,6 +39,9 @@ void useBrazilianPortuguese(QTranslator& translator) {
 
 int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);
+  if (argc == 2 && std::string_view(argv[1]) == vantora::MenuProtocol::argument) {
+    return vantora::runMenuProgram(argc, argv);
+  }
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("vantora-settings"));
   QApplication::setApplicationDisplayName(QStringLiteral("Vantora"));

@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+#include "settings/agent/menu_process.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace vantora {
+
+using namespace MenuProtocol;
+
+namespace {
+
+constexpr const char* unopenedText = "O menu não pôde ser aberto.";
+constexpr const char* brokenText = "O menu falhou e foi fechado.";
+constexpr const char* hangingText = "O menu não respondeu e foi fechado.";
+
+}  // namespace
+
+MenuProcess::MenuProcess(Parts parts) : parts_(std::move(parts)) {}
+
+std::map<std::string, std::string> MenuProcess::onX11() {
+  return {{"QT_QPA_PLATFORM", "xcb"}};
+}
+
+void MenuProcess::open(const MenuContent& content, OnChosen onChosen) {
+  forget();
+  ChildProcessOptions options;
+  options.executable = parts_.executable;
+  options.arguments = {argument};
+  options.environmentChanges = parts_.environmentChanges;
+  ChildProcessEvents events;
+  events.onOutput = [this](std::string_view bytes) { received(bytes); };
+  events.onExit = [this](ChildExit exit) { ended(exit); };
+  auto started = parts_.launcher.start(options, std::move(events));
+  if (!started) {
+    fail(unopenedText + (started.fault().detail.empty() ? "" : " " + started.fault().detail));
+    return;
+  }
+  child_ = std::move(started).value();
+  entries_ = content.entries;
+  onChosen_ = std::move(onChosen);
+  openTimer_ = parts_.queue.runAfter(openLimit, Seconds{1}, [this] { fail(hangingText); });
+  if (!child_->write(menuLine(content))) {
+    fail(unopenedText);
+  }
+}
+
+void MenuProcess::close() {
+  forget();
+}
+
+void MenuProcess::received(std::string_view bytes) {
+  if (!framer_.append(bytes)) {
+    fail(brokenText);
+    return;
+  }
+  while (child_ != nullptr) {
+    const auto line = framer_.takeLine();
+    if (!line) {
+      return;
+    }
+    const auto answer = readAnswerLine(*line);
+    if (!answer || !handle(*answer)) {
+      fail(brokenText);
+      return;
+    }
+  }
+}
+
+// False for an answer that is out of turn.
+bool MenuProcess::handle(const MenuAnswer& answer) {
+  if (const auto* choice = std::get_if<Chosen>(&answer)) {
+    return isShown_ && chosen(choice->id);
+  }
+  if (isShown_) {
+    return false;
+  }
+  isShown_ = true;
+  openTimer_.reset();
+  return true;
+}
+
+bool MenuProcess::chosen(std::int32_t id) {
+  if (std::none_of(entries_.begin(), entries_.end(),
+                   [id](const MenuEntry& entry) { return entry.id == id; })) {
+    return false;
+  }
+  // What was chosen may open the next menu.
+  const OnChosen onChosen = std::move(onChosen_);
+  forget();
+  if (onChosen != nullptr) {
+    onChosen(id);
+  }
+  return true;
+}
+
+void MenuProcess::ended(ChildExit exit) {
+  if (exit == ChildExit{} && isShown_) {
+    forget();  // given up by the user
+  } else {
+    fail(isShown_ ? brokenText : unopenedText);
+  }
+}
+
+void MenuProcess::fail(const std::string& message) {
+  forget();
+  if (onFailure) {
+    onFailure(message);
+  }
+}
+
+void MenuProcess::forget() {
+  if (child_ != nullptr) {
+    child_->terminate();
+    // Destroyed later: this may be one of its own events.
+    parts_.queue.post([child = std::shared_ptr<ChildProcess>(std::move(child_))] {});
+  }
+  openTimer_.reset();
+  framer_ = LineFramer(agentReadLimit);
+  entries_.clear();
+  onChosen_ = nullptr;
+  isShown_ = false;
+}
+
+}  // namespace vantora

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+//
+// The menu conversation: the lines that the agent and vantora-settings, started to show
+// one menu, exchange. docs/menu-protocol.md describes them. Both ends read strictly;
+// whoever reads a line that it does not understand ends the conversation. Nothing here
+// holds state or throws.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include "settings/menu_content.hpp"
+
+namespace vantora::MenuProtocol {
+
+/// The argument with which vantora-settings shows a menu and no window.
+inline constexpr const char* argument = "--menu";
+
+/// The most bytes that may wait to be cut into lines, at the menu and at the agent.
+inline constexpr std::size_t menuReadLimit = 16'384;
+inline constexpr std::size_t agentReadLimit = 1'024;
+
+/// The most entries, and the most bytes of a label.
+inline constexpr std::size_t mostEntries = 32;
+inline constexpr std::size_t longestLabel = 256;
+
+/// Coordinates on an X11 screen are 16 bits wide.
+inline constexpr int leastCoordinate = -32'768;
+inline constexpr int mostCoordinate = 32'767;
+
+/// The agent's only line, with its line feed. Text that is not UTF-8 is written with
+/// replacement characters.
+[[nodiscard]] std::string menuLine(const MenuContent& content);
+
+/// Nothing for a line that is no menu: no entries or too many, an id twice, an empty or
+/// an overlong label, a place on no screen.
+[[nodiscard]] std::optional<MenuContent> readMenuLine(std::string_view line);
+
+/// The menu is on the screen.
+struct Shown {
+  bool operator==(const Shown&) const = default;
+};
+/// An entry was chosen, and the menu is gone.
+struct Chosen {
+  std::int32_t id = 0;
+  bool operator==(const Chosen&) const = default;
+};
+using MenuAnswer = std::variant<Shown, Chosen>;
+
+[[nodiscard]] std::string answerLine(const MenuAnswer& answer);
+[[nodiscard]] std::optional<MenuAnswer> readAnswerLine(std::string_view line);
+
+}  // namespace vantora::MenuProtocol
