@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 //
-// status_item_stand [SECONDS [SCALE]]: the real status item with readings that a test
-// knows beforehand, for trying panels and for counting what a change of the picture
-// costs. Prints where the item stands and what is clicked, a line each, and ends with
-// "Sair" or SIGTERM.
+// status_item_stand [SECONDS [SCALE [MENU]]]: the real status item with readings that a
+// test knows beforehand, for trying panels and for counting what a change of the picture
+// costs. MENU is the program that shows the menu of a docked window. Prints where the item
+// stands and what is clicked, a line each, and ends with "Sair" or SIGTERM.
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <utility>
 
 #include "platform/linux/bus_address.hpp"
 #include "platform/linux/bus_connection.hpp"
@@ -15,7 +16,9 @@
 #include "platform/linux/freetype_text_engine.hpp"
 #include "platform/linux/linux_status_item.hpp"
 #include "runtime/system_clock.hpp"
+#include "runtime/uv_child_process.hpp"
 #include "runtime/uv_loop.hpp"
+#include "settings/agent/menu_process.hpp"
 #include "status/status_renderer.hpp"
 
 namespace {
@@ -38,7 +41,7 @@ MetricSnapshot readings(int round, WallTime now) {
   return snapshot;
 }
 
-int run(double interval, int scale) {
+int run(double interval, int scale, std::string menuProgram) {
   std::setvbuf(stdout, nullptr, _IOLBF, 0);
   const SystemClock clock;
   UvLoop loop;
@@ -46,6 +49,9 @@ int run(double interval, int scale) {
   BusConnection connection(
       loop.raw(), loop.queue(),
       sessionBusAddress(std::getenv("DBUS_SESSION_BUS_ADDRESS"), std::getenv("XDG_RUNTIME_DIR")));
+  UvChildProcessLauncher launcher(loop.raw(), loop.queue());
+  MenuProcess menu({loop.queue(), launcher, std::move(menuProgram), MenuProcess::onX11()});
+  menu.onFailure = [](const std::string& message) { std::printf("menu: %s\n", message.c_str()); };
   LinuxStatusItem::Options options;
   options.largestScale = scale;
   LinuxStatusItem item(connection, loop.queue(), engine, options,
@@ -53,7 +59,7 @@ int run(double interval, int scale) {
                          std::printf("situation: %s\n", std::string(describe(situation)).c_str());
                        });
   if (const char* display = std::getenv("DISPLAY")) {
-    item.useTray(loop.raw(), display);
+    item.useTray(loop.raw(), display, menu);
   }
   int round = 0;
   bool isPaused = false;
@@ -97,5 +103,5 @@ int run(double interval, int scale) {
 int main(int argc, char** argv) {
   const double interval = argc > 1 ? std::atof(argv[1]) : 1;
   const int scale = argc > 2 ? std::atoi(argv[2]) : 1;
-  return run(interval > 0 ? interval : 1, scale > 0 ? scale : 1);
+  return run(interval > 0 ? interval : 1, scale > 0 ? scale : 1, argc > 3 ? argv[3] : "");
 }

@@ -25,6 +25,7 @@
 #include "runtime/resident_memory.hpp"
 #include "runtime/standard_streams.hpp"
 #include "runtime/termination_signals.hpp"
+#include "settings/agent/menu_process.hpp"
 #include "settings/agent/settings_process.hpp"
 #include "status/rasterise.hpp"
 
@@ -36,15 +37,19 @@ void say(std::string_view line) {
   std::fprintf(stderr, "vantora: %.*s\n", static_cast<int>(line.size()), line.data());
 }
 
-// The window's program stands beside this one, in a build folder as where it is installed.
+// The program of window and menu stands beside this one, in a build folder as where it is
+// installed.
+std::string settingsProgram() {
+  return ownExecutable().value_or("/usr/bin/vantora").parent_path() / "vantora-settings";
+}
+
 std::unique_ptr<SettingsWindow> settingsWindow(LinuxApplication& application, AppParts& parts) {
-  const std::filesystem::path own = ownExecutable().value_or("/usr/bin/vantora");
   auto window = std::make_unique<SettingsProcess>(SettingsProcess::Parts{
       .queue = parts.mainQueue,
       .clock = parts.clock,
       .launcher = application.launcher(),
       .model = *parts.model,
-      .executable = own.parent_path() / "vantora-settings",
+      .executable = settingsProgram(),
       .rasterise = [&engine = parts.textEngine](
                        const StatusImage& image,
                        double scale) { return rasterise(image, engine, scale); },
@@ -110,10 +115,15 @@ int run() {
     return *status;
   }
   const TerminationSignals signals(loop.raw(), [&loop] { loop.stop(); });
+  MenuProcess menu({.queue = loop.queue(),
+                    .launcher = application.launcher(),
+                    .executable = settingsProgram(),
+                    .environmentChanges = MenuProcess::onX11()});
+  menu.onFailure = [](const std::string& message) { say(message); };
   LinuxStatusItem statusItem(bus, loop.queue(), textEngine, {},
                              [](StatusItemSituation situation) { say(describe(situation)); });
   if (const char* display = std::getenv("DISPLAY"); display != nullptr && *display != '\0') {
-    statusItem.useTray(loop.raw(), display);
+    statusItem.useTray(loop.raw(), display, menu);
   }
   XdgUrlOpener urlOpener(loop.raw());
   AppParts parts = application.parts(statusItem, textEngine);

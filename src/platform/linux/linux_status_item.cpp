@@ -19,6 +19,13 @@ constexpr double plateRadius = 5;
 constexpr std::array<int, 5> squareSides{16, 22, 24, 32, 48};
 constexpr std::array<int, 4> markSides{16, 22, 32, 48};
 
+// A click on an X11 window gives no token. Window managers read the time of the click out
+// of an id like this and let the window that carries it come to the front
+// (freedesktop's "Startup Notification Protocol", "_TIME").
+std::string startupId(std::uint32_t time) {
+  return "vantora_TIME" + std::to_string(time);
+}
+
 }  // namespace
 
 LinuxStatusItem::LinuxStatusItem(BusConnection& connection, TaskQueue& queue, TextEngine& engine,
@@ -35,6 +42,9 @@ LinuxStatusItem::LinuxStatusItem(BusConnection& connection, TaskQueue& queue, Te
                [this](const StatusNotifierWatcher::State& state) { watcherChanged(state); }) {}
 
 LinuxStatusItem::~LinuxStatusItem() {
+  if (trayMenu_ != nullptr) {
+    trayMenu_->close();
+  }
   tray_.reset();
 }
 
@@ -84,7 +94,7 @@ void LinuxStatusItem::show(const StatusPresentation& presentation) {
 void LinuxStatusItem::setActions(StatusItemActions actions) {
   actions_ = std::make_shared<const StatusItemActions>(std::move(actions));
   menu_ = std::make_unique<DBusMenu>(
-      connection_, [this] { return actions_->isPaused != nullptr && actions_->isPaused(); },
+      connection_, [this] { return isPaused(); },
       [this](StatusMenuCommand command) { chosen(command); });
   item_.setMenu(DBusMenu::path);
 }
@@ -183,15 +193,15 @@ void LinuxStatusItem::patienceEnded() {
   }
 }
 
-void LinuxStatusItem::useTray(uv_loop_t& loop, std::string display) {
+void LinuxStatusItem::useTray(uv_loop_t& loop, std::string display, PopupMenu& menu) {
+  trayMenu_ = &menu;
   tray_ = std::make_unique<XEmbedWindow>(
       loop, queue_, std::move(display),
       XEmbedWindow::Callbacks{
           .onState = [this](XEmbedWindow::State state) { trayChanged(state); },
           .picture = [this](int width, int height,
                             int scale) { return trayPicture(width, height, scale); },
-          .onClick = [this](XEmbedWindow::Button button,
-                            TrayMenuAnchor anchor) { trayClicked(button, anchor); }});
+          .onClick = [this](const XEmbedWindow::Click& click) { trayClicked(click); }});
 }
 
 void LinuxStatusItem::startTray() {
@@ -230,20 +240,38 @@ AlphaBitmap LinuxStatusItem::trayPicture(int width, int height, int scale) {
   return rasterise(centredImage(square, pointsWide, pointsHigh), engine_, scale);
 }
 
-void LinuxStatusItem::trayClicked(XEmbedWindow::Button button, TrayMenuAnchor anchor) {
-  if (actions_ == nullptr || button != XEmbedWindow::Button::right) {
-    activated({});
+void LinuxStatusItem::trayClicked(const XEmbedWindow::Click& click) {
+  if (click.button == XEmbedWindow::Button::right && actions_ != nullptr) {
+    openTrayMenu(click);
     return;
   }
-  const auto entries = statusMenu(actions_->isPaused != nullptr && actions_->isPaused());
-  std::vector<std::string_view> labels;
-  std::vector<StatusMenuCommand> commands;
-  for (const StatusMenuEntry& entry : entries) {
-    labels.push_back(entry.label);
-    commands.push_back(entry.command);
+  trayMenu_->close();
+  activated(startupId(click.time));
+}
+
+void LinuxStatusItem::openTrayMenu(const XEmbedWindow::Click& click) {
+  const bool wasPaused = isPaused();
+  MenuContent content;
+  for (const StatusMenuEntry& entry : statusMenu(wasPaused)) {
+    content.entries.push_back({static_cast<std::int32_t>(entry.command), std::string(entry.label)});
   }
-  tray_->openMenu(labels, engine_, anchor,
-                  [this, commands](std::size_t entry) { chosen(commands.at(entry)); });
+  content.pointer = click.pointer;
+  content.item = click.window;
+  content.isDark = colorScheme_ == ColorScheme::dark;
+  trayMenu_->open(content, [this, wasPaused, time = click.time](std::int32_t id) {
+    const auto command = statusMenuCommand(id);
+    // The word was another's by then: what it asks for has happened already.
+    const bool isStale = command == StatusMenuCommand::togglePause && isPaused() != wasPaused;
+    if (command == StatusMenuCommand::openSettings) {
+      activated(startupId(time));
+    } else if (command && !isStale) {
+      chosen(*command);
+    }
+  });
+}
+
+bool LinuxStatusItem::isPaused() const {
+  return actions_ != nullptr && actions_->isPaused != nullptr && actions_->isPaused();
 }
 
 void LinuxStatusItem::tellSituation(StatusItemSituation situation) {

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "app/popup_menu.hpp"
 #include "app/status_item.hpp"
 #include "platform/linux/appearance_portal.hpp"
 #include "platform/linux/bus_connection.hpp"
@@ -48,8 +49,9 @@ class LinuxStatusItem final : public StatusItem,
 
   /// Lets the item dock as a window in an X11 tray: where the panel keeps that wide but
   /// not a StatusNotifierItem, and where no panel takes the latter. `display` as in
-  /// DISPLAY. Once, before the loop runs.
-  void useTray(uv_loop_t& loop, std::string display);
+  /// DISPLAY; `menu` opens its menu there and outlives the item. Once, before the loop
+  /// runs.
+  void useTray(uv_loop_t& loop, std::string display, PopupMenu& menu);
 
   [[nodiscard]] double thickness() const override;
   void show(const StatusPresentation& presentation) override;
@@ -72,7 +74,9 @@ class LinuxStatusItem final : public StatusItem,
   void startTray();
   void trayChanged(XEmbedWindow::State state);
   [[nodiscard]] AlphaBitmap trayPicture(int width, int height, int scale);
-  void trayClicked(XEmbedWindow::Button button, TrayMenuAnchor anchor);
+  void trayClicked(const XEmbedWindow::Click& click);
+  void openTrayMenu(const XEmbedWindow::Click& click);
+  [[nodiscard]] bool isPaused() const;
   [[nodiscard]] bool isInTray() const;
   [[nodiscard]] bool isRegistered() const;
   void tellSituation(StatusItemSituation situation);
@@ -101,6 +105,7 @@ class LinuxStatusItem final : public StatusItem,
 
   // Ended first of all. It is here because the watcher tells at once how things stand.
   std::unique_ptr<XEmbedWindow> tray_;
+  PopupMenu* trayMenu_ = nullptr;
   bool isTrayTooNarrow_ = false;  // for the panel that is there now
 
   // Destroyed before what they call.

@@ -5,8 +5,6 @@
 #include <cmath>
 #include <utility>
 
-#include "platform/linux/tray_client.hpp"
-
 namespace vantora {
 namespace {
 
@@ -86,8 +84,6 @@ void XEmbedWindow::start(double width) {
 }
 
 void XEmbedWindow::stop() {
-  menuEnd_.reset();
-  menu_.reset();
   check_.reset();
   report_.reset();
   if (pump_ != nullptr) {
@@ -147,43 +143,7 @@ void XEmbedWindow::prepare() {
   }
 }
 
-void XEmbedWindow::openMenu(const std::vector<std::string_view>& labels, TextEngine& engine,
-                            TrayMenuAnchor anchor,
-                            std::function<void(std::size_t entry)> onChosen) {
-  if (client_ == nullptr) {
-    return;
-  }
-  onChosen_ = std::move(onChosen);
-  menuEnd_.reset();
-  menu_.reset();
-  menu_ =
-      std::make_unique<TrayMenu>(*client_, layOutTrayMenu(labels, engine), engine, anchor,
-                                 [this](std::optional<std::size_t> entry) { menuEnded(entry); });
-}
-
-// In the middle of one of the menu's events: it closes when that is done with.
-void XEmbedWindow::menuEnded(std::optional<std::size_t> entry) {
-  menuEnd_ = queue_.runAfter(Seconds{0}, Seconds{0}, [this, entry] {
-    menu_.reset();
-    const auto onChosen = std::exchange(onChosen_, nullptr);
-    if (entry.has_value() && onChosen != nullptr) {
-      onChosen(*entry);
-    }
-  });
-}
-
 void XEmbedWindow::handleEvent(const xcb_generic_event_t& event) {
-  if (menu_ != nullptr) {
-    menu_->handle(event);
-    // While a menu is open, clicks are its own.
-    switch (event.response_type & eventTypeMask) {
-      case XCB_BUTTON_PRESS:
-      case XCB_BUTTON_RELEASE:
-        return;
-      default:
-        break;
-    }
-  }
   switch (event.response_type & eventTypeMask) {
     case XCB_EXPOSE:
       draw();
@@ -225,12 +185,12 @@ void XEmbedWindow::handleEvent(const xcb_generic_event_t& event) {
       }
       break;
     }
-    case XCB_BUTTON_RELEASE: {
-      const auto& released = reinterpret_cast<const xcb_button_release_event_t&>(event);
-      clicked(released.detail, released.event_x, released.event_y, released.root_x,
-              released.root_y);
+    case XCB_BUTTON_PRESS:
+      pressed(reinterpret_cast<const xcb_button_press_event_t&>(event));
       break;
-    }
+    case XCB_BUTTON_RELEASE:
+      released(reinterpret_cast<const xcb_button_release_event_t&>(event));
+      break;
     default:
       break;
   }
@@ -315,24 +275,41 @@ void XEmbedWindow::draw() {
   }
 }
 
-void XEmbedWindow::clicked(int button, int x, int y, int rootX, int rootY) {
-  if (x < 0 || y < 0 || x >= width_ || y >= height_) {
+void XEmbedWindow::pressed(const xcb_button_press_event_t& event) {
+  pressed_ = event.detail;
+}
+
+// A release without its press ends a click that was somebody else's: the press has closed
+// a menu, for one.
+void XEmbedWindow::released(const xcb_button_release_event_t& event) {
+  const bool isOwn = pressed_ == event.detail;
+  pressed_.reset();
+  const bool isInside =
+      event.event_x >= 0 && event.event_y >= 0 && event.event_x < width_ && event.event_y < height_;
+  if (!isOwn || !isInside) {
     return;  // let go elsewhere: the click was thought better of
   }
-  const TrayMenuAnchor anchor{.left = rootX - x, .top = rootY - y, .bottom = rootY - y + height_};
-  switch (button) {
+  Click click{
+      .pointer = {event.root_x, event.root_y},
+      .window = {event.root_x - event.event_x, event.root_y - event.event_y, width_, height_},
+      .time = event.time};
+  switch (event.detail) {
     case XCB_BUTTON_INDEX_1:
-      callbacks_.onClick(Button::left, anchor);
+      click.button = Button::left;
       break;
     case XCB_BUTTON_INDEX_2:
-      callbacks_.onClick(Button::middle, anchor);
+      click.button = Button::middle;
       break;
     case XCB_BUTTON_INDEX_3:
-      callbacks_.onClick(Button::right, anchor);
+      click.button = Button::right;
       break;
     default:
-      break;  // the wheel
+      return;  // the wheel
   }
+  // Another button may be held still, and the pointer with it, which the click may give to
+  // another program.
+  xcb_ungrab_pointer(client_->x(), event.time);
+  callbacks_.onClick(click);
 }
 
 void XEmbedWindow::setState(State state) {

@@ -14,12 +14,10 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <vector>
 
-#include "platform/linux/tray_menu.hpp"
-#include "platform/linux/xembed_pixels.hpp"
+#include "platform/linux/tray_client.hpp"
 #include "runtime/task_queue.hpp"
+#include "settings/menu_content.hpp"
 #include "status/bitmap.hpp"
 
 namespace vantora {
@@ -35,14 +33,20 @@ class XEmbedWindow {
     squeezed,  ///< It gives less: the window has the size that it was given.
   };
   enum class Button : std::uint8_t { left, middle, right };
+  /// A button was pressed and let go inside of the window. None is held any more.
+  struct Click {
+    Button button = Button::left;
+    ScreenPoint pointer;
+    ScreenArea window;
+    std::uint32_t time = 0;  ///< The X server's, in milliseconds.
+  };
 
   struct Callbacks {
     /// The state is known, or another; never from inside of start(), update() or stop().
     std::function<void(State)> onState;
     /// The picture for a window of this size in pixels.
     std::function<AlphaBitmap(int width, int height, int scale)> picture;
-    /// A button was let go inside of the window, which stands at `anchor`.
-    std::function<void(Button button, TrayMenuAnchor anchor)> onClick;
+    std::function<void(const Click& click)> onClick;
   };
 
   /// `display` as in DISPLAY; empty for the environment's.
@@ -55,12 +59,6 @@ class XEmbedWindow {
   void start(double width);
   /// Takes the window away and lets go of the display.
   void stop();
-
-  /// Opens a menu beside the anchor that onClick told of. One
-  /// menu at a time: another one takes its place. `onChosen` comes with the entry, from
-  /// inside of the loop, and not at all when the menu is given up.
-  void openMenu(const std::vector<std::string_view>& labels, TextEngine& engine,
-                TrayMenuAnchor anchor, std::function<void(std::size_t entry)> onChosen);
 
   /// There is another picture, `width` points wide.
   void update(double width);
@@ -76,13 +74,13 @@ class XEmbedWindow {
   void dock();
   void embedded(bool isInTray);
   void resized(int width, int height);
-  void clicked(int button, int x, int y, int rootX, int rootY);
+  void pressed(const xcb_button_press_event_t& event);
+  void released(const xcb_button_release_event_t& event);
   [[nodiscard]] int wantedWidth() const;
   [[nodiscard]] int wantedHeight() const;
   void askForWidth();
   void checkWidth();
   void draw();
-  void menuEnded(std::optional<std::size_t> entry);
   void setState(State state);
 
   uv_loop_t& loop_;
@@ -98,9 +96,7 @@ class XEmbedWindow {
   int waits_ = 0;
   int width_ = 0;  // what the tray gave, in pixels
   int height_ = 0;
-  std::unique_ptr<TrayMenu> menu_;  // destroyed before the client that it uses
-  std::function<void(std::size_t)> onChosen_;
-  TimerHandle menuEnd_;
+  std::optional<xcb_button_t> pressed_;  // inside of the window, and still held
   TimerHandle check_;
   TimerHandle report_;
 };
