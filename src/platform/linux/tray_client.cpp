@@ -72,14 +72,15 @@ bool TrayClient::open(const std::string& display) {
 
 void TrayClient::internAtoms(int screenNumber) {
   const std::string selectionName = "_NET_SYSTEM_TRAY_S" + std::to_string(screenNumber);
-  const std::array<std::string_view, 7> names{selectionName,
-                                              "MANAGER",
-                                              "_NET_SYSTEM_TRAY_OPCODE",
-                                              "_XEMBED",
-                                              "_XEMBED_INFO",
-                                              "_NET_SYSTEM_TRAY_VISUAL",
-                                              "_NET_SYSTEM_TRAY_COLORS"};
-  std::array<xcb_intern_atom_cookie_t, 7> cookies{};
+  const std::array<std::string_view, atomCount> names{selectionName,
+                                                      "MANAGER",
+                                                      "_NET_SYSTEM_TRAY_OPCODE",
+                                                      "_XEMBED_INFO",
+                                                      "_NET_SYSTEM_TRAY_VISUAL",
+                                                      "_NET_SYSTEM_TRAY_COLORS",
+                                                      "_NET_WM_NAME",
+                                                      "UTF8_STRING"};
+  std::array<xcb_intern_atom_cookie_t, atomCount> cookies{};
   for (std::size_t index = 0; index < names.size(); ++index) {
     cookies[index] = xcb_intern_atom(x_, 0, static_cast<std::uint16_t>(names[index].size()),
                                      names[index].data());
@@ -161,17 +162,26 @@ bool TrayClient::makeWindow(int width, int height) {
                     0, XCB_WINDOW_CLASS_INPUT_OUTPUT, visual_,
                     XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_EVENT_MASK | XCB_CW_COLORMAP,
                     values.data());
-  constexpr std::string_view name = "Vantora";
-  xcb_change_property(x_, XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8,
-                      static_cast<std::uint32_t>(name.size()), name.data());
-  constexpr std::string_view nameAndClass("vantora\0Vantora\0", 16);
-  xcb_change_property(x_, XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
-                      static_cast<std::uint32_t>(nameAndClass.size()), nameAndClass.data());
+  setNames();
   context_ = xcb_generate_id(x_);
   xcb_create_gc(x_, context_, window_, 0, nullptr);
   setInfo(0);
   setSize(width, height);
   return true;
+}
+
+// A constant name: panels remember by it what they keep of an item, its place or that it is
+// hidden. The readings are not for here.
+void TrayClient::setNames() const {
+  constexpr std::string_view name = "Vantora";
+  setText(XCB_ATOM_WM_NAME, XCB_ATOM_STRING, name);
+  setText(atoms_[wmName], atoms_[utf8], name);
+  setText(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, {"vantora\0Vantora\0", 16});
+}
+
+void TrayClient::setText(xcb_atom_t property, xcb_atom_t type, std::string_view text) const {
+  xcb_change_property(x_, XCB_PROP_MODE_REPLACE, window_, property, type, 8,
+                      static_cast<std::uint32_t>(text.size()), text.data());
 }
 
 void TrayClient::setInfo(std::uint32_t flags) const {

@@ -12,6 +12,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "platform/linux/xembed_pixels.hpp"
@@ -27,7 +28,17 @@ using XReply = std::unique_ptr<T, XFree>;
 /// One display with at most one window of ours. Main thread.
 class TrayClient {
  public:
-  enum Atom : std::uint8_t { selection, manager, opcode, xembed, xembedInfo, visual, colours };
+  enum Atom : std::uint8_t {
+    selection,
+    manager,
+    opcode,
+    xembedInfo,
+    visual,
+    colours,
+    wmName,
+    utf8,
+    atomCount
+  };
 
   TrayClient() = default;
   ~TrayClient();
@@ -67,12 +78,14 @@ class TrayClient {
   [[nodiscard]] int bitsPerPixel(std::uint8_t depth) const;
   [[nodiscard]] bool isTranslucent(xcb_visualid_t visual) const;
   void chooseVisual();
+  void setNames() const;
+  void setText(xcb_atom_t property, xcb_atom_t type, std::string_view text) const;
   void setInfo(std::uint32_t flags) const;
 
   xcb_connection_t* x_ = nullptr;
   xcb_screen_t* screen_ = nullptr;
   int scale_ = 1;
-  std::array<xcb_atom_t, 7> atoms_{};
+  std::array<xcb_atom_t, atomCount> atoms_{};
   xcb_window_t tray_ = XCB_NONE;
   xcb_window_t window_ = XCB_NONE;
   xcb_colormap_t colormap_ = XCB_NONE;
