@@ -228,16 +228,17 @@ void LinuxStatusItem::trayChanged(XEmbedWindow::State state) {
 }
 
 AlphaBitmap LinuxStatusItem::trayPicture(int width, int height, int scale) {
+  const double pointsWide = static_cast<double>(width) / scale;
+  const double pointsHigh = static_cast<double>(height) / scale;
+  const double side = std::min(pointsWide, pointsHigh);
+  const bool isWide = pointsWide + 1 >= image_.width;
+  StatusImage shown = centredImage(isWide ? image_ : squareImage(firstModule_, side, engine_),
+                                   pointsWide, pointsHigh);
   // A hair less than the window, so that rounding up meets its pixels.
   constexpr double hair = 1e-6;
-  const double pointsWide = static_cast<double>(width) / scale - hair;
-  const double pointsHigh = static_cast<double>(height) / scale - hair;
-  if (pointsWide + 1 >= image_.width) {
-    return rasterise(centredImage(image_, pointsWide, pointsHigh), engine_, scale);
-  }
-  const double side = std::min(pointsWide, pointsHigh);
-  const StatusImage square = squareImage(firstModule_, side, engine_);
-  return rasterise(centredImage(square, pointsWide, pointsHigh), engine_, scale);
+  shown.width -= hair;
+  shown.height -= hair;
+  return rasterise(shown, engine_, scale);
 }
 
 void LinuxStatusItem::trayClicked(const XEmbedWindow::Click& click) {

@@ -14,6 +14,7 @@
 #include "platform/linux/loop_driver.hpp"
 #include "platform/linux/private_bus.hpp"
 #include "platform/linux/scripted_panel.hpp"
+#include "platform/linux/scripted_portal.hpp"
 #include "status/rasterise.hpp"
 #include "support/virtual_time.hpp"
 
@@ -24,6 +25,7 @@ using test::BlockTextEngine;
 using test::ItemProperties;
 using test::PrivateBus;
 using test::ScriptedPanel;
+using test::ScriptedPortal;
 using test::VirtualQueue;
 using test::VirtualTime;
 
@@ -40,49 +42,6 @@ StatusPresentation presentation(const std::string& first, const std::string& sec
   shown.accessibilityText = "CPU: " + first + ". Rede: " + second;
   return shown;
 }
-
-// The desktop's portal with one setting.
-class ScriptedPortal final : public BusConnection::Listener {
- public:
-  ScriptedPortal(BusConnection& connection, std::uint32_t scheme)
-      : connection_(connection), scheme_(scheme) {
-    connection_.add(*this);
-  }
-  ~ScriptedPortal() override { connection_.remove(*this); }
-  void busConnected(sd_bus& bus) override {
-    bus_ = &bus;
-    sd_bus_add_object_vtable(&bus, out(object_), path, interface, table, this);
-    sd_bus_request_name_async(
-        &bus, out(name_), "org.freedesktop.portal.Desktop", 0,
-        [](sd_bus_message*, void*, sd_bus_error*) { return 0; }, nullptr);
-  }
-  void busLost() override {}
-  void change(std::uint32_t scheme) {
-    scheme_ = scheme;
-    sd_bus_emit_signal(bus_, path, interface, "SettingChanged", "ssv", "org.freedesktop.appearance",
-                       "color-scheme", "u", scheme);
-  }
-
- private:
-  static constexpr const char* path = "/org/freedesktop/portal/desktop";
-  static constexpr const char* interface = "org.freedesktop.portal.Settings";
-  static int onRead(sd_bus_message* call, void* self, sd_bus_error*) {
-    return sd_bus_reply_method_return(call, "v", "v", "u",
-                                      static_cast<ScriptedPortal*>(self)->scheme_);
-  }
-  static const sd_bus_vtable table[];
-  BusConnection& connection_;
-  std::uint32_t scheme_;
-  sd_bus* bus_ = nullptr;
-  BusSlot object_;
-  BusSlot name_;
-};
-const sd_bus_vtable ScriptedPortal::table[] = {
-    SD_BUS_VTABLE_START(0),
-    SD_BUS_METHOD("Read", "ss", "v", onRead, SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_SIGNAL("SettingChanged", "ssv", 0),
-    SD_BUS_VTABLE_END,
-};
 
 class LinuxStatusItemTest : public testing::Test {
  protected:

@@ -1,0 +1,361 @@
+// SPDX-License-Identifier: MIT
+//
+// The item between a panel on the bus and a tray on the display: where it stands, what it
+// shows there, and what clicks do.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/linux/block_text_engine.hpp"
+#include "platform/linux/linux_status_item.hpp"
+#include "platform/linux/loop_driver.hpp"
+#include "platform/linux/private_bus.hpp"
+#include "platform/linux/private_display.hpp"
+#include "platform/linux/scripted_panel.hpp"
+#include "platform/linux/scripted_portal.hpp"
+#include "platform/linux/scripted_tray.hpp"
+#include "platform/linux/xembed_pixels.hpp"
+#include "status/rasterise.hpp"
+#include "support/virtual_time.hpp"
+
+namespace vantora {
+namespace {
+
+using test::ScriptedPanel;
+using test::ScriptedTray;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr const char* xfce = "panel-6-systray";
+
+StyledText line(const std::string& text) {
+  return {{.text = text, .font = {.face = FontFace::tabularDigits, .pointSize = 9}}};
+}
+
+StatusPresentation presentation() {
+  StatusPresentation shown;
+  shown.image = {.width = 60,
+                 .height = 22,
+                 .texts = {{2, 3, line("48")}, {2, 13, line("12%")}, {30, 3, line("0,1M")}}};
+  shown.width = 60;
+  shown.accessibilityText = "CPU: 12%. Rede: 0,1M";
+  return shown;
+}
+
+class FakePopupMenu final : public PopupMenu {
+ public:
+  void open(const MenuContent& content, OnChosen onChosen) override {
+    opened.push_back(content);
+    onChosen_ = std::move(onChosen);
+  }
+  void close() override {
+    ++closings;
+    onChosen_ = nullptr;
+  }
+  void choose(std::int32_t id) {
+    const OnChosen onChosen = std::move(onChosen_);
+    onChosen(id);
+  }
+
+  std::vector<MenuContent> opened;
+  int closings = 0;
+
+ private:
+  OnChosen onChosen_;
+};
+
+class StatusItemTrayTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (display_.name().empty()) {
+      GTEST_SKIP() << "Xvfb is not installed";
+    }
+    panelConnection_.open();
+  }
+
+  void startPanel(const std::string& name) {
+    const std::string directory = processRoot() + "/" + std::to_string(::getpid());
+    std::filesystem::create_directories(directory);
+    std::ofstream(directory + "/comm") << name << '\n';
+    panel_ = std::make_unique<ScriptedPanel>(panelConnection_);
+  }
+  void startTray(ScriptedTray::Script script = {}) {
+    tray_ = std::make_unique<ScriptedTray>(display_.name(), script);
+  }
+  void startItem() {
+    LinuxStatusItem::Options options;
+    options.processRoot = processRoot();
+    item_ = std::make_unique<LinuxStatusItem>(
+        itemConnection_, *queue_, engine_, options,
+        [this](StatusItemSituation situation) { situations_.push_back(situation); });
+    item_->useTray(loop_.raw(), display_.name(), menu_);
+    item_->setActions(
+        {.openSettings =
+             [this](std::string_view token) { did_.push_back("open:" + std::string(token)); },
+         .togglePause =
+             [this] {
+               isPaused_ = !isPaused_;
+               did_.emplace_back("pause");
+             },
+         .quit = [this] { did_.emplace_back("quit"); },
+         .isPaused = [this] { return isPaused_; }});
+    item_->show(presentation());
+    itemConnection_.open();
+  }
+  bool until(const std::function<bool()>& isDone) {
+    return test::runUntil(loop_, [&] {
+      if (tray_ != nullptr) {
+        tray_->handleEvents();
+      }
+      time_.runPosted();
+      return isDone();
+    });
+  }
+  bool untilDocked() {
+    return until([this] { return tray_->isThere() && tray_->isMapped(); });
+  }
+  bool untilUndocked() {
+    return until([this] { return !tray_->isThere(); });
+  }
+  bool untilRegistered(std::size_t count = 1) {
+    return until([this, count] { return panel_->items().size() == count; });
+  }
+  // Lets the tray's half second go by with everything that was sent before it.
+  void settle() {
+    for (int turn = 0; turn < 5; ++turn) {
+      (void)tray_->size();
+      uv_run(&loop_.raw(), UV_RUN_NOWAIT);
+      tray_->handleEvents();
+      time_.runPosted();
+    }
+    time_.advance(Seconds{0.5});
+  }
+  void startInTray() {
+    startTray();
+    startPanel(xfce);
+    startItem();
+    ASSERT_TRUE(untilDocked());
+    settle();
+  }
+  void click(int button, std::uint32_t time = 4321) {
+    tray_->press(button, 10, 8);
+    tray_->release(button, 10, 8, time);
+  }
+  bool untilMenu(std::size_t count) {
+    return until([this, count] { return menu_.opened.size() == count; });
+  }
+  bool untilDid(const std::vector<std::string>& what) {
+    return until([&] { return did_ == what; });
+  }
+  std::string processRoot() const { return bus_.directory() + "/proc"; }
+
+  test::VirtualTime time_;
+  std::unique_ptr<test::VirtualQueue> queue_ = time_.makeQueue();
+  test::PrivateBus bus_;
+  test::PrivateDisplay display_;
+  UvLoop loop_;
+  test::BlockTextEngine engine_;
+  FakePopupMenu menu_;
+  std::vector<StatusItemSituation> situations_;
+  std::vector<std::string> did_;
+  bool isPaused_ = false;
+  BusConnection panelConnection_{loop_.raw(), *queue_, bus_.address()};
+  BusConnection portalConnection_{loop_.raw(), *queue_, bus_.address()};
+  BusConnection itemConnection_{loop_.raw(), *queue_, bus_.address()};
+  std::unique_ptr<test::ScriptedPortal> portal_;
+  std::unique_ptr<ScriptedTray> tray_;
+  std::unique_ptr<ScriptedPanel> panel_;
+  std::unique_ptr<LinuxStatusItem> item_;
+};
+
+TEST_F(StatusItemTrayTest, DocksWhereThePanelKeepsAWindowWide) {
+  startInTray();
+  EXPECT_THAT(panel_->items(), IsEmpty()) << "not twice in one panel";
+  EXPECT_THAT(situations_, ElementsAre(StatusItemSituation::shown));
+  EXPECT_EQ(tray_->size(), std::pair(66, 24)) << "three points on either side of the picture";
+  StatusImage image = presentation().image;
+  image.width = 66;
+  image.height = 24;
+  for (PlacedText& text : image.texts) {
+    text.x += 3;
+    text.y += 1;
+  }
+  const AlphaBitmap expected = rasterise(image, engine_, 1);
+  EXPECT_TRUE(until(
+      [&] { return tray_->pixels() == xPixels(expected, Ink::lightOnPlate, TrayDepth::opaque); }));
+}
+
+TEST_F(StatusItemTrayTest, StaysOnTheBusWhereThePanelShowsItWide) {
+  startTray();
+  startPanel("waybar");
+  startItem();
+  ASSERT_TRUE(untilRegistered());
+  time_.advance(Seconds{600});
+  EXPECT_THAT(tray_->requests(), IsEmpty());
+}
+
+TEST_F(StatusItemTrayTest, GoesBackToTheBusWhereTheTraySqueezesIt) {
+  startTray({.widest = 24});
+  startPanel(xfce);
+  startItem();
+  ASSERT_TRUE(untilDocked());
+  EXPECT_THAT(panel_->items(), IsEmpty());
+  settle();
+  EXPECT_TRUE(untilUndocked());
+  EXPECT_TRUE(untilRegistered());
+  // And does not try that panel again.
+  item_->show(presentation());
+  time_.advance(Seconds{600});
+  EXPECT_EQ(tray_->requests().size(), 1U);
+}
+
+TEST_F(StatusItemTrayTest, GoesBackToTheBusWhenTheTrayIsSqueezedLater) {
+  startInTray();
+  tray_->setWidest(30);
+  settle();
+  EXPECT_TRUE(untilUndocked());
+  EXPECT_TRUE(untilRegistered());
+}
+
+TEST_F(StatusItemTrayTest, TriesThePanelThatComesAfterTheOneThatSqueezedIt) {
+  startTray({.widest = 24});
+  startPanel(xfce);
+  startItem();
+  ASSERT_TRUE(untilDocked());
+  settle();
+  ASSERT_TRUE(untilRegistered());
+  panel_.reset();
+  tray_.reset();
+  startTray();
+  startPanel(xfce);
+  ASSERT_TRUE(untilDocked());
+  settle();
+  EXPECT_THAT(panel_->items(), IsEmpty());
+  EXPECT_EQ(tray_->size(), std::pair(66, 24));
+}
+
+TEST_F(StatusItemTrayTest, DocksAfterAWhileWhereNobodyTakesItOnTheBus) {
+  startTray();
+  startItem();
+  ASSERT_TRUE(until([this] { return time_.pendingCount() == 1; }));
+  time_.advance(Seconds{4.999});
+  EXPECT_THAT(tray_->requests(), IsEmpty());
+  time_.advance(Seconds{0.001});
+  ASSERT_TRUE(untilDocked());
+  ASSERT_TRUE(until([this] { return !situations_.empty(); }));
+  EXPECT_EQ(situations_.back(), StatusItemSituation::shown);
+}
+
+TEST_F(StatusItemTrayTest, ShowsItsFirstModuleInANarrowTrayThatIsAllThereIs) {
+  startTray({.widest = 24});
+  startItem();
+  ASSERT_TRUE(until([this] { return time_.pendingCount() == 1; }));
+  time_.advance(Seconds{5});
+  ASSERT_TRUE(untilDocked());
+  settle();
+  EXPECT_TRUE(tray_->isThere());
+  const StatusImage square = squareImage({line("12%"), line("48")}, 24, engine_);
+  const AlphaBitmap expected = rasterise(square, engine_, 1);
+  EXPECT_TRUE(until(
+      [&] { return tray_->pixels() == xPixels(expected, Ink::lightOnPlate, TrayDepth::opaque); }));
+}
+
+TEST_F(StatusItemTrayTest, DocksAgainWithAPanelThatRestarts) {
+  startInTray();
+  panel_.reset();
+  tray_.reset();
+  time_.advance(Seconds{2});
+  startTray();
+  startPanel(xfce);
+  ASSERT_TRUE(untilDocked());
+  settle();
+  EXPECT_THAT(panel_->items(), IsEmpty());
+}
+
+TEST_F(StatusItemTrayTest, OpensTheSettingsWithTheTimeOfTheClick) {
+  startInTray();
+  click(1, 777);
+  EXPECT_TRUE(untilDid({"open:vantora_TIME777"}));
+  click(2, 888);
+  EXPECT_TRUE(untilDid({"open:vantora_TIME777", "open:vantora_TIME888"}));
+  EXPECT_THAT(menu_.opened, IsEmpty());
+  EXPECT_EQ(menu_.closings, 2) << "a menu that is open goes";
+}
+
+TEST_F(StatusItemTrayTest, OpensTheSameMenuAsOnTheBus) {
+  startInTray();
+  click(3);
+  ASSERT_TRUE(untilMenu(1));
+  const MenuContent& content = menu_.opened.front();
+  EXPECT_THAT(content.entries, ElementsAre(MenuEntry{1, "Configurações…"}, MenuEntry{2, "Pausar"},
+                                           MenuEntry{3, "Sair"}));
+  const auto [x, y] = tray_->place();
+  EXPECT_EQ(content.item, (ScreenArea{x, y, 66, 24}));
+  EXPECT_EQ(content.pointer, (ScreenPoint{x + 10, y + 8}));
+  EXPECT_FALSE(content.isDark);
+  EXPECT_THAT(did_, IsEmpty());
+}
+
+TEST_F(StatusItemTrayTest, DoesWhatIsChosen) {
+  startInTray();
+  click(3, 999);
+  ASSERT_TRUE(untilMenu(1));
+  menu_.choose(1);
+  EXPECT_TRUE(untilDid({"open:vantora_TIME999"}));
+  click(3);
+  ASSERT_TRUE(untilMenu(2));
+  menu_.choose(2);
+  EXPECT_TRUE(untilDid({"open:vantora_TIME999", "pause"}));
+  click(3);
+  ASSERT_TRUE(untilMenu(3));
+  EXPECT_EQ(menu_.opened.back().entries[1].label, "Retomar");
+  menu_.choose(3);
+  EXPECT_TRUE(untilDid({"open:vantora_TIME999", "pause", "quit"}));
+}
+
+TEST_F(StatusItemTrayTest, DoesNotPauseTwice) {
+  startInTray();
+  click(3);
+  ASSERT_TRUE(untilMenu(1));
+  isPaused_ = true;  // by the settings window, while the menu says "Pausar"
+  menu_.choose(2);
+  time_.runPosted();
+  EXPECT_THAT(did_, IsEmpty());
+}
+
+TEST_F(StatusItemTrayTest, IgnoresAnEntryThatTheMenuDoesNotHave) {
+  startInTray();
+  click(3);
+  ASSERT_TRUE(untilMenu(1));
+  menu_.choose(42);
+  time_.runPosted();
+  EXPECT_THAT(did_, IsEmpty());
+}
+
+TEST_F(StatusItemTrayTest, OpensADarkMenuOnADarkDesktop) {
+  portalConnection_.open();
+  portal_ = std::make_unique<test::ScriptedPortal>(portalConnection_, 1);
+  startInTray();
+  ASSERT_TRUE(until([this] {
+    click(3);
+    return !menu_.opened.empty() && menu_.opened.back().isDark;
+  }));
+}
+
+TEST_F(StatusItemTrayTest, TakesItsMenuWithIt) {
+  startInTray();
+  click(3);
+  ASSERT_TRUE(untilMenu(1));
+  item_.reset();
+  EXPECT_EQ(menu_.closings, 1);
+  EXPECT_TRUE(until([this] { return !tray_->isThere(); }));
+}
+
+}  // namespace
+}  // namespace vantora

@@ -1,0 +1,386 @@
+// SPDX-License-Identifier: MIT
+//
+// The docked window on a display of its own, with a tray that the test plays.
+#include "platform/linux/xembed_window.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "platform/linux/loop_driver.hpp"
+#include "platform/linux/private_display.hpp"
+#include "platform/linux/scripted_tray.hpp"
+#include "platform/linux/xembed_pixels.hpp"
+#include "support/virtual_time.hpp"
+
+namespace vantora {
+namespace {
+
+using State = XEmbedWindow::State;
+using test::PrivateDisplay;
+using test::ScriptedTray;
+using test::VirtualQueue;
+using test::VirtualTime;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr Seconds settled{0.5};
+constexpr Seconds moment{0.001};
+
+class XEmbedWindowTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (display_.name().empty()) {
+      GTEST_SKIP() << "Xvfb is not installed";
+    }
+    window_ = std::make_unique<XEmbedWindow>(
+        loop_.raw(), *queue_, display_.name(),
+        XEmbedWindow::Callbacks{
+            .onState = [this](State state) { states_.push_back(state); },
+            .picture =
+                [this](int width, int height, int) {
+                  ++drawings_;
+                  return picture(width, height);
+                },
+            .onClick = [this](const XEmbedWindow::Click& click) { clicks_.push_back(click); }});
+  }
+
+  // Ink that differs from pixel to pixel.
+  static AlphaBitmap picture(int width, int height) {
+    AlphaBitmap bitmap(width, height);
+    for (int y = 0; y < height; ++y) {
+      for (int x = 0; x < width; ++x) {
+        bitmap.at(x, y) = static_cast<std::uint8_t>(x * 7 + y * 31);
+      }
+    }
+    return bitmap;
+  }
+
+  void startTray(ScriptedTray::Script script = {}) {
+    tray_ = std::make_unique<ScriptedTray>(display_.name(), script);
+  }
+  // Lets both sides do what has arrived until the condition holds.
+  bool until(const std::function<bool()>& isDone) {
+    return test::runUntil(loop_, [&] {
+      if (tray_ != nullptr) {
+        tray_->handleEvents();
+      }
+      time_.runPosted();
+      return isDone();
+    });
+  }
+  bool untilState(State state) {
+    return until([&] { return !states_.empty() && states_.back() == state; });
+  }
+  bool untilSize(int width, int height) {
+    return until([&] { return tray_->size() == std::pair(width, height); });
+  }
+  bool untilPixels(Ink ink, TrayDepth depth) {
+    return until([&] {
+      const auto [width, height] = tray_->size();
+      return tray_->pixels() == xPixels(picture(width, height), ink, depth);
+    });
+  }
+  // Docked, with the time that the tray has to lay itself out gone by.
+  bool dock(double points = 40) {
+    window_->start(points);
+    if (!until([&] { return tray_->isThere() && tray_->isMapped(); })) {
+      return false;
+    }
+    settle();
+    return untilState(State::docked);
+  }
+  // What has happened so far has reached the window, and half a second goes by.
+  void settle() {
+    sync();
+    time_.advance(settled);
+  }
+  // Whatever either side has sent has arrived at the other, and was handled.
+  void sync() {
+    for (int turn = 0; turn < 5; ++turn) {
+      (void)tray_->size();  // a round trip
+      uv_run(&loop_.raw(), UV_RUN_NOWAIT);
+      tray_->handleEvents();
+      time_.runPosted();
+    }
+  }
+
+  PrivateDisplay display_;
+  VirtualTime time_;
+  std::unique_ptr<VirtualQueue> queue_ = time_.makeQueue();
+  UvLoop loop_;
+  std::vector<State> states_;
+  std::vector<XEmbedWindow::Click> clicks_;
+  int drawings_ = 0;
+  std::unique_ptr<ScriptedTray> tray_;
+  std::unique_ptr<XEmbedWindow> window_;
+};
+
+TEST_F(XEmbedWindowTest, DocksWithATrayThatIsThere) {
+  startTray();
+  window_->start(40);
+  ASSERT_TRUE(untilState(State::docking));
+  ASSERT_TRUE(until([this] { return tray_->isThere() && tray_->isMapped(); }));
+  EXPECT_EQ(tray_->requests().size(), 1U);
+  EXPECT_TRUE(tray_->isEmbedded());
+  EXPECT_EQ(tray_->size(), std::pair(40, 24)) << "as wide as asked for, as high as the tray";
+  sync();
+  time_.advance(settled - moment);
+  EXPECT_EQ(window_->state(), State::docking);
+  time_.advance(moment);
+  EXPECT_EQ(window_->state(), State::docked);
+  EXPECT_THAT(states_, ElementsAre(State::docking, State::docked));
+}
+
+TEST_F(XEmbedWindowTest, DocksWhenATrayComes) {
+  window_->start(40);
+  ASSERT_TRUE(untilState(State::absent));
+  startTray();
+  ASSERT_TRUE(until([this] { return tray_->isThere() && tray_->isMapped(); }));
+  settle();
+  EXPECT_THAT(states_, ElementsAre(State::absent, State::docking, State::docked));
+}
+
+TEST_F(XEmbedWindowTest, StaysUnseenUntilTheTrayHasTakenItIn) {
+  startTray({.embeds = false});
+  window_->start(40);
+  ASSERT_TRUE(until([this] { return tray_->isThere(); }));
+  sync();
+  EXPECT_FALSE(tray_->isMapped());
+  EXPECT_THAT(tray_->info(), ElementsAre(0U, 0U));
+  tray_->embed();
+  ASSERT_TRUE(until([this] { return tray_->isMapped(); }));
+  EXPECT_THAT(tray_->info(), ElementsAre(0U, 1U));
+}
+
+TEST_F(XEmbedWindowTest, WaitsFiveSecondsForATrayThatIsSlow) {
+  startTray({.embeds = false});
+  window_->start(40);
+  ASSERT_TRUE(until([this] { return tray_->isThere(); }));
+  time_.advance(Seconds{5} - moment);
+  EXPECT_EQ(window_->state(), State::docking);
+  time_.advance(moment);
+  EXPECT_EQ(window_->state(), State::absent);
+  ASSERT_TRUE(until([this] { return !tray_->isThere(); })) << "no window is left on the desktop";
+}
+
+TEST_F(XEmbedWindowTest, SaysWhoseItIs) {
+  startTray();
+  ASSERT_TRUE(dock());
+  EXPECT_EQ(tray_->text("WM_NAME"), "Vantora");
+  EXPECT_EQ(tray_->text("_NET_WM_NAME"), "Vantora");
+  EXPECT_EQ(tray_->text("WM_CLASS"), std::string("vantora\0Vantora\0", 16));
+}
+
+TEST_F(XEmbedWindowTest, ShowsThePictureOnAPlateWhereNobodyTellsTheColours) {
+  startTray();
+  ASSERT_TRUE(dock());
+  EXPECT_TRUE(untilPixels(Ink::lightOnPlate, TrayDepth::opaque));
+}
+
+TEST_F(XEmbedWindowTest, ShowsARoundedPlateInATranslucentTrayThatTellsNoColours) {
+  startTray({.isTranslucent = true});
+  ASSERT_TRUE(dock());
+  EXPECT_TRUE(untilPixels(Ink::lightOnPlate, TrayDepth::translucent));
+}
+
+TEST_F(XEmbedWindowTest, WritesInTheTraysColour) {
+  startTray({.isTranslucent = true, .grey = std::uint16_t{60'000}});
+  ASSERT_TRUE(dock());
+  EXPECT_TRUE(untilPixels(Ink::light, TrayDepth::translucent));
+  tray_->setGrey(9'000);
+  EXPECT_TRUE(untilPixels(Ink::dark, TrayDepth::translucent)) << "the panel's theme has changed";
+}
+
+TEST_F(XEmbedWindowTest, DrawsAgainWhatWasWipedOut) {
+  startTray();
+  ASSERT_TRUE(dock());
+  ASSERT_TRUE(untilPixels(Ink::lightOnPlate, TrayDepth::opaque));
+  sync();
+  const int before = drawings_;
+  tray_->wipe();
+  ASSERT_TRUE(until([&] { return drawings_ > before; }));
+  EXPECT_TRUE(untilPixels(Ink::lightOnPlate, TrayDepth::opaque));
+}
+
+TEST_F(XEmbedWindowTest, DrawsANewPictureOfTheSameWidthInPlace) {
+  startTray();
+  ASSERT_TRUE(dock());
+  const int before = drawings_;
+  window_->update(40);
+  EXPECT_EQ(drawings_, before + 1);
+  settle();
+  EXPECT_EQ(drawings_, before + 1);
+  EXPECT_EQ(tray_->requests().size(), 1U);
+}
+
+TEST_F(XEmbedWindowTest, ChangesItsWidthWhileItIsDocked) {
+  startTray();
+  ASSERT_TRUE(dock());
+  for (const double points : {63.2, 25.0}) {
+    window_->update(points);
+    const int pixels = points > 60 ? 64 : 25;
+    ASSERT_TRUE(untilSize(pixels, 24));
+    settle();
+    EXPECT_TRUE(untilPixels(Ink::lightOnPlate, TrayDepth::opaque));
+  }
+  EXPECT_EQ(window_->state(), State::docked);
+  EXPECT_EQ(tray_->requests().size(), 1U) << "the window stays the same";
+}
+
+TEST_F(XEmbedWindowTest, IsSqueezedByATrayOfSquares) {
+  startTray({.widest = 24});
+  window_->start(40);
+  ASSERT_TRUE(until([this] { return tray_->isThere() && tray_->isMapped(); }));
+  settle();
+  EXPECT_THAT(states_, ElementsAre(State::docking, State::squeezed));
+}
+
+TEST_F(XEmbedWindowTest, IsSqueezedByAVerticalTray) {
+  startTray({.widest = 30, .isVertical = true});
+  window_->start(40);
+  ASSERT_TRUE(until([this] { return tray_->isThere() && tray_->isMapped(); }));
+  settle();
+  EXPECT_THAT(states_, ElementsAre(State::docking, State::squeezed));
+}
+
+TEST_F(XEmbedWindowTest, IsSqueezedWhenItNeedsMoreThanTheTrayHas) {
+  startTray({.widest = 50});
+  ASSERT_TRUE(dock());
+  window_->update(80);
+  ASSERT_TRUE(untilSize(50, 24));
+  sync();
+  time_.advance(settled - moment);
+  EXPECT_EQ(window_->state(), State::docked);
+  time_.advance(moment);
+  EXPECT_EQ(window_->state(), State::squeezed);
+}
+
+TEST_F(XEmbedWindowTest, IsSqueezedOnlyWhenItLastsForHalfASecond) {
+  startTray();
+  ASSERT_TRUE(dock());
+  tray_->setWidest(20);
+  ASSERT_TRUE(untilPixels(Ink::lightOnPlate, TrayDepth::opaque));
+  sync();
+  time_.advance(settled - moment);
+  EXPECT_EQ(window_->state(), State::docked);
+  tray_->setWidest(40);
+  sync();
+  time_.advance(settled + settled);
+  EXPECT_EQ(window_->state(), State::docked);
+  EXPECT_EQ(std::count(states_.begin(), states_.end(), State::squeezed), 0);
+
+  tray_->setWidest(20);
+  settle();
+  EXPECT_EQ(window_->state(), State::squeezed);
+  tray_->setWidest(40);
+  settle();
+  EXPECT_EQ(window_->state(), State::docked) << "the tray has room again";
+}
+
+TEST_F(XEmbedWindowTest, DocksAgainWithATrayThatRestarts) {
+  startTray();
+  ASSERT_TRUE(dock());
+  tray_.reset();
+  ASSERT_TRUE(untilState(State::absent));
+  window_->update(50);
+  states_.clear();
+  startTray();
+  ASSERT_TRUE(until([this] { return tray_->isThere() && tray_->isMapped(); }));
+  settle();
+  EXPECT_THAT(states_, ElementsAre(State::docking, State::docked));
+  EXPECT_EQ(tray_->size(), std::pair(50, 24));
+  EXPECT_TRUE(untilPixels(Ink::lightOnPlate, TrayDepth::opaque));
+}
+
+TEST_F(XEmbedWindowTest, MovesToATrayThatTakesOver) {
+  startTray();
+  ASSERT_TRUE(dock());
+  const auto old = std::move(tray_);
+  startTray();
+  ASSERT_TRUE(until([this] { return tray_->isThere() && tray_->isMapped(); }));
+  EXPECT_FALSE(old->isThere());
+}
+
+TEST_F(XEmbedWindowTest, LeavesNoWindowOnTheDesktopWhenTheTrayGivesItBack) {
+  startTray();
+  ASSERT_TRUE(dock());
+  tray_->giveBack();
+  ASSERT_TRUE(untilState(State::absent));
+  EXPECT_TRUE(until([this] { return !tray_->isThere(); }));
+}
+
+TEST_F(XEmbedWindowTest, GoesWhenItIsStoppedAndComesBackWhenStarted) {
+  startTray();
+  ASSERT_TRUE(dock());
+  window_->stop();
+  EXPECT_EQ(window_->state(), State::absent);
+  EXPECT_TRUE(until([this] { return !tray_->isThere(); }));
+  EXPECT_EQ(time_.pendingCount(), 0U);
+  ASSERT_TRUE(dock());
+  EXPECT_EQ(tray_->requests().size(), 2U);
+}
+
+TEST_F(XEmbedWindowTest, IsAbsentWithoutADisplay) {
+  display_.stop();
+  window_->start(40);
+  ASSERT_TRUE(untilState(State::absent));
+  window_->update(50);
+  EXPECT_THAT(states_, ElementsAre(State::absent));
+}
+
+TEST_F(XEmbedWindowTest, IsAbsentAndAtRestOnceTheDisplayIsGone) {
+  startTray();
+  ASSERT_TRUE(dock());
+  tray_.reset();
+  display_.stop();
+  ASSERT_TRUE(untilState(State::absent));
+  for (int turn = 0; turn < 3; ++turn) {
+    uv_run(&loop_.raw(), UV_RUN_NOWAIT);
+    time_.runPosted();
+  }
+  EXPECT_EQ(time_.pendingCount(), 0U);
+  EXPECT_EQ(uv_backend_timeout(&loop_.raw()), -1) << "something is left that turns the loop";
+}
+
+TEST_F(XEmbedWindowTest, TellsWhichButtonWasClickedAndWhere) {
+  startTray();
+  ASSERT_TRUE(dock());
+  using Button = XEmbedWindow::Button;
+  const std::vector<Button> buttons{Button::left, Button::middle, Button::right};
+  for (int number = 1; number <= 3; ++number) {
+    tray_->press(number, 7, 9);
+    tray_->release(number, 8, 10, 777);
+    ASSERT_TRUE(until([&] { return clicks_.size() == static_cast<std::size_t>(number); }));
+    EXPECT_EQ(clicks_.back().button, buttons[static_cast<std::size_t>(number - 1)]);
+  }
+  const auto [x, y] = tray_->place();
+  EXPECT_EQ(clicks_.back().pointer, (ScreenPoint{x + 8, y + 10}));
+  EXPECT_EQ(clicks_.back().window, (ScreenArea{x, y, 40, 24}));
+  EXPECT_EQ(clicks_.back().time, 777U);
+}
+
+TEST_F(XEmbedWindowTest, TakesOnlyAPressAndItsReleaseForAClick) {
+  startTray();
+  ASSERT_TRUE(dock());
+  tray_->release(3, 8, 10);  // the press has closed a menu
+  tray_->press(1, 8, 10);
+  tray_->release(1, 41, 10);  // thought better of
+  tray_->press(1, 8, 10);
+  tray_->release(1, 8, -1);
+  tray_->press(1, 8, 10);
+  tray_->release(3, 8, 10);
+  tray_->press(4, 8, 10);  // the wheel
+  tray_->release(4, 8, 10);
+  sync();
+  EXPECT_THAT(clicks_, IsEmpty());
+  tray_->press(2, 8, 10);
+  tray_->release(2, 8, 10);
+  ASSERT_TRUE(until([this] { return clicks_.size() == 1; }));
+}
+
+}  // namespace
+}  // namespace vantora
