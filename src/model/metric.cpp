@@ -36,6 +36,8 @@ constexpr std::array<Entry, metricCount> catalogue{{
     {"claudeWeeklyPercent", "Claude · cota semanal (%)", claude, false, "100%*"},
     {"claudeSessionPercent", "Claude · janela de 5 horas (%)", claude, false, "100%*"},
 }};
+// A line that is missing would be an empty one at the end.
+static_assert(!catalogue.back().id.empty());
 
 const Entry& entry(MetricID metric) {
   return catalogue[static_cast<std::size_t>(metric)];

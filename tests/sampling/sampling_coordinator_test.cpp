@@ -299,6 +299,15 @@ TEST_F(SamplingCoordinatorTest, ReadsNothingForAMetricThatIsNotShown) {
   }
 }
 
+TEST_F(SamplingCoordinatorTest, StoresASampleForEveryShownMetricThatASourceProduces) {
+  for (const MetricID metric : allMetrics) {
+    configure(showing(metric));
+    const auto owner = family(metric);
+    const bool isSampled = owner && owner != MetricFamily::codex && owner != MetricFamily::claude;
+    EXPECT_EQ(last().samples.metrics(), isSampled ? MetricSet{metric} : MetricSet{}) << id(metric);
+  }
+}
+
 TEST_F(SamplingCoordinatorTest, StoresOnlyTheDirectionThatIsShown) {
   configure(showing(MetricID::upload));
   EXPECT_EQ(last().samples.metrics(), MetricSet{MetricID::upload});
