@@ -6,8 +6,7 @@
 namespace vantora {
 
 /// The machine's clocks. uptime() is CLOCK_MONOTONIC on Linux and mach_absolute_time on
-/// macOS, which is what std::chrono::steady_clock stands for on both; neither counts
-/// the time that the machine sleeps.
+/// macOS; neither counts the time that the machine sleeps.
 class SystemClock final : public Clock {
  public:
   [[nodiscard]] Seconds uptime() const override;
