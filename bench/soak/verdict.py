@@ -7,7 +7,7 @@ sixth on: the tenth minute of an hour. Flat means
 - never a zombie, never more children than the agent may have, none older than its deadline;
 - at every rest the same number of descriptors and of threads, and no child;
 - between the rests never another number of threads, and no more descriptors than those at
-  rest, three for each of the most children, and a few that are open for a moment;
+  rest, four for each of the most children, and a few that are open for a moment;
 - memory, as the medians of the spans, anonymous and resident: no straight line of least
   squares that rises by more than MOST_GROWTH at a certainty of 95 % (one-sided, by Student's
   t), and no last span that stands more than MOST_STEP above the first. What a run is too
@@ -23,12 +23,13 @@ import statistics
 MOST_GROWTH = 64  # KiB an hour
 MOST_STEP = {"anonymous_kib": 256, "rss_kib": 1024}  # KiB
 # One conversation each with Codex and Claude Code, and those that were ended in the last
-# three seconds, one of each a second and perhaps with a child of its own; likewise windows.
-MOST_CHILDREN = 2 * 2 * (1 + 3) + 2
+# three seconds, one of each a second: each a child, perhaps one of its own, and its guard.
+# Besides a window and one that was just ended, with their guards.
+MOST_CHILDREN = 2 * (1 + 3) * 3 + 2 * 2
 # Claude Code may take 45 s, what is ended 2.5 s; the rest is for a busy machine.
 MOST_AGE = 60
 MOMENTARY = 8
-DESCRIPTORS_A_CHILD = 3
+DESCRIPTORS_A_CHILD = 4  # its three streams, and its guard
 # Student's t at 0.95 by degrees of freedom.
 STUDENT = [math.inf, 6.31, 2.92, 2.35, 2.13, 2.02, 1.94, 1.89, 1.86, 1.83, 1.81]
 
