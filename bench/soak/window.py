@@ -254,8 +254,9 @@ def main():
     if chance.random() < 0.4:
         tell("closed")
         return
-    how = chance.choice(["killed", "killed", "failed", "nonsense", "half", "flood", "long",
-                         "hanging"])
+    how = chance.choice(["killed", "failed", "nonsense", "half", "flood", "long"])
+    if chance.random() < 0.05:
+        how = "hanging"  # for the agent's patience, 20 s in which nobody changes anything
     tell(how)
     end_badly(window, how)
 

@@ -78,6 +78,17 @@ class Verdict(unittest.TestCase):
         self.assertIn("rss_kib grows", self.faults(
             rss_kib=lambda second, sample: sample["rss_kib"] + second * 300 / HOUR))
 
+    def test_draws_no_line_through_the_resident_memory_of_a_short_run(self):
+        samples = [sample for sample in run(
+            rss_kib=lambda second, sample: 5000 + second) if sample["second"] < 1500]
+        for sample in samples:
+            sample["second"] /= 5
+        self.assertNotIn("rss_kib grows", "; ".join(verdict.judge(samples, 300)))
+
+    def test_leaves_memory_alone_when_told_to(self):
+        samples = run(anonymous_kib=lambda second, sample: second)
+        self.assertEqual(verdict.judge(samples, HOUR, memory=False), [])
+
     def test_finds_a_step_that_is_no_line(self):
         self.assertIn("anonymous_kib went", self.faults(
             anonymous_kib=lambda second, sample: sample["anonymous_kib"] + 500 * (second > 3200)))
