@@ -87,9 +87,15 @@ class Agent {
   agent_ = std::make_unique<vantora::Agent>(std::move(*folder));
 }
 
-- (BOOL)applicationShouldHandleReopen:(id)__unused sender
+- (BOOL)applicationShouldHandleReopen:(NSApplication*)__unused sender
                     hasVisibleWindows:(BOOL)__unused hasVisibleWindows {
   return agent_ != nullptr && agent_->reopen();
+}
+
+// There is no window of ours to restore. Without an answer AppKit writes into the system's
+// log at every start.
+- (BOOL)applicationSupportsSecureRestorableState:(NSApplication*)__unused application {
+  return YES;
 }
 
 - (void)applicationWillTerminate:(NSNotification*)__unused notification {

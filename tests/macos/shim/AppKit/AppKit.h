@@ -11,7 +11,7 @@
 
 NS_ASSUME_NONNULL_BEGIN
 
-@class NSMenu, NSStringDrawingContext;
+@class NSApplication, NSMenu, NSStringDrawingContext;
 
 // Fonts, colours and text.
 
@@ -134,7 +134,10 @@ static const CGFloat NSVariableStatusItemLength = -1.0;
 @optional
 - (void)applicationDidFinishLaunching:(NSNotification*)notification;
 - (void)applicationWillTerminate:(NSNotification*)notification;
-- (BOOL)applicationShouldHandleReopen:(id)sender hasVisibleWindows:(BOOL)hasVisibleWindows;
+- (BOOL)applicationShouldHandleReopen:(NSApplication*)sender
+                    hasVisibleWindows:(BOOL)hasVisibleWindows;
+- (BOOL)applicationSupportsSecureRestorableState:(NSApplication*)application
+    API_AVAILABLE(macos(12.0));
 @end
 
 @interface NSApplication : NSResponder
