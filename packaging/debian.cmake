@@ -17,7 +17,7 @@ of Codex CLI and Claude Code. A settings window arranges it.
 .
 vantora-print gives the same readings to terminals, tmux, i3bar and waybar.
 The texts of all three programs are in Brazilian Portuguese.")
-set(CPACK_STRIP_FILES ON)
+set(CPACK_PRE_BUILD_SCRIPTS "${documents}/strip.cmake")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 # Folders of the package are everybody's to read, whatever the umask.
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
