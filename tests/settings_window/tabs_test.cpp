@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -413,17 +414,24 @@ TEST_F(TabsTest, GiveEveryControlANameOfItsOwnAndAPlaceInTheTabOrder) {
     view_->setCurrentTab(tab);
     QApplication::processEvents();
     QStringList names;
-    for (const auto* widget : page(tab)->findChildren<QWidget*>()) {
-      const bool isControl = qobject_cast<const QAbstractButton*>(widget) != nullptr ||
-                             qobject_cast<const QComboBox*>(widget) != nullptr ||
-                             qobject_cast<const QSpinBox*>(widget) != nullptr;
+    for (auto* widget : page(tab)->findChildren<QWidget*>()) {
+      const bool isPicker = qobject_cast<QComboBox*>(widget) != nullptr;
+      const bool isControl = isPicker || qobject_cast<QAbstractButton*>(widget) != nullptr ||
+                             qobject_cast<QSpinBox*>(widget) != nullptr ||
+                             (qobject_cast<QLineEdit*>(widget) != nullptr &&
+                              qobject_cast<QSpinBox*>(widget->parentWidget()) == nullptr);
       if (isControl && widget->isVisibleTo(page(tab))) {
-        EXPECT_FALSE(widget->accessibleName().isEmpty());
-        EXPECT_NE(widget->focusPolicy() & Qt::TabFocus, 0)
-            << widget->accessibleName().toStdString();
-        EXPECT_FALSE(names.contains(widget->accessibleName()))
-            << widget->accessibleName().toStdString();
-        names << widget->accessibleName();
+        const auto* spoken = QAccessible::queryAccessibleInterface(widget);
+        ASSERT_NE(spoken, nullptr);
+        const QString name = spoken->text(isPicker ? QAccessible::Description : QAccessible::Name);
+        EXPECT_FALSE(name.isEmpty());
+        EXPECT_NE(widget->focusPolicy() & Qt::TabFocus, 0) << name.toStdString();
+        EXPECT_FALSE(names.contains(name)) << name.toStdString();
+        EXPECT_EQ(name, widget->accessibleName());
+        if (tab == modulesTab && !name.startsWith(QStringLiteral("Adicionar "))) {
+          EXPECT_TRUE(name.contains(QStringLiteral(", módulo "))) << name.toStdString();
+        }
+        names << name;
       }
     }
     EXPECT_FALSE(names.isEmpty());

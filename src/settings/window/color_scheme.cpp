@@ -39,7 +39,10 @@ bool looksDark() {
 }
 
 void useDarkColors(bool isDark) {
-  QApplication::setPalette(isDark ? darkPalette() : QApplication::style()->standardPalette());
+  const QPalette wanted = isDark ? darkPalette() : QApplication::style()->standardPalette();
+  if (QApplication::palette() != wanted) {
+    QApplication::setPalette(wanted);
+  }
 }
 
 }  // namespace vantora

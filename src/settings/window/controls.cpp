@@ -38,17 +38,20 @@ class NoteLabel final : public QLabel {
   NoteLabel() { fade(); }
 
  protected:
-  bool event(QEvent* event) override {
-    if (event->type() == QEvent::ApplicationPaletteChange) {
+  void changeEvent(QEvent* event) override {
+    if (event->type() == QEvent::PaletteChange) {
       fade();
     }
-    return QLabel::event(event);
+    QLabel::changeEvent(event);
   }
 
  private:
   void fade() {
     QColor ink = QGuiApplication::palette().color(QPalette::WindowText);
     ink.setAlphaF(noteOpacity);
+    if (palette().color(QPalette::WindowText) == ink) {
+      return;  // Its own change.
+    }
     QPalette faded;  // Of which this one colour counts, the others stay the parent's.
     faded.setColor(QPalette::WindowText, ink);
     setPalette(faded);
@@ -79,13 +82,20 @@ QSpinBox* makeSpinBox(const Limits& limits, const QString& spokenName) {
 
 QComboBox* makePicker(const QString& spokenName) {
   auto* picker = new WheelOnlyWithFocus<QComboBox>;
-  picker->setAccessibleName(spokenName);
+  setSpokenName(picker, spokenName);
   // Long titles are cut in the closed picker rather than made the width of everything.
   picker->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   picker->setMinimumContentsLength(8);
   picker->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
   picker->setMaxVisibleItems(20);
   return picker;
+}
+
+void setSpokenName(QWidget* control, const QString& name) {
+  control->setAccessibleName(name);
+  if (qobject_cast<QComboBox*>(control) != nullptr) {
+    control->setAccessibleDescription(name);
+  }
 }
 
 QLabel* makeText(const QString& text) {

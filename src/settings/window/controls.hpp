@@ -21,6 +21,10 @@ namespace vantora::Controls {
 [[nodiscard]] QSpinBox* makeSpinBox(const Limits& limits, const QString& spokenName);
 [[nodiscard]] QComboBox* makePicker(const QString& spokenName);
 
+/// Names a control for assistive tools. A picker is described by its name, too: on the
+/// accessibility bus of Linux its name is the choice that it shows.
+void setSpokenName(QWidget* control, const QString& name);
+
 /// A text that wraps and can be selected; never taken for markup.
 [[nodiscard]] QLabel* makeText(const QString& text = {});
 /// The same in the smaller and fainter dress of an explanation.

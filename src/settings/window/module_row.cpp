@@ -174,7 +174,7 @@ void ModuleRow::nameAfterModule(const M& module, std::size_t index) {
   for (const auto& [control, own] : named_) {
     const QString full = own + QStringLiteral(", ") + name;
     if (control->accessibleName() != full) {
-      control->setAccessibleName(full);
+      Controls::setSpokenName(control, full);
     }
   }
 }

@@ -37,8 +37,6 @@ class ModuleRow final : public QFrame {
   void edit(const std::function<void(ModuleConfiguration&)>& change);
   [[nodiscard]] QWidget* makeContentHalf();
   [[nodiscard]] QWidget* makeShapeHalf();
-  [[nodiscard]] QWidget* makeWidthControls();
-  [[nodiscard]] QWidget* makeOwnGapControls();
   [[nodiscard]] int sideMargins() const;
   [[nodiscard]] static QString hideFansNarrowText();
   [[nodiscard]] int hideFansWidth(const QString& text) const;
