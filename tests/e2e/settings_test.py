@@ -2,10 +2,10 @@
 """settings_test.py VANTORA [FOLDER]
 
 The real agent and its real settings window under Xvfb, driven through the accessibility
-bus as a screen reader would: edit, reorder, pause, export, import, restore, close. Each
-step is looked up in the configuration that the agent saved. With FOLDER, a picture of the
-screen after each step goes there. Packages: xvfb, dbus-daemon, at-spi2-core,
-gir1.2-atspi-2.0, python3-gi; imagemagick for the pictures.
+bus as a screen reader would: edit, reorder, fill the list, pause, export, import, restore,
+close and open again, in light and dark. Each step is looked up in the configuration that
+the agent saved. With FOLDER, a picture of the screen after each step goes there. Packages:
+xvfb, dbus-daemon, at-spi2-core, gir1.2-atspi-2.0, python3-gi, xdotool, imagemagick.
 """
 import json
 import os
@@ -119,9 +119,52 @@ class Panel:
         threading.Thread(target=serve, daemon=True).start()
 
     def click(self, glib, gio):
+        """Opens the window."""
         item = until("the status item", lambda: self.item)
         self.bus.call_sync(item, "/StatusNotifierItem", "org.kde.StatusNotifierItem", "Activate",
                            glib.Variant("(ii)", (0, 0)), None, gio.DBusCallFlags.NONE, 5000, None)
+
+
+class Portal:
+    """The desktop's word for light and dark."""
+
+    INTERFACE = """<node><interface name='org.freedesktop.portal.Settings'>
+      <method name='Read'><arg type='s' direction='in'/><arg type='s' direction='in'/>
+        <arg type='v' direction='out'/></method>
+      <signal name='SettingChanged'><arg type='s'/><arg type='s'/><arg type='v'/></signal>
+      </interface></node>"""
+    PATH = "/org/freedesktop/portal/desktop"
+    NAME = "org.freedesktop.portal.Settings"
+
+    def __init__(self, gio, glib):
+        self.glib = glib
+        # A connection of its own: the accessibility library turns the usual one's context.
+        self.bus = gio.DBusConnection.new_for_address_sync(
+            os.environ["DBUS_SESSION_BUS_ADDRESS"],
+            gio.DBusConnectionFlags.AUTHENTICATION_CLIENT |
+            gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION, None, None)
+        self.scheme = 2
+
+        def call(_bus, _sender, _path, _interface, _method, _parameters, invocation):
+            value = glib.Variant("v", glib.Variant("u", self.scheme))
+            invocation.return_value(glib.Variant("(v)", (value,)))
+
+        def serve():
+            context = glib.MainContext.new()
+            context.push_thread_default()
+            node = gio.DBusNodeInfo.new_for_xml(self.INTERFACE)
+            self.bus.register_object(self.PATH, node.interfaces[0], call, None, None)
+            gio.bus_own_name_on_connection(self.bus, "org.freedesktop.portal.Desktop",
+                                           gio.BusNameOwnerFlags.NONE, None, None)
+            glib.MainLoop(context).run()
+
+        threading.Thread(target=serve, daemon=True).start()
+
+    def choose(self, scheme):
+        self.scheme = scheme
+        self.bus.emit_signal(None, self.PATH, self.NAME, "SettingChanged", self.glib.Variant(
+            "(ssv)", ("org.freedesktop.appearance", "color-scheme",
+                      self.glib.Variant("u", scheme))))
 
 
 class Window:
@@ -183,6 +226,29 @@ class Window:
             self.atspi.generate_keyboard_event(key, None, self.atspi.KeySynthType.SYM)
             time.sleep(0.1)
 
+    def key(self, keysym):
+        self.atspi.generate_keyboard_event(keysym, None, self.atspi.KeySynthType.SYM)
+
+    def focus(self, control):
+        self.atspi.Component.grab_focus(control)
+        until(f"the focus on {control.get_name()}", lambda: control.get_state_set().contains(
+            self.atspi.StateType.FOCUSED))
+
+    def has_focus(self, control):
+        return control.get_state_set().contains(self.atspi.StateType.FOCUSED)
+
+    def place(self):
+        place = self.atspi.Component.get_extents(self.frame, self.atspi.CoordType.SCREEN)
+        return place.x, place.y, place.width, place.height
+
+    def ground(self):
+        """How light the window's ground is, from 0 to 255."""
+        x, y, _width, height = self.place()
+        pixel = subprocess.run(
+            ["import", "-window", "root", "-crop", f"1x1+{x + 3}+{y + height - 3}", "-depth", "8",
+             "gray:-"], capture_output=True, check=True).stdout
+        return pixel[0]
+
     def tab(self, name):
         self.atspi.Action.do_action(self.find("page tab", name), 0)  # its only one, "Press"
 
@@ -226,7 +292,13 @@ def run(session, program, pictures):
             subprocess.run(["import", "-window", "root", f"{pictures}/{steps:02}.png"],
                            check=False)
 
+    def on_screen(*commands):
+        """What a window manager would do with the window."""
+        subprocess.run(["xdotool", "search", "--onlyvisible", "--name",
+                        "^Configurações do Vantora", *commands], check=True)
+
     panel = Panel(Gio, GLib)
+    portal = Portal(Gio, GLib)
     agent = session.start([program], stderr=None)
     panel.click(GLib, Gio)
     began = time.monotonic()
@@ -238,12 +310,50 @@ def run(session, program, pictures):
     until("the width saved", lambda: saved()["modules"][0]["width"] == 77)
     step("a width was edited and saved")
 
-    before = [module["id"] for module in saved()["modules"]]
+    def order():
+        return [module["id"] for module in saved()["modules"]]
+
+    before = order()
     window.press("push button", lambda n: n.startswith("Mover, módulo 2 ("))
     window.choose(1)
-    until("the order saved", lambda: [m["id"] for m in saved()["modules"]] ==
-          [before[1], before[0], *before[2:]])
-    step("a module was moved up")
+    until("the order saved", lambda: order() == [before[1], before[0], *before[2:]])
+    step("a module was moved up with the menu")
+
+    on_screen("windowfocus", "--sync")
+    handle = window.find("push button", lambda n: n.startswith("Mover, módulo 1 ("))
+    window.focus(handle)
+    window.key(0xff54)  # Down
+    until("the order saved", lambda: order() == before)
+    if not window.has_focus(handle):
+        raise SystemExit("settings_test: the moved module lost the focus")
+    step("it was moved back down with the keyboard")
+
+    window.press("push button", "Adicionar módulo")
+    row = window.find("frame", "módulo 1 (CPU · uso total)")
+    picker = window.find("combo box", "CPU · uso total", row)
+    until("the focus on the new module's first picker", lambda: window.has_focus(picker))
+    if picker.get_description() != "Linha 1 (L1), módulo 1 (CPU · uso total)":
+        raise SystemExit(f"settings_test: the picker is described {picker.get_description()!r}")
+    until("the new module saved", lambda: len(saved()["modules"]) == len(before) + 1)
+    step("a module was added, shown and ready to be chosen for")
+
+    add = window.find("push button", "Adicionar módulo")
+    for count in range(len(order()) + 1, 25):
+        Atspi.Action.do_action(add, 0)
+        until(f"{count} modules saved", lambda: len(order()) == count)
+    full = order()
+    Atspi.Action.do_action(add, 0)
+    window.find("label", "A barra já tem 24 módulos, o máximo. Remova um para adicionar outro.")
+    step("the 25th module was refused")
+
+    if window.ground() < 200:
+        raise SystemExit(f"settings_test: a light desktop's window is {window.ground()} light")
+    portal.choose(1)
+    until("the dark window", lambda: window.ground() < 100)
+    step("the open window went dark with the desktop")
+    portal.choose(0)
+    until("the light window", lambda: window.ground() > 200)
+    step("and light again")
 
     window.tab("Geral")
     window.press("check box", "Pausar coleta")
@@ -282,6 +392,21 @@ def run(session, program, pictures):
           saved()["modules"][0]["width"] == 34 and saved()["modules"][0]["top"] ==
           "batteryPercent")
     step("the defaults were restored")
+
+    if order() == full:
+        raise SystemExit("settings_test: the restored modules are the old ones")
+    child = window.application().get_process_id()
+    on_screen("windowmove", "--sync", "60", "90")
+    place = until("the moved window",
+                  lambda: window.place() if window.place()[:2] == (60, 90) else None)
+    on_screen("windowfocus", "--sync")
+    subprocess.run(["xdotool", "key", "ctrl+w"], check=True)
+    until("the closed window's end", lambda: not os.path.exists(f"/proc/{child}"))
+    panel.click(GLib, Gio)
+    window = Window(Atspi).open()
+    window.find("check box", "Pausar coleta")  # On the last tab, which was the last one seen.
+    until("the place where it was", lambda: window.place() == place)
+    step("the window was closed and opened again with its tab and place")
 
     child = window.application().get_process_id()
     agent.send_signal(signal.SIGTERM)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "settings/window/settings_view.hpp"
 
+#include <QShortcut>
 #include <QVBoxLayout>
 
 #include "settings/window/appearance_tab.hpp"
@@ -11,6 +12,11 @@
 #include "settings/window/sampling_tab.hpp"
 
 namespace vantora {
+namespace {
+
+constexpr const char* activationVariable = "XDG_ACTIVATION_TOKEN";
+
+}  // namespace
 
 SettingsView::SettingsView(WindowModel& model)
     : model_(model), tabs_(new QTabWidget), notice_(Controls::makeText()) {
@@ -38,6 +44,7 @@ SettingsView::SettingsView(WindowModel& model)
       onPlaceChange();
     }
   });
+  new QShortcut(QKeySequence::Close, this, [this] { close(); });
   if (model_.hasState()) {
     refresh(allWindowFields);
   }
@@ -78,9 +85,13 @@ void SettingsView::paintEvent(QPaintEvent* event) {
 }
 
 void SettingsView::raiseWith(const std::string& activationToken) {
+  // Where Qt's Wayland platform looks for the token when it asks for the activation: as the
+  // window is first shown, and at once in activateWindow().
   if (!activationToken.empty()) {
-    // Where Qt's Wayland platform looks for the token of the next activation.
-    qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
+    qputenv(activationVariable, QByteArray::fromStdString(activationToken));
+  }
+  if (!model_.hasState()) {
+    return;  // It is about to be shown, with its content.
   }
   if (isMinimized()) {
     showNormal();
@@ -88,6 +99,8 @@ void SettingsView::raiseWith(const std::string& activationToken) {
   show();
   raise();
   activateWindow();
+  // Another platform leaves it there; it is good for this one time.
+  qunsetenv(activationVariable);
 }
 
 }  // namespace vantora
