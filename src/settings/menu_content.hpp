@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// A small menu that the agent wants shown, as values.
+// A small menu, and a tool tip, that the agent wants shown, as values.
 #pragma once
 
 #include <cstdint>
@@ -35,6 +35,13 @@ struct MenuContent {
   ScreenArea item;                 ///< What was clicked: not to be covered.
   bool isDark = false;             ///< Whether the desktop prefers dark colours.
   bool operator==(const MenuContent&) const = default;
+};
+
+struct ToolTipContent {
+  std::string text;  ///< Lines parted by "\n".
+  ScreenPoint pointer;
+  bool isDark = false;
+  bool operator==(const ToolTipContent&) const = default;
 };
 
 }  // namespace vantora

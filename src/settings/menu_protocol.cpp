@@ -104,6 +104,42 @@ std::optional<MenuContent> readMenuLine(std::string_view text) {
   return MenuContent{*std::move(entries), *pointer, *item, *isDark};
 }
 
+std::string toolTipLine(const ToolTipContent& content) {
+  std::string text = content.text;
+  if (text.size() > longestToolTip) {
+    constexpr std::string_view ellipsis = "…";
+    std::size_t end = longestToolTip - ellipsis.size();
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
+      --end;
+    }
+    text.replace(end, std::string::npos, ellipsis);
+  }
+  return line({{"type", "toolTip"},
+               {"text", text},
+               {"pointer", {{"x", content.pointer.x}, {"y", content.pointer.y}}},
+               {"isDark", content.isDark}});
+}
+
+std::optional<ToolTipContent> readToolTipLine(std::string_view text) {
+  const auto message = parseJson(text);
+  if (!message || !hasType(*message, "toolTip")) {
+    return std::nullopt;
+  }
+  const Json* textMember = member(*message, "text");
+  const Json* pointerMember = member(*message, "pointer");
+  const Json* darkMember = member(*message, "isDark");
+  if (textMember == nullptr || pointerMember == nullptr || darkMember == nullptr) {
+    return std::nullopt;
+  }
+  auto words = asText(*textMember);
+  const auto pointer = readPoint(*pointerMember);
+  const auto isDark = asBool(*darkMember);
+  if (!words || words->empty() || words->size() > longestToolTip || !pointer || !isDark) {
+    return std::nullopt;
+  }
+  return ToolTipContent{*std::move(words), *pointer, *isDark};
+}
+
 std::string answerLine(const MenuAnswer& answer) {
   if (const auto* chosen = std::get_if<Chosen>(&answer)) {
     return line({{"type", "chosen"}, {"id", chosen->id}});

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // The menu conversation: the lines that the agent and vantora-settings, started to show
-// one menu, exchange. docs/menu-protocol.md describes them. Both ends read strictly;
-// whoever reads a line that it does not understand ends the conversation. Nothing here
+// one menu or one tool tip, exchange. docs/menu-protocol.md describes them. Both ends read
+// strictly; whoever reads a line that it does not understand ends the conversation. Nothing here
 // holds state or throws.
 #pragma once
 
@@ -17,16 +17,20 @@
 
 namespace vantora::MenuProtocol {
 
-/// The argument with which vantora-settings shows a menu and no window.
+/// The arguments with which vantora-settings shows a menu or a tool tip, and no window.
 inline constexpr const char* argument = "--menu";
+inline constexpr const char* toolTipArgument = "--tool-tip";
 
-/// The most bytes that may wait to be cut into lines, at the menu and at the agent.
+/// The most bytes that may wait to be cut into lines, at the menu or the tool tip and at
+/// the agent.
 inline constexpr std::size_t menuReadLimit = 16'384;
 inline constexpr std::size_t agentReadLimit = 1'024;
 
 /// The most entries, and the most bytes of a label.
 inline constexpr std::size_t mostEntries = 32;
 inline constexpr std::size_t longestLabel = 256;
+/// The most bytes of a tool tip.
+inline constexpr std::size_t longestToolTip = 8'192;
 
 /// Coordinates on an X11 screen are 16 bits wide.
 inline constexpr int leastCoordinate = -32'768;
@@ -39,6 +43,10 @@ inline constexpr int mostCoordinate = 32'767;
 /// Nothing for a line that is no menu: no entries or too many, an id twice, an empty or
 /// an overlong label, a place on no screen.
 [[nodiscard]] std::optional<MenuContent> readMenuLine(std::string_view line);
+
+/// As menuLine(). A text that is too long is cut, between two characters.
+[[nodiscard]] std::string toolTipLine(const ToolTipContent& content);
+[[nodiscard]] std::optional<ToolTipContent> readToolTipLine(std::string_view line);
 
 /// The menu is on the screen.
 struct Shown {

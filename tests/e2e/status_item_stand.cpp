@@ -2,8 +2,8 @@
 //
 // status_item_stand [SECONDS [SCALE [MENU]]]: the real status item with readings that a
 // test knows beforehand, for trying panels and for counting what a change of the picture
-// costs. MENU is the program that shows the menu of a docked window. Prints where the item
-// stands and what is clicked, a line each, and ends with "Sair" or SIGTERM.
+// costs. MENU is the program that shows menu and tool tip of a docked window. Prints where the
+// item stands and what is clicked, a line each, and ends with "Sair" or SIGTERM.
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -19,6 +19,7 @@
 #include "runtime/uv_child_process.hpp"
 #include "runtime/uv_loop.hpp"
 #include "settings/agent/menu_process.hpp"
+#include "settings/agent/tool_tip_process.hpp"
 #include "status/status_renderer.hpp"
 
 namespace {
@@ -50,7 +51,10 @@ int run(double interval, int scale, std::string menuProgram) {
       loop.raw(), loop.queue(),
       sessionBusAddress(std::getenv("DBUS_SESSION_BUS_ADDRESS"), std::getenv("XDG_RUNTIME_DIR")));
   UvChildProcessLauncher launcher(loop.raw(), loop.queue());
-  MenuProcess menu({loop.queue(), launcher, std::move(menuProgram), MenuProcess::onX11()});
+  const MenuProcess::Parts popupParts{loop.queue(), launcher, std::move(menuProgram),
+                                      MenuProcess::onX11()};
+  MenuProcess menu(popupParts);
+  ToolTipProcess toolTip(popupParts);
   menu.onFailure = [](const std::string& message) { std::printf("menu: %s\n", message.c_str()); };
   LinuxStatusItem::Options options;
   options.largestScale = scale;
@@ -59,7 +63,7 @@ int run(double interval, int scale, std::string menuProgram) {
                          std::printf("situation: %s\n", std::string(describe(situation)).c_str());
                        });
   if (const char* display = std::getenv("DISPLAY")) {
-    item.useTray(loop.raw(), display, menu);
+    item.useTray(loop.raw(), display, {menu, toolTip});
   }
   int round = 0;
   bool isPaused = false;

@@ -87,6 +87,47 @@ TEST(MenuProtocol, BoundsTheEntriesAndTheirLabels) {
   EXPECT_FALSE(readMenuLine(menuLine(large)));
 }
 
+TEST(MenuProtocol, BringsTheToolTipToTheOtherEnd) {
+  const ToolTipContent toolTip{"CPU: 12%\nRede: \"0,1M\"", {850, 14}, true};
+  const std::string line = toolTipLine(toolTip);
+  EXPECT_EQ(line.find('\n'), line.size() - 1);
+  EXPECT_EQ(readToolTipLine(line), toolTip);
+  EXPECT_FALSE(readMenuLine(line));
+  EXPECT_FALSE(readToolTipLine(menuLine(content())));
+}
+
+TEST(MenuProtocol, CutsALongToolTipBetweenTwoCharacters) {
+  ToolTipContent toolTip{std::string(longestToolTip, 'x'), {1, 2}, false};
+  EXPECT_EQ(readToolTipLine(toolTipLine(toolTip)), toolTip) << "just as long as it may be";
+  for (std::size_t shift = 0; shift < 3; ++shift) {
+    std::string text(shift, 'x');
+    while (text.size() <= longestToolTip) {
+      text += "€";
+    }
+    toolTip.text = text;
+    const std::string line = toolTipLine(toolTip);
+    EXPECT_LT(line.size(), menuReadLimit);
+    const auto read = readToolTipLine(line);
+    ASSERT_TRUE(read);
+    ASSERT_TRUE(read->text.ends_with("…"));
+    const std::string kept = read->text.substr(0, read->text.size() - 3);
+    EXPECT_TRUE(text.starts_with(kept));
+    EXPECT_EQ((kept.size() - shift) % 3, 0U);
+    EXPECT_GT(read->text.size(), longestToolTip - 4);
+  }
+}
+
+TEST(MenuProtocol, RefusesWhatIsNoToolTip) {
+  for (const char* line : {"", "garbage", "[]", R"({"type":"toolTip"})",
+                           R"({"type":"toolTip","text":"","pointer":{"x":1,"y":2},"isDark":true})",
+                           R"({"type":"toolTip","text":7,"pointer":{"x":1,"y":2},"isDark":true})",
+                           R"({"type":"toolTip","text":"a","pointer":{"x":1},"isDark":true})",
+                           R"({"type":"toolTip","text":"a","pointer":{"x":1,"y":2}})",
+                           R"({"text":"a","pointer":{"x":1,"y":2},"isDark":true})"}) {
+    EXPECT_FALSE(readToolTipLine(line)) << line;
+  }
+}
+
 TEST(MenuProtocol, BringsTheAnswersBack) {
   EXPECT_EQ(readAnswerLine(answerLine(Shown{})), MenuAnswer(Shown{}));
   EXPECT_EQ(readAnswerLine(answerLine(Chosen{-7})), MenuAnswer(Chosen{-7}));

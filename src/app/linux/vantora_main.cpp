@@ -27,6 +27,7 @@
 #include "runtime/termination_signals.hpp"
 #include "settings/agent/menu_process.hpp"
 #include "settings/agent/settings_process.hpp"
+#include "settings/agent/tool_tip_process.hpp"
 #include "status/rasterise.hpp"
 
 namespace vantora {
@@ -115,15 +116,17 @@ int run() {
     return *status;
   }
   const TerminationSignals signals(loop.raw(), [&loop] { loop.stop(); });
-  MenuProcess menu({.queue = loop.queue(),
-                    .launcher = application.launcher(),
-                    .executable = settingsProgram(),
-                    .environmentChanges = MenuProcess::onX11()});
-  menu.onFailure = [](const std::string& message) { say(message); };
+  const MenuProcess::Parts popupParts{.queue = loop.queue(),
+                                      .launcher = application.launcher(),
+                                      .executable = settingsProgram(),
+                                      .environmentChanges = MenuProcess::onX11()};
+  MenuProcess menu(popupParts);
+  ToolTipProcess toolTip(popupParts);
+  menu.onFailure = toolTip.onFailure = [](const std::string& message) { say(message); };
   LinuxStatusItem statusItem(bus, loop.queue(), textEngine, {},
                              [](StatusItemSituation situation) { say(describe(situation)); });
   if (const char* display = std::getenv("DISPLAY"); display != nullptr && *display != '\0') {
-    statusItem.useTray(loop.raw(), display, menu);
+    statusItem.useTray(loop.raw(), display, {menu, toolTip});
   }
   XdgUrlOpener urlOpener(loop.raw());
   AppParts parts = application.parts(statusItem, textEngine);

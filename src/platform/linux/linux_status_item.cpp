@@ -42,8 +42,9 @@ LinuxStatusItem::LinuxStatusItem(BusConnection& connection, TaskQueue& queue, Te
                [this](const StatusNotifierWatcher::State& state) { watcherChanged(state); }) {}
 
 LinuxStatusItem::~LinuxStatusItem() {
-  if (trayMenu_ != nullptr) {
-    trayMenu_->close();
+  if (popups_) {
+    popups_->menu.close();
+    popups_->toolTip.hide();
   }
   tray_.reset();
 }
@@ -168,6 +169,7 @@ void LinuxStatusItem::watcherChanged(const StatusNotifierWatcher::State& state) 
     startTray();
   } else if (tray_ != nullptr) {
     tray_->stop();
+    pointerLeft();
   }
   watcher_.setRegistering(!state.isPresent || !isInTray());
 
@@ -193,15 +195,17 @@ void LinuxStatusItem::patienceEnded() {
   }
 }
 
-void LinuxStatusItem::useTray(uv_loop_t& loop, std::string display, PopupMenu& menu) {
-  trayMenu_ = &menu;
+void LinuxStatusItem::useTray(uv_loop_t& loop, std::string display, TrayPopups popups) {
+  popups_.emplace(popups);
   tray_ = std::make_unique<XEmbedWindow>(
       loop, queue_, std::move(display),
       XEmbedWindow::Callbacks{
           .onState = [this](XEmbedWindow::State state) { trayChanged(state); },
           .picture = [this](int width, int height,
                             int scale) { return trayPicture(width, height, scale); },
-          .onClick = [this](const XEmbedWindow::Click& click) { trayClicked(click); }});
+          .onClick = [this](const XEmbedWindow::Click& click) { trayClicked(click); },
+          .onEnter = [this](const ScreenPoint& pointer) { pointerEntered(pointer); },
+          .onLeave = [this] { pointerLeft(); }});
 }
 
 void LinuxStatusItem::startTray() {
@@ -219,10 +223,14 @@ bool LinuxStatusItem::isRegistered() const {
 }
 
 void LinuxStatusItem::trayChanged(XEmbedWindow::State state) {
+  if (state == XEmbedWindow::State::absent) {
+    pointerLeft();
+  }
   if (state == XEmbedWindow::State::squeezed && watcherState_.isPresent) {
     // The panel does better by the item on the bus.
     isTrayTooNarrow_ = true;
     tray_->stop();
+    pointerLeft();
   }
   watcherChanged(watcherState_);
 }
@@ -241,12 +249,29 @@ AlphaBitmap LinuxStatusItem::trayPicture(int width, int height, int scale) {
   return rasterise(shown, engine_, scale);
 }
 
+// Tool tips wait until the pointer rests, as the toolkits' do.
+void LinuxStatusItem::pointerEntered(ScreenPoint pointer) {
+  constexpr Seconds rest{0.5};
+  hover_ = queue_.runAfter(rest, rest / 5, [this, pointer] {
+    hover_.reset();
+    if (!text_.empty()) {
+      popups_->toolTip.show({toolTipTitle(StatusItemHost::other, text_), pointer, isDark()});
+    }
+  });
+}
+
+void LinuxStatusItem::pointerLeft() {
+  hover_.reset();
+  popups_->toolTip.hide();
+}
+
 void LinuxStatusItem::trayClicked(const XEmbedWindow::Click& click) {
+  pointerLeft();
   if (click.button == XEmbedWindow::Button::right && actions_ != nullptr) {
     openTrayMenu(click);
     return;
   }
-  trayMenu_->close();
+  popups_->menu.close();
   activated(startupId(click.time));
 }
 
@@ -258,8 +283,8 @@ void LinuxStatusItem::openTrayMenu(const XEmbedWindow::Click& click) {
   }
   content.pointer = click.pointer;
   content.item = click.window;
-  content.isDark = colorScheme_ == ColorScheme::dark;
-  trayMenu_->open(content, [this, wasPaused, time = click.time](std::int32_t id) {
+  content.isDark = isDark();
+  popups_->menu.open(content, [this, wasPaused, time = click.time](std::int32_t id) {
     const auto command = statusMenuCommand(id);
     // The word was another's by then: what it asks for has happened already.
     const bool isStale = command == StatusMenuCommand::togglePause && isPaused() != wasPaused;
@@ -269,6 +294,10 @@ void LinuxStatusItem::openTrayMenu(const XEmbedWindow::Click& click) {
       chosen(*command);
     }
   });
+}
+
+bool LinuxStatusItem::isDark() const {
+  return colorScheme_ == ColorScheme::dark;
 }
 
 bool LinuxStatusItem::isPaused() const {

@@ -7,11 +7,13 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "app/popup_menu.hpp"
 #include "app/status_item.hpp"
+#include "app/tool_tip.hpp"
 #include "platform/linux/appearance_portal.hpp"
 #include "platform/linux/bus_connection.hpp"
 #include "platform/linux/dbus_menu.hpp"
@@ -39,6 +41,11 @@ class LinuxStatusItem final : public StatusItem,
     Seconds patience{5};
   };
 
+  struct TrayPopups {
+    PopupMenu& menu;
+    ToolTip& toolTip;
+  };
+
   /// `onSituation` comes when the situation has changed, "noHost" only after the
   /// patience. Everything given here outlives the item.
   LinuxStatusItem(BusConnection& connection, TaskQueue& queue, TextEngine& engine, Options options,
@@ -49,9 +56,9 @@ class LinuxStatusItem final : public StatusItem,
 
   /// Lets the item dock as a window in an X11 tray: where the panel keeps that wide but
   /// not a StatusNotifierItem, and where no panel takes the latter. `display` as in
-  /// DISPLAY; `menu` opens its menu there and outlives the item. Once, before the loop
-  /// runs.
-  void useTray(uv_loop_t& loop, std::string display, PopupMenu& menu);
+  /// DISPLAY; `popups` open there what a panel would, and outlive the item. Once, before
+  /// the loop runs.
+  void useTray(uv_loop_t& loop, std::string display, TrayPopups popups);
 
   [[nodiscard]] double thickness() const override;
   void show(const StatusPresentation& presentation) override;
@@ -76,6 +83,9 @@ class LinuxStatusItem final : public StatusItem,
   [[nodiscard]] AlphaBitmap trayPicture(int width, int height, int scale);
   void trayClicked(const XEmbedWindow::Click& click);
   void openTrayMenu(const XEmbedWindow::Click& click);
+  void pointerEntered(ScreenPoint pointer);
+  void pointerLeft();
+  [[nodiscard]] bool isDark() const;
   [[nodiscard]] bool isPaused() const;
   [[nodiscard]] bool isInTray() const;
   [[nodiscard]] bool isRegistered() const;
@@ -105,7 +115,8 @@ class LinuxStatusItem final : public StatusItem,
 
   // Ended first of all. It is here because the watcher tells at once how things stand.
   std::unique_ptr<XEmbedWindow> tray_;
-  PopupMenu* trayMenu_ = nullptr;
+  std::optional<TrayPopups> popups_;
+  TimerHandle hover_;
   bool isTrayTooNarrow_ = false;  // for the panel that is there now
 
   // Destroyed before what they call.

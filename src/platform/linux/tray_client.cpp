@@ -156,7 +156,7 @@ bool TrayClient::makeWindow(int width, int height) {
   const std::array<std::uint32_t, 4> values{
       0, 0,
       XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_BUTTON_PRESS |
-          XCB_EVENT_MASK_BUTTON_RELEASE,
+          XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW,
       colormap_};
   xcb_create_window(x_, depth_, window_, screen_->root, 0, 0, dimension(width), dimension(height),
                     0, XCB_WINDOW_CLASS_INPUT_OUTPUT, visual_,

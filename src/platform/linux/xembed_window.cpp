@@ -191,6 +191,17 @@ void XEmbedWindow::handleEvent(const xcb_generic_event_t& event) {
     case XCB_BUTTON_RELEASE:
       released(reinterpret_cast<const xcb_button_release_event_t&>(event));
       break;
+    case XCB_ENTER_NOTIFY: {
+      const auto& entered = reinterpret_cast<const xcb_enter_notify_event_t&>(event);
+      // Not when a menu has let go of a pointer that was here all the time.
+      if (entered.mode == XCB_NOTIFY_MODE_NORMAL) {
+        callbacks_.onEnter({entered.root_x, entered.root_y});
+      }
+      break;
+    }
+    case XCB_LEAVE_NOTIFY:
+      callbacks_.onLeave();
+      break;
     default:
       break;
   }

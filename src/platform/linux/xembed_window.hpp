@@ -47,6 +47,9 @@ class XEmbedWindow {
     /// The picture for a window of this size in pixels.
     std::function<AlphaBitmap(int width, int height, int scale)> picture;
     std::function<void(const Click& click)> onClick;
+    /// The pointer has come to the window, or has left it.
+    std::function<void(const ScreenPoint& pointer)> onEnter;
+    std::function<void()> onLeave;
   };
 
   /// `display` as in DISPLAY; empty for the environment's.

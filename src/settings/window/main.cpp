@@ -3,7 +3,8 @@
 // vantora-settings: the settings window as a child process of the agent, with which it
 // speaks on its standard streams (docs/settings-protocol.md). It ends with status 0 when
 // the window is closed or the agent ends the conversation, with 1 when the agent says what
-// it does not understand.
+// it does not understand. With "--menu" or "--tool-tip" it shows one of these and no
+// window (docs/menu-protocol.md).
 #include <unistd.h>
 
 #include <QApplication>
@@ -22,6 +23,7 @@
 #include "settings/window/qt_text.hpp"
 #include "settings/window/settings_view.hpp"
 #include "settings/window/standard_streams.hpp"
+#include "settings/window/tool_tip_program.hpp"
 
 namespace {
 
@@ -39,8 +41,12 @@ void useBrazilianPortuguese(QTranslator& translator) {
 
 int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);
-  if (argc == 2 && std::string_view(argv[1]) == vantora::MenuProtocol::argument) {
+  const std::string_view mode = argc == 2 ? argv[1] : "";
+  if (mode == vantora::MenuProtocol::argument) {
     return vantora::runMenuProgram(argc, argv);
+  }
+  if (mode == vantora::MenuProtocol::toolTipArgument) {
+    return vantora::runToolTipProgram(argc, argv);
   }
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("vantora-settings"));

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "settings/window/menu_place.hpp"
 
+#include <QGuiApplication>
+#include <QScreen>
 #include <algorithm>
 #include <cmath>
 
@@ -17,6 +19,15 @@ int scaled(int pixels, double ratio) {
 }
 
 }  // namespace
+
+std::vector<MenuScreen> allScreens() {
+  std::vector<MenuScreen> screens;
+  for (const QScreen* screen : QGuiApplication::screens()) {
+    screens.push_back(
+        {screen->geometry(), screen->availableGeometry(), screen->devicePixelRatio()});
+  }
+  return screens;
+}
 
 const MenuScreen& screenAt(const std::vector<MenuScreen>& screens, ScreenPoint place) {
   const auto holds = [place](const MenuScreen& screen) {

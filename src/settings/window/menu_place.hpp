@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Where a menu opens. Pure functions; the toolkit's own pixels unless said otherwise.
+// Where a menu opens, in the toolkit's own pixels unless said otherwise. Nothing here but
+// allScreens() looks at the display.
 #pragma once
 
 #include <QPoint>
@@ -19,6 +20,9 @@ struct MenuScreen {
   QRect available;  ///< What panels leave of it.
   double ratio = 1;
 };
+
+/// The screens there are now.
+[[nodiscard]] std::vector<MenuScreen> allScreens();
 
 /// The screen that holds the place, in the display's pixels; the first one for a place on
 /// none. There must be one.

@@ -1,17 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "settings/window/menu_program.hpp"
 
-#include <unistd.h>
-
-#include <QApplication>
-#include <QScreen>
 #include <QWindow>
 #include <utility>
 
-#include "settings/window/color_scheme.hpp"
 #include "settings/window/menu_place.hpp"
+#include "settings/window/popup_application.hpp"
 #include "settings/window/qt_text.hpp"
-#include "settings/window/standard_streams.hpp"
 
 namespace vantora {
 
@@ -22,15 +17,6 @@ namespace {
 // Somebody else may hold the pointer or the keyboard for a moment: tried again this often.
 constexpr int grabPause = 20;  // milliseconds
 constexpr int mostGrabs = 50;
-
-std::vector<MenuScreen> allScreens() {
-  std::vector<MenuScreen> screens;
-  for (const QScreen* screen : QGuiApplication::screens()) {
-    screens.push_back(
-        {screen->geometry(), screen->availableGeometry(), screen->devicePixelRatio()});
-  }
-  return screens;
-}
 
 }  // namespace
 
@@ -62,9 +48,7 @@ void MenuProgram::receive(std::string_view bytes) {
 
 void MenuProgram::open(const MenuContent& content) {
   hasOpened_ = true;
-  if (content.isDark && !looksDark()) {
-    useDarkColors(true);
-  }
+  useDesktopColors(content.isDark);
   for (const MenuEntry& entry : content.entries) {
     QString label = qtText(entry.label);
     // The toolkit marks the letter of a shortcut with it.
@@ -102,21 +86,12 @@ void MenuProgram::end(int status) {
 }
 
 int runMenuProgram(int argc, char** argv) {
-  // A menu is no part of a session that is saved, and takes no text.
-  qunsetenv("SESSION_MANAGER");
-  QApplication application(argc, argv);
-  QApplication::setApplicationName(QStringLiteral("vantora-settings"));
-  QApplication::setApplicationDisplayName(QStringLiteral("Vantora"));
-  QApplication::setQuitOnLastWindowClosed(false);
-  // It opens at once: the user has waited for the program already.
-  QApplication::setEffectEnabled(Qt::UI_AnimateMenu, false);
-  QApplication::setEffectEnabled(Qt::UI_FadeMenu, false);
-  StandardStreams streams(STDIN_FILENO, STDOUT_FILENO);
+  PopupApplication application(argc, argv);
+  StandardStreams& streams = application.streams();
   MenuProgram program({[&streams](std::string_view line) { streams.write(line); },
                        [](int status) { QApplication::exit(status); }});
   streams.onInput = [&program](std::string_view bytes) { program.receive(bytes); };
-  streams.onEnd = [] { QApplication::quit(); };
-  return QApplication::exec();
+  return PopupApplication::run();
 }
 
 }  // namespace vantora

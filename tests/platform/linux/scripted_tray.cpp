@@ -192,6 +192,31 @@ void ScriptedTray::sendButton(std::uint8_t type, int button, int x, int y, std::
   xcb_flush(x_);
 }
 
+void ScriptedTray::enter(int x, int y, xcb_notify_mode_t mode) {
+  sendCrossing(XCB_ENTER_NOTIFY, x, y, mode);
+}
+
+void ScriptedTray::leave(xcb_notify_mode_t mode) {
+  sendCrossing(XCB_LEAVE_NOTIFY, 0, 0, mode);
+}
+
+void ScriptedTray::sendCrossing(std::uint8_t type, int x, int y, xcb_notify_mode_t mode) {
+  const auto corner = place();
+  xcb_enter_notify_event_t event{};
+  event.response_type = type;
+  event.root = screen_->root;
+  event.event = window();
+  event.event_x = static_cast<std::int16_t>(x);
+  event.event_y = static_cast<std::int16_t>(y);
+  event.root_x = static_cast<std::int16_t>(corner.first + x);
+  event.root_y = static_cast<std::int16_t>(corner.second + y);
+  event.mode = static_cast<std::uint8_t>(mode);
+  const std::uint32_t mask =
+      type == XCB_ENTER_NOTIFY ? XCB_EVENT_MASK_ENTER_WINDOW : XCB_EVENT_MASK_LEAVE_WINDOW;
+  xcb_send_event(x_, 0, window(), mask, reinterpret_cast<const char*>(&event));
+  xcb_flush(x_);
+}
+
 bool ScriptedTray::isThere() {
   return !requests_.empty() &&
          owned(xcb_get_window_attributes_reply(x_, xcb_get_window_attributes(x_, window()),

@@ -55,6 +55,10 @@ class ScriptedTray {
   /// A button goes down or up over the latest window, at a place in it.
   void press(int button, int x, int y);
   void release(int button, int x, int y, std::uint32_t time = 0);
+  /// The pointer comes to the latest window, or leaves it; because of a grab that ends or
+  /// begins, or by itself.
+  void enter(int x, int y, xcb_notify_mode_t mode = XCB_NOTIFY_MODE_NORMAL);
+  void leave(xcb_notify_mode_t mode = XCB_NOTIFY_MODE_NORMAL);
 
   /// What the server says of the latest window.
   [[nodiscard]] bool isThere();
@@ -74,6 +78,7 @@ class ScriptedTray {
   void setColours();
   void docked(xcb_window_t window);
   void resize(xcb_window_t window, int width, int height);
+  void sendCrossing(std::uint8_t type, int x, int y, xcb_notify_mode_t mode);
   void sendButton(std::uint8_t type, int button, int x, int y, std::uint32_t time);
   [[nodiscard]] xcb_visualid_t translucentVisual() const;
 

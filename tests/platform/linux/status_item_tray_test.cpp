@@ -70,6 +70,15 @@ class FakePopupMenu final : public PopupMenu {
   OnChosen onChosen_;
 };
 
+class FakeToolTip final : public ToolTip {
+ public:
+  void show(const ToolTipContent& content) override { shown.push_back(content); }
+  void hide() override { ++hidings; }
+
+  std::vector<ToolTipContent> shown;
+  int hidings = 0;
+};
+
 class StatusItemTrayTest : public testing::Test {
  protected:
   void SetUp() override {
@@ -94,7 +103,7 @@ class StatusItemTrayTest : public testing::Test {
     item_ = std::make_unique<LinuxStatusItem>(
         itemConnection_, *queue_, engine_, options,
         [this](StatusItemSituation situation) { situations_.push_back(situation); });
-    item_->useTray(loop_.raw(), display_.name(), menu_);
+    item_->useTray(loop_.raw(), display_.name(), {menu_, toolTip_});
     item_->setActions(
         {.openSettings =
              [this](std::string_view token) { did_.push_back("open:" + std::string(token)); },
@@ -162,6 +171,7 @@ class StatusItemTrayTest : public testing::Test {
   UvLoop loop_;
   test::BlockTextEngine engine_;
   FakePopupMenu menu_;
+  FakeToolTip toolTip_;
   std::vector<StatusItemSituation> situations_;
   std::vector<std::string> did_;
   bool isPaused_ = false;
@@ -348,12 +358,65 @@ TEST_F(StatusItemTrayTest, OpensADarkMenuOnADarkDesktop) {
   }));
 }
 
-TEST_F(StatusItemTrayTest, TakesItsMenuWithIt) {
+TEST_F(StatusItemTrayTest, ShowsTheReadingsWhereThePointerRests) {
+  startInTray();
+  tray_->enter(10, 8);
+  ASSERT_TRUE(until([this] { return time_.pendingCount() == 1; }));
+  time_.advance(Seconds{0.499});
+  EXPECT_THAT(toolTip_.shown, IsEmpty());
+  time_.advance(Seconds{0.001});
+  const auto [x, y] = tray_->place();
+  EXPECT_THAT(toolTip_.shown,
+              ElementsAre(ToolTipContent{"CPU: 12%\nRede: 0,1M", {x + 10, y + 8}, false}));
+  const int before = toolTip_.hidings;
+  tray_->leave();
+  EXPECT_TRUE(until([&] { return toolTip_.hidings == before + 1; }));
+}
+
+TEST_F(StatusItemTrayTest, ShowsNoToolTipToAPointerThatPassesBy) {
+  startInTray();
+  tray_->enter(10, 8);
+  ASSERT_TRUE(until([this] { return time_.pendingCount() == 1; }));
+  tray_->leave();
+  ASSERT_TRUE(until([this] { return time_.pendingCount() == 0; }));
+  time_.advance(Seconds{60});
+  EXPECT_THAT(toolTip_.shown, IsEmpty());
+}
+
+TEST_F(StatusItemTrayTest, ShowsNoToolTipOverItsMenu) {
+  startInTray();
+  tray_->enter(10, 8);
+  ASSERT_TRUE(until([this] { return time_.pendingCount() == 1; }));
+  const int before = toolTip_.hidings;
+  click(3);
+  ASSERT_TRUE(untilMenu(1));
+  EXPECT_EQ(toolTip_.hidings, before + 1);
+  time_.advance(Seconds{60});
+  EXPECT_THAT(toolTip_.shown, IsEmpty());
+  tray_->leave(XCB_NOTIFY_MODE_GRAB);
+  settle();
+  EXPECT_EQ(menu_.closings, 0) << "the menu stays";
+}
+
+TEST_F(StatusItemTrayTest, TakesItsToolTipAwayWithTheTray) {
+  startInTray();
+  tray_->enter(10, 8);
+  ASSERT_TRUE(until([this] { return time_.pendingCount() == 1; }));
+  time_.advance(Seconds{0.5});
+  ASSERT_EQ(toolTip_.shown.size(), 1U);
+  const int before = toolTip_.hidings;
+  tray_.reset();
+  EXPECT_TRUE(until([&] { return toolTip_.hidings > before; }));
+}
+
+TEST_F(StatusItemTrayTest, TakesMenuAndToolTipWithIt) {
   startInTray();
   click(3);
   ASSERT_TRUE(untilMenu(1));
+  const int before = toolTip_.hidings;
   item_.reset();
   EXPECT_EQ(menu_.closings, 1);
+  EXPECT_EQ(toolTip_.hidings, before + 1);
   EXPECT_TRUE(until([this] { return !tray_->isThere(); }));
 }
 

@@ -45,7 +45,9 @@ class XEmbedWindowTest : public testing::Test {
                   ++drawings_;
                   return picture(width, height);
                 },
-            .onClick = [this](const XEmbedWindow::Click& click) { clicks_.push_back(click); }});
+            .onClick = [this](const XEmbedWindow::Click& click) { clicks_.push_back(click); },
+            .onEnter = [this](const ScreenPoint& pointer) { entered_.push_back(pointer); },
+            .onLeave = [this] { ++leavings_; }});
   }
 
   // Ink that differs from pixel to pixel.
@@ -114,6 +116,8 @@ class XEmbedWindowTest : public testing::Test {
   UvLoop loop_;
   std::vector<State> states_;
   std::vector<XEmbedWindow::Click> clicks_;
+  std::vector<ScreenPoint> entered_;
+  int leavings_ = 0;
   int drawings_ = 0;
   std::unique_ptr<ScriptedTray> tray_;
   std::unique_ptr<XEmbedWindow> window_;
@@ -361,6 +365,22 @@ TEST_F(XEmbedWindowTest, TellsWhichButtonWasClickedAndWhere) {
   EXPECT_EQ(clicks_.back().pointer, (ScreenPoint{x + 8, y + 10}));
   EXPECT_EQ(clicks_.back().window, (ScreenArea{x, y, 40, 24}));
   EXPECT_EQ(clicks_.back().time, 777U);
+}
+
+TEST_F(XEmbedWindowTest, TellsThatThePointerCameAndWent) {
+  startTray();
+  ASSERT_TRUE(dock());
+  tray_->enter(5, 6);
+  ASSERT_TRUE(until([this] { return !entered_.empty(); }));
+  const auto [x, y] = tray_->place();
+  EXPECT_THAT(entered_, ElementsAre(ScreenPoint{x + 5, y + 6}));
+  tray_->leave();
+  ASSERT_TRUE(until([this] { return leavings_ == 1; }));
+  tray_->leave(XCB_NOTIFY_MODE_GRAB);
+  ASSERT_TRUE(until([this] { return leavings_ == 2; }));
+  tray_->enter(5, 6, XCB_NOTIFY_MODE_UNGRAB);
+  sync();
+  EXPECT_EQ(entered_.size(), 1U) << "a menu has closed over a pointer that never left";
 }
 
 TEST_F(XEmbedWindowTest, TakesOnlyAPressAndItsReleaseForAClick) {

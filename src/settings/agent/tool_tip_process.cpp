@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#include "settings/agent/tool_tip_process.hpp"
+
+#include <utility>
+
+namespace vantora {
+
+ToolTipProcess::ToolTipProcess(MenuProcess::Parts parts) : parts_(std::move(parts)) {}
+
+void ToolTipProcess::show(const ToolTipContent& content) {
+  hide();
+  ChildProcessOptions options;
+  options.executable = parts_.executable;
+  options.arguments = {MenuProtocol::toolTipArgument};
+  options.environmentChanges = parts_.environmentChanges;
+  ChildProcessEvents events;
+  events.onExit = [this](ChildExit exit) { ended(exit); };
+  auto started = parts_.launcher.start(options, std::move(events));
+  if (!started) {
+    fail();
+    return;
+  }
+  child_ = std::move(started).value();
+  if (!child_->write(MenuProtocol::toolTipLine(content))) {
+    fail();
+  }
+}
+
+void ToolTipProcess::hide() {
+  if (child_ != nullptr) {
+    child_->terminate();
+    // Destroyed later: this may be one of its own events.
+    parts_.queue.post([child = std::shared_ptr<ChildProcess>(std::move(child_))] {});
+  }
+}
+
+void ToolTipProcess::ended(ChildExit exit) {
+  if (exit == ChildExit{}) {
+    hasFailed_ = false;
+    hide();
+  } else {
+    fail();
+  }
+}
+
+void ToolTipProcess::fail() {
+  hide();
+  if (!std::exchange(hasFailed_, true) && onFailure) {
+    onFailure("A dica com as leituras não pôde ser mostrada.");
+  }
+}
+
+}  // namespace vantora
