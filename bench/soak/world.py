@@ -225,10 +225,9 @@ class World:
 
     def change_machine(self):
         """Other values, as a driver shows them; now and then a chip comes or goes."""
-        chips = sorted(self.machine.glob("*/*/"))
-        if self.chance.random() < 0.05:
-            shutil.rmtree(self.chance.choice([c for c in chips if c.parent.name != "net"]),
-                          ignore_errors=True)
+        chips = [c for c in sorted(self.machine.glob("*/*/")) if c.parent.name != "net"]
+        if chips and self.chance.random() < 0.05:
+            shutil.rmtree(self.chance.choice(chips), ignore_errors=True)
         elif self.chance.random() < 0.1:
             self.fill_machine()
         for name, values in {"hwmon/hwmon0/fan1_input": [0, 2156, 6100],
