@@ -14,6 +14,7 @@
 
 #include "runtime/guard_process.hpp"
 #include "runtime/quiet_socket.hpp"
+#include "runtime/thread_hints.hpp"
 
 namespace vantora {
 namespace {
@@ -101,7 +102,9 @@ int ChildGuard::start() {
   socket_.reset(ends[0]);
   const Descriptor itsEnd(ends[1]);
   makeQuiet(socket_.get());
-  // The guard takes no signal: it ends with the program, not when somebody asks both to.
+  // The guard's waits are short. It takes no signal: it ends with the program, not when somebody
+  // asks both to.
+  const DefaultTimerSlack slackOfGuard;
   sigset_t all;
   sigset_t before;
   sigfillset(&all);

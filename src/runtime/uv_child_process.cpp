@@ -296,6 +296,7 @@ UvChildProcessLauncher::~UvChildProcessLauncher() {
   constexpr int waitMilliseconds = 5;
   constexpr int politeWaits = 50;
   constexpr int killedWaits = 10;
+  const DefaultTimerSlack punctualWaits;
   const auto children = family_->children;
   const auto reapAll = [&children](int waits) {
     bool isAnyLeft = true;

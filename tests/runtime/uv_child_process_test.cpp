@@ -286,6 +286,7 @@ class OtherProgram {
     EXPECT_EQ(pipe(ends.data()), 0);
     program_ = fork();
     if (program_ == 0) {
+      setTimerSlackOfThisThread(Seconds{0.25});
       RealProcesses processes;
       ChildProcessEvents events;
       events.onOutput = [&ends](std::string_view bytes) {
