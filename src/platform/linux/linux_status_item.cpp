@@ -158,6 +158,7 @@ void LinuxStatusItem::takeColumns() {
 
 void LinuxStatusItem::watcherChanged(const StatusNotifierWatcher::State& state) {
   const bool isNewHost = state.host != watcherState_.host;
+  const bool isNewBus = state.hasBus && !watcherState_.hasBus;
   watcherState_ = state;
   if (isNewHost) {
     takeColumns();
@@ -180,6 +181,9 @@ void LinuxStatusItem::watcherChanged(const StatusNotifierWatcher::State& state) 
   }
   if (!state.hasBus) {
     tellSituation(StatusItemSituation::noBus);
+  }
+  if (isNewBus) {
+    patience_.reset();  // a panel may be on its way as well
   }
   if (patience_ == nullptr) {
     patience_ =

@@ -348,6 +348,19 @@ TEST_F(LinuxStatusItemTest, SaysThatThereIsNoBus) {
   EXPECT_EQ(situations_.size(), 1U);
 }
 
+TEST_F(LinuxStatusItemTest, SaysThatThereIsNoPanelOnTheBusThatCame) {
+  bus_.stop();
+  startItem();
+  time_.advance(Seconds{10});
+  EXPECT_EQ(situations_, Situations{StatusItemSituation::noBus});
+  bus_.start();
+  EXPECT_TRUE(until([this] {
+    time_.advance(Seconds{0.1});
+    return situations_.size() > 1;
+  }));
+  EXPECT_EQ(situations_, (Situations{StatusItemSituation::noBus, StatusItemSituation::noHost}));
+}
+
 TEST_F(LinuxStatusItemTest, SaysThatThereWasNoBusBeforeItCame) {
   BusConnection none(loop_.raw(), *queue_, "");
   none.open();
