@@ -1,0 +1,374 @@
+# SPDX-License-Identifier: MIT
+"""What the end-to-end tests of the agent share: a home, buses, quota tools and agents of a
+test's own, all of which end with it. Conditions are waited for, with a limit.
+
+Packages: dbus-daemon, python3-dbus; python3-dbusmock for logind.
+"""
+
+import json
+import os
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+import uuid
+
+NAME = "local.vantora.Vantora"
+MANAGER = "org.freedesktop.login1.Manager"
+PATIENCE = 30  # seconds: for a loaded machine, never for the program
+TOOL = os.path.join(os.path.dirname(os.path.abspath(__file__)), "quota_tool.py")
+
+
+def until(what, look, patience=PATIENCE):
+    """What `look` answers once that is true; it may fail until then."""
+    deadline = time.monotonic() + patience
+    while True:
+        try:
+            found = problem = look()
+        except Exception as error:  # not there yet
+            found, problem = None, error
+        if found:
+            return found
+        if time.monotonic() > deadline:
+            raise AssertionError(f"never came: {what} ({problem!r})")
+        time.sleep(0.02)
+
+
+def is_running(pid):
+    """Whether the process exists and is no zombie."""
+    try:
+        with open(f"/proc/{pid}/stat", encoding="utf-8", errors="replace") as stat:
+            return stat.read().rsplit(")", 1)[1].split()[0] not in "ZX"
+    except OSError:
+        return False
+
+
+def switches(pid):
+    """How often the threads of a process went to sleep so far."""
+    total = 0
+    for thread in os.listdir(f"/proc/{pid}/task"):
+        with open(f"/proc/{pid}/task/{thread}/status", encoding="utf-8") as status:
+            total += sum(int(line.split()[1]) for line in status
+                         if line.startswith("voluntary_ctxt_switches"))
+    return total
+
+
+def module(top, bottom="none", width=60):
+    return {"id": str(uuid.uuid4()).upper(), "enabled": True, "top": top, "bottom": bottom,
+            "widthMode": "fixed", "width": width, "fontTop": 9, "fontBottom": 9,
+            "alignment": "center"}
+
+
+def configuration(*modules, **changes):
+    """A document that shows the given pairs of metrics once a second."""
+    document = {"schemaVersion": 1, "intervalSeconds": 1,
+                "modules": [module(*metrics) for metrics in modules],
+                "gap": 4, "horizontalPadding": 3, "verticalPadding": 0, "lineGap": 0,
+                "paused": False}
+    document.update(changes)
+    return document
+
+
+CLAUDE = {"enabled": True, "intervalMinutes": 3, "showUsed": True, "oneDecimal": False}
+CODEX = dict(CLAUDE, showResetDate=False)
+QUOTAS = (("claudeWeeklyPercent", "claudeSessionPercent"),
+          ("codexWeeklyPercent", "codexWeeklyReset"))
+
+
+class Agent:
+    """A running agent, spoken to on the session bus as a panel speaks to it."""
+
+    def __init__(self, stage, *command):
+        self.stage = stage
+        self.log = tempfile.NamedTemporaryFile(dir=stage.folder, prefix="agent-", delete=False)
+        # A session of its own, by which all that it starts can be found.
+        self.process = stage.start(command, stderr=self.log, start_new_session=True)
+        self.pid = self.process.pid
+
+    def said(self):
+        with open(self.log.name, encoding="utf-8") as log:
+            return log.read().splitlines()
+
+    def wait_until_owner(self):
+        """Until it has its name, which is when it can be spoken to."""
+        def is_owner():
+            assert self.process.poll() is None, f"the agent ended: {self.said()}"
+            return self.stage.owner() == self.pid
+        until("the agent's name", is_owner)
+        until("the agent's menu", self.menu)  # it comes after the name
+        return self
+
+    def end(self):
+        """Asks it to end; the status that it ended with."""
+        self.process.terminate()
+        return self.process.wait(PATIENCE)
+
+    def kill(self):
+        self.process.kill()
+        self.process.wait()
+
+    def _call(self, path, interface, method, *arguments):
+        with self.stage.session() as bus:
+            return bus.call_blocking(NAME, path, interface, method, None, arguments, timeout=10)
+
+    def _property(self, name):
+        return self._call("/StatusNotifierItem", "org.freedesktop.DBus.Properties", "Get",
+                          "org.kde.StatusNotifierItem", name)
+
+    def text(self):
+        """What the item tells assistive tools: all that it shows."""
+        return str(self._property("ToolTip")[2])
+
+    def picture(self):
+        """The largest picture: its width, its height and how many of its pixels are drawn."""
+        pictures = self._property("IconPixmap")
+        width, height, pixels = max(pictures, key=lambda each: each[0])
+        return int(width), int(height), sum(1 for alpha in bytes(pixels)[0::4] if alpha)
+
+    def click(self):
+        self._call("/StatusNotifierItem", "org.kde.StatusNotifierItem", "Activate", 0, 0)
+
+    def menu(self):
+        """The entries of the menu: their numbers by their labels."""
+        import dbus
+        _, root = self._call("/MenuBar", "com.canonical.dbusmenu", "GetLayout", 0, -1,
+                             dbus.Array([], signature="s"))
+        return {str(entry[1]["label"]): int(entry[0]) for entry in root[2]}
+
+    def choose(self, label):
+        import dbus
+        self._call("/MenuBar", "com.canonical.dbusmenu", "Event",
+                   dbus.Int32(self.menu()[label]), "clicked", dbus.Int32(0, variant_level=1),
+                   dbus.UInt32(0))
+
+    def children(self):
+        """The processes that the agent started and that still run."""
+        found = []
+        for thread in os.listdir(f"/proc/{self.pid}/task"):
+            with open(f"/proc/{self.pid}/task/{thread}/children", encoding="utf-8") as children:
+                found += [int(pid) for pid in children.read().split()]
+        return [pid for pid in found if is_running(pid)]
+
+    def guards(self):
+        """The processes that see to the end of the children, with the agent or without it."""
+        found = []
+        for pid in filter(str.isdigit, os.listdir("/proc")):
+            try:
+                with open(f"/proc/{pid}/comm", encoding="utf-8") as name:
+                    is_guard = name.read() == "vantora-guard\n"
+                if is_guard and os.getsid(int(pid)) == self.pid and is_running(pid):
+                    found.append(int(pid))
+            except OSError:  # it has just ended
+                pass
+        return found
+
+
+class Session:
+    """A connection to a message bus that is closed behind whoever used it."""
+
+    def __init__(self, address):
+        import dbus
+        self.connection = dbus.bus.BusConnection(address)
+
+    def __enter__(self):
+        return self.connection
+
+    def __exit__(self, *_):
+        self.connection.close()
+
+
+class QuotaTool:
+    """A command-line assistant that does as it is told, in the agent's place for it."""
+
+    def __init__(self, stage, kind, manner):
+        self.notes = os.path.join(stage.folder, kind)
+        os.makedirs(self.notes)
+        path = os.path.join(stage.home, ".local/bin", kind)
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        with open(path, "w", encoding="utf-8") as script:
+            script.write(f'#!/bin/sh\nexec /usr/bin/python3 -S "{TOOL}" {kind} {manner} '
+                         f'"{self.notes}"\n')
+        os.chmod(path, 0o755)
+        if kind == "codex":
+            stage.write("Vantora/preferences.json", {"Vantora.CodexExecutablePath": path})
+
+    def _numbers(self, name):
+        try:
+            with open(os.path.join(self.notes, name), encoding="utf-8") as notes:
+                return [int(line) for line in notes.read().splitlines()]
+        except FileNotFoundError:
+            return []
+
+    def started(self):
+        """The processes that were started so far."""
+        return self._numbers("started")
+
+    def grandchildren(self):
+        return self._numbers("grandchildren")
+
+    def wait_for_start(self, count=1):
+        until(f"start number {count} of the quota tool", lambda: len(self.started()) >= count)
+        return self.started()[count - 1]
+
+    def environment(self):
+        with open(os.path.join(self.notes, "environment"), encoding="utf-8") as notes:
+            return json.load(notes)
+
+    def allow_answers(self):
+        with open(os.path.join(self.notes, "answer"), "w", encoding="utf-8"):
+            pass
+
+
+class StageTest(unittest.TestCase):
+    """A test with a home of its own and nothing of the machine's around it: no buses, no
+    display, no panel."""
+
+    program = ""  # the agent's
+
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="vantora-e2e-")
+        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
+        self.home = os.path.join(self.folder, "home")
+        self.runtime = os.path.join(self.folder, "run")
+        os.mkdir(self.home)
+        os.mkdir(self.runtime, 0o700)
+        self.environment = {
+            "PATH": os.environ["PATH"],
+            "LANG": "C.UTF-8",
+            "HOME": self.home,
+            "XDG_RUNTIME_DIR": self.runtime,
+            "XDG_CONFIG_HOME": os.path.join(self.home, "config"),
+            "DBUS_SYSTEM_BUS_ADDRESS": "unix:path=" + os.path.join(self.folder, "nowhere"),
+        }
+        for name in ("ASAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS"):
+            if name in os.environ:
+                self.environment[name] = os.environ[name]
+
+    def start(self, command, **options):
+        """Starts a process that ends with the test."""
+        options.setdefault("stdout", subprocess.DEVNULL)
+        child = subprocess.Popen(command, env=self.environment, **options)
+        self.addCleanup(self.end, child)
+        return child
+
+    @staticmethod
+    def end(child):
+        if child.poll() is None:
+            child.send_signal(signal.SIGCONT)
+            child.terminate()
+            try:
+                child.wait(10)
+            except subprocess.TimeoutExpired:
+                child.kill()
+                child.wait()
+        for stream in (child.stdout, child.stderr):
+            if stream:
+                stream.close()
+
+    def start_display(self):
+        """An X server of the test's own."""
+        read, write = os.pipe()
+        # Without -noreset it begins anew, deaf for a moment, when its last client left.
+        self.start(["Xvfb", "-displayfd", str(write), "-noreset", "-nolisten", "tcp", "-screen",
+                    "0", "1000x800x24"], pass_fds=[write], stderr=subprocess.DEVNULL)
+        os.close(write)
+        with os.fdopen(read) as answer:
+            self.environment["DISPLAY"] = ":" + answer.readline().strip()
+
+    def windows(self, title):
+        """Whether the display shows a window with that title."""
+        answer = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title],
+                                env=self.environment, capture_output=True, text=True, check=False)
+        return answer.stdout.split()
+
+    def start_agent(self):
+        return Agent(self, self.program)
+
+    def _start_daemon(self, name):
+        address = "unix:path=" + os.path.join(self.runtime, name)
+        daemon = self.start(["dbus-daemon", "--session", "--nofork", "--print-address",
+                             "--address=" + address],
+                            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        self.assertTrue(daemon.stdout.readline(), "no message bus")
+        return daemon, address
+
+    def start_bus(self):
+        """The session's message bus, always at the same address."""
+        daemon, self.environment["DBUS_SESSION_BUS_ADDRESS"] = self._start_daemon("bus")
+        return daemon
+
+    def stop_bus(self, daemon):
+        daemon.kill()
+        daemon.wait()
+        address = self.environment["DBUS_SESSION_BUS_ADDRESS"]
+        if os.path.exists(address.split("=", 1)[1]):
+            os.unlink(address.split("=", 1)[1])
+
+    def session(self):
+        return Session(self.environment["DBUS_SESSION_BUS_ADDRESS"])
+
+    def owner(self):
+        """The process that has the agent's name; nothing when none has."""
+        import dbus
+        with self.session() as bus:
+            try:
+                return int(bus.call_blocking(
+                    "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                    "GetConnectionUnixProcessID", "s", (NAME,), timeout=10))
+            except dbus.DBusException:
+                return None
+
+    def start_logind(self):
+        """A logind of the test's own, on a system bus of the test's own."""
+        _, address = self._start_daemon("system-bus")
+        self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = address
+        # The mock asks the system's bus by itself, and finds it in the environment.
+        self.start([sys.executable, "-m", "dbusmock", "--system", "--template", "logind"],
+                   stderr=subprocess.DEVNULL)
+        until("logind", lambda: self.logind("ListInhibitors") is not None)
+
+    def logind(self, method, *arguments, interface=MANAGER, signature=None):
+        with Session(self.environment["DBUS_SYSTEM_BUS_ADDRESS"]) as bus:
+            return bus.call_blocking("org.freedesktop.login1", "/org/freedesktop/login1",
+                                     interface, method, signature, arguments, timeout=10)
+
+    def tell_sleep(self, begins):
+        self.logind("EmitSignal", MANAGER, "PrepareForSleep", "b", [begins],
+                    interface="org.freedesktop.DBus.Mock", signature="sssav")
+
+    def holds_sleep(self):
+        """Whether the agent keeps logind from putting the machine to sleep at once."""
+        return any((lock[0], lock[1], lock[3]) == ("sleep", "Vantora", "delay")
+                   for lock in self.logind("ListInhibitors"))
+
+    def write(self, name, document):
+        """A JSON document in the folder of configurations."""
+        path = os.path.join(self.environment["XDG_CONFIG_HOME"], name)
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        with open(path, "w", encoding="utf-8") as file:
+            json.dump(document, file)
+
+    def configure(self, *modules, **changes):
+        self.write("Vantora/configuration.json", configuration(*modules, **changes))
+
+    def saved(self):
+        path = os.path.join(self.environment["XDG_CONFIG_HOME"], "Vantora/configuration.json")
+        with open(path, encoding="utf-8") as file:
+            return json.load(file)
+
+    def quota_tool(self, kind, manner="patient"):
+        return QuotaTool(self, kind, manner)
+
+    def files(self):
+        """All that stands in the home."""
+        return sorted(os.path.relpath(os.path.join(folder, name), self.home)
+                      for folder, folders, names in os.walk(self.home)
+                      for name in folders + names)
+
+
+def main():
+    StageTest.program = os.path.abspath(sys.argv.pop(1))
+    unittest.main()
