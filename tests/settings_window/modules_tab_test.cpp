@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QHelpEvent>
 #include <QMenu>
 #include <QPushButton>
 #include <QScrollBar>
@@ -339,6 +340,32 @@ TEST_F(ModulesTabTest, IgnoresTheWheelOverAControlWithoutFocus) {
                     QPoint(0, 120), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
   QApplication::sendEvent(width, &wheel);
   EXPECT_TRUE(sent().empty());
+}
+
+TEST_F(ModulesTabTest, PutsTheLinesOfBothHalvesOfARowAtTheSameHeights) {
+  settle();
+  const auto middle = [&](QWidget* widget) {
+    return widget->mapTo(row(b_), widget->rect().center()).y();
+  };
+  EXPECT_EQ(middle(in<QComboBox>(1, "Linha 1 (L1)")), middle(in<QSpinBox>(1, "Fonte L1")));
+  EXPECT_EQ(middle(in<QComboBox>(1, "Linha 2 (L2)")), middle(in<QSpinBox>(1, "Fonte L2")));
+  EXPECT_EQ(middle(in<QSpinBox>(1, "Largura")), middle(in<QComboBox>(1, "Alinhamento")));
+  EXPECT_EQ(middle(in<QCheckBox>(1, "Espaço próprio")),
+            middle(in<QSpinBox>(1, "Espaço próprio em pontos")));
+}
+
+TEST_F(ModulesTabTest, TellsTheWholeOfATitleThatDoesNotFit) {
+  auto* picker = in<QComboBox>(0, "Linha 2 (L2)");
+  const auto toolTip = [&](const char* title) {
+    picker->setCurrentText(QString::fromUtf8(title));
+    QHelpEvent asks(QEvent::ToolTip, picker->rect().center(),
+                    picker->mapToGlobal(picker->rect().center()));
+    QApplication::sendEvent(picker, &asks);
+    return picker->toolTip();
+  };
+  EXPECT_EQ(toolTip("CPU · maior temperatura (SMC experimental)"),
+            QStringLiteral("CPU · maior temperatura (SMC experimental)"));
+  EXPECT_EQ(toolTip("CPU · uso total"), QString());
 }
 
 TEST_F(ModulesTabTest, StacksTheHalvesOfARowWhereTheWindowIsNarrow) {

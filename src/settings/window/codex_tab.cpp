@@ -39,6 +39,7 @@ CodexTab::CodexTab(WindowModel& model)
 
   Controls::addGroupGap(column);
   QFormLayout* rows = Controls::makeForm();
+  category_->setMinimumContentsLength(22);  // The automatic choice in full.
   Controls::addRow(rows, categoryLabel, category_);
   Controls::addRow(rows, intervalLabel, form_.add(quotaIntervalField<S>(intervalLabel)));
   column->addLayout(rows);

@@ -6,6 +6,8 @@
 #include <QGuiApplication>
 #include <QScrollArea>
 #include <QStyle>
+#include <QStyleOption>
+#include <QStylePainter>
 #include <QWheelEvent>
 #include <cmath>
 
@@ -18,7 +20,7 @@ namespace {
 constexpr float noteOpacity = 0.72F;
 
 template <typename Control>
-class WheelOnlyWithFocus final : public Control {
+class WheelOnlyWithFocus : public Control {
  public:
   WheelOnlyWithFocus() { this->setFocusPolicy(Qt::StrongFocus); }
 
@@ -29,6 +31,34 @@ class WheelOnlyWithFocus final : public Control {
     } else {
       event->ignore();
     }
+  }
+};
+
+// Ends a text that is too long with an ellipsis, and tells the whole of it to who asks.
+class Picker final : public WheelOnlyWithFocus<QComboBox> {
+ protected:
+  bool event(QEvent* event) override {
+    if (event->type() == QEvent::ToolTip) {
+      setToolTip(shownText() == currentText() ? QString() : currentText());
+    }
+    return WheelOnlyWithFocus::event(event);
+  }
+  void paintEvent(QPaintEvent* /*event*/) override {
+    QStyleOptionComboBox option;
+    initStyleOption(&option);
+    option.currentText = shownText();
+    QStylePainter painter(this);
+    painter.drawComplexControl(QStyle::CC_ComboBox, option);
+    painter.drawControl(QStyle::CE_ComboBoxLabel, option);
+  }
+
+ private:
+  [[nodiscard]] QString shownText() const {
+    QStyleOptionComboBox option;
+    initStyleOption(&option);
+    const QRect place =
+        style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this);
+    return fontMetrics().elidedText(currentText(), Qt::ElideRight, place.width() - 2);
   }
 };
 
@@ -81,7 +111,7 @@ QSpinBox* makeSpinBox(const Limits& limits, const QString& spokenName) {
 }
 
 QComboBox* makePicker(const QString& spokenName) {
-  auto* picker = new WheelOnlyWithFocus<QComboBox>;
+  auto* picker = new Picker;
   setSpokenName(picker, spokenName);
   // Long titles are cut in the closed picker rather than made the width of everything.
   picker->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);

@@ -127,6 +127,8 @@ class Form {
   [[nodiscard]] QLineEdit* add(const TextField<Owner>& field) {
     auto* line = new QLineEdit;
     line->setMaxLength(field.longest);
+    // Room for an ordinary name, even where the label leaves little.
+    line->setMinimumWidth(line->fontMetrics().averageCharWidth() * 18);
     line->setAccessibleName(spokenName(field.label));
     QObject::connect(line, &QLineEdit::textEdited, line, [this, field](const QString& text) {
       edit_([&](Owner& owner) { field.set(owner, text.trimmed().toStdString()); });

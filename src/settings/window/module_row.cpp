@@ -87,6 +87,13 @@ ModuleRow::ModuleRow(WindowModel& model, const UUID& id)
 
   QWidget* content = makeContentHalf();
   QWidget* shape = makeShapeHalf();
+  // The lines of the two halves at the same heights, though a picker is higher than a stepper.
+  for (const auto& [control, own] : named_) {
+    if (control->parentWidget() == nullptr || control->parentWidget() == content ||
+        control->parentWidget() == shape) {
+      control->setMinimumHeight(firstPicker_->sizeHint().height());
+    }
+  }
   halves_ = new QBoxLayout(QBoxLayout::LeftToRight);
   halves_->setSpacing(2 * column->spacing());
   halves_->addWidget(content, 1);
