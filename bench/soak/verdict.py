@@ -8,20 +8,25 @@ sixth on: the tenth minute of an hour. Flat means
 - at every rest the same number of descriptors and of threads, and no child;
 - between the rests never another number of threads, and no more descriptors than those at
   rest, four for each of the most children, and a few that are open for a moment;
-- memory, as the medians of the spans, anonymous and resident: no straight line of least
-  squares that rises by more than MOST_GROWTH at a certainty of 95 % (one-sided, by Student's
-  t), and no last span that stands more than MOST_STEP above the first. What a run is too
-  short to tell is printed: the most growth that it does not exclude.
+- memory, anonymous and resident, as the floor of each span, the tenth percentile of its
+  samples: no last floor that stands more than MOST_STEP above the first, and in a run of an
+  hour or more no straight line of least squares that rises by more than MOST_GROWTH at a
+  certainty of 95 % (one-sided, by Student's t). What is above the floor was given back a
+  moment later; a leak lifts the floor. The most growth that a run does not exclude is
+  printed. In its first ten minutes the agent's store of glyphs fills, and the heap finds
+  its shape: a line through those says nothing.
 
 Anonymous memory is what a leak fills. What is resident besides are pages of the program's
 own files, which come when code runs for the first time, and which the agent gives back
-every ten minutes: a line through them says nothing before half an hour.
+every ten minutes.
 """
 import math
 import statistics
 
 MOST_GROWTH = 64  # KiB an hour
+LONG_ENOUGH = 3600  # seconds, for a line
 MOST_STEP = {"anonymous_kib": 256, "rss_kib": 1024}  # KiB
+NAMES = {"anonymous_kib": "anonymous memory", "rss_kib": "resident memory"}
 # One conversation each with Codex and Claude Code, and those that were ended in the last
 # three seconds, one of each a second: each a child, perhaps one of its own, and its guard.
 # Besides a window and one that was just ended, with their guards.
@@ -52,10 +57,6 @@ def judged(samples, length):
     return [group for group in spans(samples, length) if group[0]["second"] >= length / 6 - 1]
 
 
-def of_phase(group, phase, column):
-    return [sample[column] for sample in group if sample["phase"] == phase]
-
-
 def line(points):
     """Slope and its standard error by least squares; a finite number of three points or more."""
     xs, ys = zip(*points)
@@ -66,12 +67,16 @@ def line(points):
     return slope, math.sqrt(residual / (len(points) - 2) / spread)
 
 
+def floor(group, column):
+    values = sorted(sample[column] for sample in group)
+    return values[len(values) // 10]
+
+
 def growth(groups, column):
     """KiB an hour, and how far from it the true value is at most in one direction."""
-    points = [(statistics.fmean(of_phase(group, "stir", "second")) / 3600,
-               statistics.median(of_phase(group, "stir", column))) for group in groups]
-    slope, error = line(points)
-    return slope, STUDENT[min(len(points) - 2, len(STUDENT) - 1)] * error
+    slope, error = line([(statistics.fmean(sample["second"] for sample in group) / 3600,
+                          floor(group, column)) for group in groups])
+    return slope, STUDENT[min(len(groups) - 2, len(STUDENT) - 1)] * error
 
 
 def judge(samples, length, memory=True):
@@ -95,14 +100,20 @@ def judge(samples, length, memory=True):
         DESCRIPTORS_A_CHILD * max(sample["children"] for sample in late)
     if max(sample["descriptors"] for sample in late) > most:
         faults.append(f"more than {most} descriptors")
-    for column, most_step in MOST_STEP.items() if memory else ():
+    if memory:
+        faults += judge_memory(groups, length)
+    return faults
+
+
+def judge_memory(groups, length):
+    faults = []
+    for column, name in NAMES.items():
         slope, error = growth(groups, column)
-        if slope - error > MOST_GROWTH and (column == "anonymous_kib" or length >= 1800):
-            faults.append(f"{column} grows by {slope:.0f} ± {error:.0f} KiB an hour")
-        first, last = (statistics.median(of_phase(group, "stir", column))
-                       for group in (groups[0], groups[-1]))
-        if last > first + most_step:
-            faults.append(f"{column} went from {first:.0f} to {last:.0f} KiB")
+        if slope - error > MOST_GROWTH and length >= LONG_ENOUGH:
+            faults.append(f"{name} grows by {slope:.0f} ± {error:.0f} KiB an hour")
+        first, last = floor(groups[0], column), floor(groups[-1], column)
+        if last > first + MOST_STEP[column]:
+            faults.append(f"{name} went from {first} to {last} KiB")
     return faults
 
 
@@ -122,33 +133,32 @@ def judge_children(samples):
 
 def table(samples, length):
     """The lines of the table: a span each."""
-    lines = ["        ------------------ between the rests (medians) ------------------"
-             " | ---- at rest ----",
-             "minute   RSS KiB PSS KiB anon. KiB  fds (most) threads children CPU ms switches"
-             " | fds threads anon. KiB"]
+    lines = ["          ---- resident ----  ---- anonymous ---   most of the span       a minute"
+             "      -- at rest --",
+             "minute    floor median  most  floor median  most   fds threads children  CPU ms"
+             " switches  fds threads"]
     before = None
     for group in spans(samples, length):
-        def middle(column):
-            return statistics.median(of_phase(group, "stir", column))
         first, last = before or group[0], group[-1]
         minutes = (last["second"] - first["second"]) / 60
+        words = [f"{last['second'] / 60:6.1f} "]
+        for column in ("rss_kib", "anonymous_kib"):
+            values = [sample[column] for sample in group]
+            words.append(f"{floor(group, column):8}{statistics.median(values):7.0f}"
+                         f"{max(values):6}")
+        for column, width in (("descriptors", 6), ("threads", 8), ("children", 9)):
+            words.append(f"{max(sample[column] for sample in group):{width}}")
+        for column in ("cpu_ms", "voluntary"):
+            words.append(f"{(last[column] - first[column]) / minutes:8.0f}")
         rest = next(sample for sample in group if sample["phase"] == "rest")
-        lines.append(
-            f"{last['second'] / 60:6.1f}  {middle('rss_kib'):8.0f}{middle('pss_kib'):8.0f}"
-            f"{middle('anonymous_kib'):10.0f}"
-            f"  {middle('descriptors'):3.0f} ({max(of_phase(group, 'stir', 'descriptors')):4})"
-            f"{max(of_phase(group, 'stir', 'threads')):8}"
-            f"{max(of_phase(group, 'stir', 'children')):9}"
-            f"{(last['cpu_ms'] - first['cpu_ms']) / minutes:7.0f}"
-            f"{(last['voluntary'] - first['voluntary']) / minutes:9.0f}"
-            f" | {rest['descriptors']:3}{rest['threads']:8}{rest['anonymous_kib']:10}")
+        words.append(f"  {rest['descriptors']:5}{rest['threads']:8}")
+        lines.append("".join(words))
         before = last
     groups = judged(samples, length)
     if len(groups) >= 3:
-        lines.append(f"from minute {groups[0][0]['second'] / 60:.0f} on; CPU and switches a minute,"
-                     " threads and children the most")
-        for column in MOST_STEP:
+        lines.append(f"From minute {groups[0][0]['second'] / 60:.0f} on, the floor of")
+        for column, name in NAMES.items():
             slope, error = growth(groups, column)
-            lines.append(f"{column}: {slope:+.0f} KiB an hour, no more than {slope + error:+.0f}"
+            lines.append(f"  {name}: {slope:+.0f} KiB an hour, no more than {slope + error:+.0f}"
                          " at 95 %")
     return lines
