@@ -56,31 +56,12 @@ bool keepsTrayWindowWide(StatusItemHost host) {
 }
 
 Ink statusItemInk(StatusItemHost host, ColorScheme scheme) {
-  switch (host) {
-    case StatusItemHost::gnome:
-      // The top bar is dark in GNOME's own style, whatever applications prefer.
-      return Ink::light;
-    case StatusItemHost::plasma:
-      // The panel follows the colour scheme that the portal tells of.
-      switch (scheme) {
-        case ColorScheme::dark:
-          return Ink::light;
-        case ColorScheme::light:
-          return Ink::dark;
-        case ColorScheme::noPreference:
-          break;
-      }
-      return Ink::lightOnPlate;
-    case StatusItemHost::waybar:
-    case StatusItemHost::mate:
-    case StatusItemHost::xfce:
-    case StatusItemHost::lxqt:
-    case StatusItemHost::other:
-      break;
-  }
-  // These have a style of their own, dark more often than not. A desktop that prefers
-  // dark has no light panel; one that prefers light may well have a dark panel.
-  return scheme == ColorScheme::dark ? Ink::light : Ink::lightOnPlate;
+  // The top bar is dark in GNOME's own style, whatever applications prefer. The others
+  // have a style of their own, dark more often than not. A desktop that prefers dark has
+  // no light panel; one that prefers light may well have a dark panel, as Plasma has with
+  // its Breeze Twilight.
+  const bool isPanelDark = host == StatusItemHost::gnome || scheme == ColorScheme::dark;
+  return isPanelDark ? Ink::light : Ink::lightOnPlate;
 }
 
 std::string toolTipTitle(StatusItemHost host, std::string_view text) {

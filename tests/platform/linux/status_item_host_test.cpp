@@ -45,17 +45,21 @@ TEST(StatusItemHost, GetsATrayWindowWhereOnlyThatStaysWide) {
   }
 }
 
-TEST(StatusItemHost, GetsTheDesktopsColoursWhereItsPanelFollowsThem) {
-  EXPECT_EQ(statusItemInk(StatusItemHost::plasma, ColorScheme::light), Ink::dark);
-  EXPECT_EQ(statusItemInk(StatusItemHost::plasma, ColorScheme::dark), Ink::light);
-  EXPECT_EQ(statusItemInk(StatusItemHost::plasma, ColorScheme::noPreference), Ink::lightOnPlate);
+TEST(StatusItemHost, GetsLightInkWhereThePanelIsDark) {
+  for (const auto host : {StatusItemHost::waybar, StatusItemHost::mate, StatusItemHost::xfce,
+                          StatusItemHost::plasma, StatusItemHost::lxqt, StatusItemHost::other}) {
+    EXPECT_EQ(statusItemInk(host, ColorScheme::dark), Ink::light);
+  }
+  EXPECT_EQ(statusItemInk(StatusItemHost::gnome, ColorScheme::noPreference), Ink::light);
+  EXPECT_EQ(statusItemInk(StatusItemHost::gnome, ColorScheme::light), Ink::light);
 }
 
-TEST(StatusItemHost, GetsAPlateWhereThePanelsColoursAreNotKnown) {
-  EXPECT_EQ(statusItemInk(StatusItemHost::waybar, ColorScheme::noPreference), Ink::lightOnPlate);
-  EXPECT_EQ(statusItemInk(StatusItemHost::waybar, ColorScheme::light), Ink::lightOnPlate);
-  EXPECT_EQ(statusItemInk(StatusItemHost::waybar, ColorScheme::dark), Ink::light);
-  EXPECT_EQ(statusItemInk(StatusItemHost::gnome, ColorScheme::light), Ink::light);
+TEST(StatusItemHost, GetsAPlateWhereADarkPanelMayStandBesideLightWindows) {
+  for (const auto host : {StatusItemHost::waybar, StatusItemHost::mate, StatusItemHost::xfce,
+                          StatusItemHost::plasma, StatusItemHost::lxqt, StatusItemHost::other}) {
+    EXPECT_EQ(statusItemInk(host, ColorScheme::noPreference), Ink::lightOnPlate);
+    EXPECT_EQ(statusItemInk(host, ColorScheme::light), Ink::lightOnPlate);
+  }
 }
 
 TEST(StatusItemHost, GetsALineOfToolTipForEachSentence) {
