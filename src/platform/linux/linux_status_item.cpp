@@ -16,7 +16,7 @@ constexpr double barThickness = 24;
 constexpr double sideMargin = 3;
 constexpr double plateRadius = 5;
 // What panels of the usual heights ask for, and twice the smaller ones.
-constexpr std::array<int, 5> squareSides{16, 22, 24, 32, 48};
+constexpr std::array<int, 6> squareSides{16, 22, 24, 32, 44, 48};
 constexpr std::array<int, 4> markSides{16, 22, 32, 48};
 
 // A click on an X11 window gives no token. Window managers read the time of the click out
@@ -69,10 +69,10 @@ void LinuxStatusItem::show(const StatusPresentation& presentation) {
   bool isNewIcon = isNewImage && form == PictureForm::wide;
   bool isNewLabel = false;
   if (isNewImage && form != PictureForm::wide) {
-    const ModuleColumn module = firstModule_;
+    const ModuleColumn module = squareModule_;
     const std::string label = label_;
     takeColumns();
-    isNewIcon = module != firstModule_;
+    isNewIcon = module != squareModule_;
     isNewLabel = label != label_;
   }
   if (isNewImage && tray_ != nullptr) {
@@ -142,17 +142,17 @@ void LinuxStatusItem::colorSchemeChanged(ColorScheme scheme) {
 
 // Keeps of the image what the form needs, so that the next image can be compared.
 void LinuxStatusItem::takeColumns() {
-  firstModule_ = {};
+  squareModule_ = {};
   label_.clear();
   const PictureForm form = this->form();
   if (form == PictureForm::wide) {
     return;
   }
-  std::vector<ModuleColumn> columns = moduleColumns(image_, engine_);
+  const std::vector<ModuleColumn> columns = moduleColumns(image_, engine_);
   if (form == PictureForm::label) {
     label_ = labelText(columns);
-  } else if (!columns.empty()) {
-    firstModule_ = std::move(columns.front());
+  } else {
+    squareModule_ = squareModule(columns);
   }
 }
 
@@ -244,7 +244,7 @@ AlphaBitmap LinuxStatusItem::trayPicture(int width, int height, int scale) {
   const double pointsHigh = static_cast<double>(height) / scale;
   const double side = std::min(pointsWide, pointsHigh);
   const bool isWide = pointsWide + 1 >= image_.width;
-  StatusImage shown = centredImage(isWide ? image_ : squareImage(firstModule_, side, engine_),
+  StatusImage shown = centredImage(isWide ? image_ : squareImage(squareModule_, side, engine_),
                                    pointsWide, pointsHigh);
   // A hair less than the window, so that rounding up meets its pixels.
   constexpr double hair = 1e-6;
@@ -343,7 +343,7 @@ StatusNotifierContent::Picture LinuxStatusItem::picture(std::size_t index) {
       return {applicationMark(markSides.at(index)), 0};
     case PictureForm::square: {
       const double side = squareSides.at(index);
-      return {rasterise(squareImage(firstModule_, side, engine_), engine_, 1), side / plateRadius};
+      return {rasterise(squareImage(squareModule_, side, engine_), engine_, 1), side / plateRadius};
     }
   }
   return {};

@@ -104,8 +104,8 @@ class LinuxStatusItem final : public StatusItem,
 
   StatusImage image_;
   std::string text_;
-  ModuleColumn firstModule_;  // kept for the square form only
-  std::string label_;         // kept for the label form only
+  ModuleColumn squareModule_;  // kept for the square form only
+  std::string label_;          // kept for the label form only
 
   StatusNotifierWatcher::State watcherState_;
   ColorScheme colorScheme_ = ColorScheme::noPreference;

@@ -21,7 +21,7 @@ enum class StatusItemHost : std::uint8_t { waybar, mate, gnome, xfce, plasma, lx
 enum class PictureForm : std::uint8_t {
   wide,    ///< The whole picture: the panel keeps its proportions.
   label,   ///< The application's mark, and all texts in the label beside it.
-  square,  ///< The first module alone; everything else is in the tool tip.
+  square,  ///< The first module with a reading; everything is in the tool tip.
 };
 [[nodiscard]] PictureForm pictureForm(StatusItemHost host);
 

@@ -10,6 +10,7 @@ namespace vantora {
 namespace {
 
 constexpr std::string_view modulePartition = " · ";
+constexpr std::string_view noReading = "—";
 
 std::string plainText(const StyledText& text) {
   std::string plain;
@@ -17,6 +18,11 @@ std::string plainText(const StyledText& text) {
     plain += run.text;
   }
   return plain;
+}
+
+bool tells(const StyledText& text) {
+  const std::string plain = plainText(text);
+  return !plain.empty() && plain != noReading;
 }
 
 double largestPointSize(const StyledText& text) {
@@ -170,6 +176,16 @@ std::string labelText(const std::vector<ModuleColumn>& columns) {
     label += bottom;
   }
   return label;
+}
+
+ModuleColumn squareModule(const std::vector<ModuleColumn>& columns) {
+  const auto telling = std::find_if(columns.begin(), columns.end(), [](const ModuleColumn& column) {
+    return tells(column.top) || tells(column.bottom);
+  });
+  if (telling != columns.end()) {
+    return *telling;
+  }
+  return columns.empty() ? ModuleColumn{} : columns.front();
 }
 
 StatusImage squareImage(const ModuleColumn& column, double side, TextEngine& engine) {

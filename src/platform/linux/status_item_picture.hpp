@@ -29,6 +29,10 @@ struct ModuleColumn {
 /// All texts in one line, modules parted by " · ".
 [[nodiscard]] std::string labelText(const std::vector<ModuleColumn>& columns);
 
+/// The module that a square picture shows: the first with a reading, for on a machine
+/// without a battery the first of all may never have one; without any reading the first.
+[[nodiscard]] ModuleColumn squareModule(const std::vector<ModuleColumn>& columns);
+
 /// One module as a square picture, `side` points wide and high: each line as large as
 /// half of the height and the width allow, in the middle.
 [[nodiscard]] StatusImage squareImage(const ModuleColumn& column, double side, TextEngine& engine);

@@ -65,6 +65,18 @@ TEST(StatusItemPicture, WritesALabelOfAllTexts) {
   EXPECT_EQ(labelText({}), "");
 }
 
+TEST(StatusItemPicture, ShowsTheFirstModuleWithAReadingInASquare) {
+  const ModuleColumn battery{line("—"), line("—")};
+  const ModuleColumn time{line("83%"), line("—")};
+  const ModuleColumn word{{}, line("LOGIN")};
+  const ModuleColumn half{line("—"), {}};
+  EXPECT_EQ(squareModule({time, word}), time) << "one reading of two does";
+  EXPECT_EQ(squareModule({battery, half, time, word}), time);
+  EXPECT_EQ(squareModule({battery, word, time}), word);
+  EXPECT_EQ(squareModule({battery, half}), battery) << "nothing has a reading";
+  EXPECT_EQ(squareModule({}), ModuleColumn{});
+}
+
 TEST(StatusItemPicture, DrawsAModuleInsideOfASquareOfAnySize) {
   BlockTextEngine engine;
   for (const double side : {16.0, 22.0, 24.0, 32.0, 48.0}) {

@@ -196,7 +196,7 @@ TEST_F(LinuxStatusItemTest, GivesOtherPanelsASquareOfTheFirstModule) {
   item_->show(presentation("12%"));
   ASSERT_TRUE(untilRegistered());
   const ItemProperties properties = ask();
-  ASSERT_EQ(properties.pixmaps.size(), 5U);
+  ASSERT_EQ(properties.pixmaps.size(), 6U);
   EXPECT_EQ(properties.pixmaps[1].width, 22);
   EXPECT_EQ(properties.pixmaps[1].height, 22);
   const StatusImage square = squareImage({line("12%"), line("48")}, 22, engine_);
@@ -208,6 +208,24 @@ TEST_F(LinuxStatusItemTest, GivesOtherPanelsASquareOfTheFirstModule) {
   item_->show(presentation("12%", "9,9M"));
   ask();
   EXPECT_EQ(panel_->signals(), Strings{"NewToolTip"}) << "the first module has not changed";
+}
+
+TEST_F(LinuxStatusItemTest, ShowsAnotherModuleInTheSquareWhileTheFirstHasNoReading) {
+  startPanel("lxqt-panel");
+  startItem();
+  StatusPresentation shown = presentation("—");
+  shown.image.texts.front().text = line("—");
+  item_->show(shown);
+  ASSERT_TRUE(untilRegistered());
+  const StatusImage square = squareImage({{}, line("0,1M")}, 22, engine_);
+  const AlphaBitmap expected = rasterise(square, engine_, 1);
+  std::vector<std::uint8_t> bytes(expected.pixels.size() * 4);
+  tint(expected, Ink::lightOnPlate, 22.0 / 5, bytes);
+  EXPECT_EQ(ask().pixmaps[1].bytes, bytes);
+
+  item_->show(presentation("12%"));
+  ask();
+  EXPECT_EQ(panel_->signals(), (Strings{"NewIcon", "NewToolTip"}));
 }
 
 TEST_F(LinuxStatusItemTest, LeavesTheDescriptionOutWhereItWouldRepeatTheToolTip) {
