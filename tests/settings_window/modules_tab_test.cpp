@@ -132,6 +132,29 @@ TEST_F(ModulesTabTest, ListsEveryMetricInTheOrderOfTheCatalogue) {
   }
 }
 
+TEST_F(ModulesTabTest, OffersTheWidthModesAndTheAlignmentsInTheirOrder) {
+  const auto texts = [&](const char* name) {
+    const auto* picker = in<QComboBox>(1, name);
+    QStringList all;
+    for (int index = 0; index < picker->count(); ++index) {
+      all << picker->itemText(index);
+    }
+    return all;
+  };
+  EXPECT_EQ(texts("Modo da largura"), (QStringList{"Fixa", "Automática"}));
+  EXPECT_EQ(texts("Alinhamento"), (QStringList{"Esquerda", "Centro", "Direita"}));
+}
+
+TEST_F(ModulesTabTest, SendsAndShowsTheFirstLineAndNamesTheRowAfterIt) {
+  in<QComboBox>(1, "Linha 1 (L1)")->setCurrentText(QStringLiteral("CPU · uso total"));
+  EXPECT_EQ(sentConfiguration().modules[1].top, MetricID::cpuUsage);
+  EXPECT_EQ(row(b_)->accessibleName(), QStringLiteral("módulo 2 (CPU · uso total)"));
+  agent_.configuration.modules[1].top = MetricID::batteryTime;
+  tellAll();
+  EXPECT_EQ(in<QComboBox>(1, "Linha 1 (L1)")->currentText(), qtText(title(MetricID::batteryTime)));
+  EXPECT_TRUE(sent().empty());
+}
+
 TEST_F(ModulesTabTest, HoldsTheLimitsOfAModule) {
   EXPECT_EQ(in<QSpinBox>(0, "Largura")->minimum(), 16);
   EXPECT_EQ(in<QSpinBox>(0, "Largura")->maximum(), 160);
