@@ -356,6 +356,23 @@ TEST_F(ModulesTabTest, PassesTheFocusFromRowToRowInTheirOrder) {
   EXPECT_THAT(handles, ElementsAre(&row(c_)->handle(), &row(a_)->handle(), &row(b_)->handle()));
 }
 
+TEST_F(ModulesTabTest, PassesTheFocusThroughARowInReadingOrder) {
+  QStringList names;
+  const QWidget* at = &row(c_)->handle();
+  do {
+    // A stepper's field takes its keys from the stepper.
+    if (at->isVisible() && at->isEnabled() && (at->focusPolicy() & Qt::TabFocus) != 0 &&
+        !at->accessibleName().isEmpty()) {
+      names << at->accessibleName().section(QStringLiteral(", módulo"), 0, 0);
+    }
+    at = at->nextInFocusChain();
+  } while (row(c_)->isAncestorOf(at));
+  EXPECT_EQ(names,
+            (QStringList{"Mover", "Ativo", "Linha 1 (L1)", "Linha 2 (L2)", "Modo da largura",
+                         "Largura", "Fonte L1", "Fonte L2", "Alinhamento", "Espaço próprio",
+                         "Ocultar na barra quando paradas ou sem leitura", "Duplicar", "Remover"}));
+}
+
 TEST_F(ModulesTabTest, IgnoresTheWheelOverAControlWithoutFocus) {
   auto* width = in<QSpinBox>(1, "Largura");
   width->clearFocus();

@@ -116,8 +116,9 @@ QWidget* ModuleRow::makeContentHalf() {
   firstPicker_ = named(form_.add(top));
   Controls::addRow(rows, top.label, firstPicker_);
   Controls::addRow(rows, bottom.label, named(form_.add(bottom)));
+  QComboBox* mode = named(form_.add(widthModeField()));
   QSpinBox* width = named(form_.add(widthField));
-  QWidget* controls = sideBySide({named(form_.add(widthModeField())), width});
+  QWidget* controls = sideBySide({mode, width});
   Controls::addRow(rows, widthField.label, controls);
   // The accelerator leads to the number.
   static_cast<QLabel*>(rows->labelForField(controls))->setBuddy(width);
@@ -195,7 +196,7 @@ QList<QWidget*> ModuleRow::controls() const {
 }
 
 void ModuleRow::focusFirstPicker() {
-  firstPicker_->setFocus(Qt::OtherFocusReason);
+  firstPicker_->setFocus(Qt::ShortcutFocusReason);  // With its ring shown.
 }
 
 void ModuleRow::setLifted(bool isLifted) {
