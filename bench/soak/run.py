@@ -217,7 +217,7 @@ class Soak:
         self.begun = time.monotonic()
         end = self.begun + self.length
         try:
-            while (now := time.monotonic()) < end:
+            while (now := time.monotonic()) < end and self.agent.poll() is None:
                 self.stir()
                 if self.every("sample", SAMPLE_EVERY, SAMPLE_EVERY):
                     self.sample("stir")
@@ -226,15 +226,17 @@ class Soak:
                     self.rest()
                 table.flush()
                 time.sleep(0.25)
-        except FileNotFoundError:  # of /proc
-            pass
-        if self.agent.poll() is None:
             self.finish()
-        else:
+        except OSError:  # what /proc told of an agent that is no more
+            if self.agent.poll() is None:
+                raise
             self.faults.append(f"the agent ended with status {self.agent.returncode}")
 
     def finish(self):
-        """Asks the agent to end."""
+        """Asks the agent to end, which by then should not have ended by itself."""
+        if self.agent.poll() is not None:
+            self.faults.append(f"the agent ended with status {self.agent.returncode}")
+            return
         self.agent.send_signal(signal.SIGTERM)
         try:
             status = self.agent.wait(10)
