@@ -16,7 +16,8 @@ constexpr const char* watcherName = "org.kde.StatusNotifierWatcher";
 constexpr const char* watcherPath = "/StatusNotifierWatcher";
 constexpr const char* busName = "org.freedesktop.DBus";
 constexpr const char* busPath = "/org/freedesktop/DBus";
-// A watcher that takes the name before it is ready refuses at first.
+// A watcher that takes the name before it is ready refuses at first, or takes the item and
+// then drops it.
 constexpr int mostRegistrations = 6;
 
 std::string processName(const std::string& root, unsigned process) {
@@ -64,8 +65,9 @@ void StatusNotifierWatcher::busConnected(sd_bus& bus) {
 void StatusNotifierWatcher::busLost() {
   bus_ = nullptr;
   retry_.reset();
-  for (BusSlot* slot : {&nameRequest_, &ownerMatch_, &hostAppearedMatch_, &hostLeftMatch_,
-                        &ownerCall_, &processCall_, &registerCall_, &hasHostCall_}) {
+  for (BusSlot* slot :
+       {&nameRequest_, &ownerMatch_, &hostAppearedMatch_, &hostLeftMatch_, &droppedMatch_,
+        &ownerCall_, &processCall_, &registerCall_, &hasHostCall_}) {
     slot->reset();
   }
   setState(State{});
@@ -94,6 +96,9 @@ void StatusNotifierWatcher::subscribe() {
   sd_bus_match_signal_async(bus_, out(hostLeftMatch_), watcherName, watcherPath, watcherName,
                             "StatusNotifierHostUnregistered",
                             handle<&StatusNotifierWatcher::onHostLeft>, nullptr, this);
+  sd_bus_match_signal_async(bus_, out(droppedMatch_), watcherName, watcherPath, watcherName,
+                            "StatusNotifierItemUnregistered",
+                            handle<&StatusNotifierWatcher::onDropped>, nullptr, this);
 }
 
 void StatusNotifierWatcher::onOwner(sd_bus_message* reply) {
@@ -177,9 +182,25 @@ void StatusNotifierWatcher::enroll() {
 }
 
 void StatusNotifierWatcher::onRegistered(sd_bus_message* reply) {
-  if (sd_bus_message_is_method_error(reply, nullptr) <= 0) {
+  if (sd_bus_message_is_method_error(reply, nullptr) > 0) {
+    enrollLater();
+  }
+}
+
+// GNOME's extension takes an item while the shell starts, fails to read it, and drops it.
+void StatusNotifierWatcher::onDropped(sd_bus_message* signal) {
+  const char* text = "";
+  if (!state_.isPresent || !isRegistering_ || sd_bus_message_read(signal, "s", &text) < 0) {
     return;
   }
+  // Some watchers add the object's path.
+  const std::string_view item = text;
+  if (item.substr(0, item.find('/')) == itemName_) {
+    enrollLater();
+  }
+}
+
+void StatusNotifierWatcher::enrollLater() {
   ++failedRegistrations_;
   if (failedRegistrations_ < mostRegistrations) {
     const Seconds delay = busRetryDelay(failedRegistrations_);

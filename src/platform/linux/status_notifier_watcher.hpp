@@ -58,9 +58,11 @@ class StatusNotifierWatcher final : public BusConnection::Listener {
   void onHasHost(sd_bus_message* reply);
   void onHostAppeared(sd_bus_message* signal);
   void onHostLeft(sd_bus_message* signal);
+  void onDropped(sd_bus_message* signal);
 
   void follow(const char* owner);
   void enroll();
+  void enrollLater();
   void askForHost();
   void setState(const State& state);
 
@@ -79,6 +81,7 @@ class StatusNotifierWatcher final : public BusConnection::Listener {
   BusSlot ownerMatch_;
   BusSlot hostAppearedMatch_;
   BusSlot hostLeftMatch_;
+  BusSlot droppedMatch_;
   BusSlot ownerCall_;
   BusSlot processCall_;
   BusSlot registerCall_;

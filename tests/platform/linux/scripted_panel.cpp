@@ -62,6 +62,7 @@ const sd_bus_vtable ScriptedPanel::table[] = {
     SD_BUS_PROPERTY("IsStatusNotifierHostRegistered", "b", getHasHost, 0, 0),
     SD_BUS_SIGNAL("StatusNotifierHostRegistered", "", 0),
     SD_BUS_SIGNAL("StatusNotifierHostUnregistered", "", 0),
+    SD_BUS_SIGNAL("StatusNotifierItemUnregistered", "s", 0),
     SD_BUS_VTABLE_END,
 };
 
@@ -131,6 +132,11 @@ void ScriptedPanel::setHasHost(bool hasHost) {
   sd_bus_emit_signal(bus_, watcherPath, watcherName,
                      hasHost ? "StatusNotifierHostRegistered" : "StatusNotifierHostUnregistered",
                      "");
+}
+
+void ScriptedPanel::drop(const std::string& item) {
+  sd_bus_emit_signal(bus_, watcherPath, watcherName, "StatusNotifierItemUnregistered", "s",
+                     item.c_str());
 }
 
 void ScriptedPanel::ask() {

@@ -52,6 +52,9 @@ class ScriptedPanel final : public BusConnection::Listener {
 
   void setHasHost(bool hasHost);
 
+  /// Tells that an item has gone, under the name that panels of this kind give it.
+  void drop(const std::string& item);
+
   /// Asks the latest item for all of its properties; `properties` has them later.
   void ask();
   std::optional<ItemProperties> properties;

@@ -329,6 +329,50 @@ TEST_F(LinuxStatusItemTest, TriesAgainWithAPanelThatIsNotReady) {
   ASSERT_TRUE(untilRegistered());
 }
 
+TEST_F(LinuxStatusItemTest, ComesBackToAPanelThatDroppedIt) {
+  startPanel("gnome-shell");
+  startItem();
+  ASSERT_TRUE(untilRegistered());
+  ASSERT_TRUE(untilShown());
+  panel_->drop(panel_->items().front());
+  ASSERT_TRUE(until([this] { return time_.pendingCount() == 1; }));
+  time_.advance(Seconds{1});
+  ASSERT_TRUE(untilRegistered(2));
+  panel_->drop(panel_->items().front() + "/StatusNotifierItem");
+  ASSERT_TRUE(until([this] { return time_.pendingCount() == 1; }));
+  time_.advance(Seconds{2});
+  ASSERT_TRUE(untilRegistered(3));
+  EXPECT_EQ(panel_->items().front(), panel_->items().back());
+}
+
+TEST_F(LinuxStatusItemTest, LeavesAPanelAloneThatDropsItAgainAndAgain) {
+  startPanel("gnome-shell");
+  startItem();
+  ASSERT_TRUE(untilRegistered());
+  ASSERT_TRUE(untilShown());
+  for (std::size_t drops = 1; drops < 6; ++drops) {
+    panel_->drop(panel_->items().front());
+    ASSERT_TRUE(until([this] { return time_.pendingCount() == 1; }));
+    time_.advance(Seconds{30});
+    ASSERT_TRUE(untilRegistered(drops + 1));
+  }
+  panel_->drop(panel_->items().front());
+  item_->show(presentation("12%"));
+  ASSERT_TRUE(until([this] { return !panel_->signals().empty(); })) << "the drop has arrived";
+  EXPECT_EQ(time_.pendingCount(), 0U);
+}
+
+TEST_F(LinuxStatusItemTest, DoesNotMindOtherItemsThatLeaveThePanel) {
+  startPanel("gnome-shell");
+  startItem();
+  ASSERT_TRUE(untilRegistered());
+  ASSERT_TRUE(untilShown());
+  panel_->drop(panel_->items().front() + "0");
+  panel_->drop(":1.5@/StatusNotifierItem");
+  ask();
+  EXPECT_EQ(time_.pendingCount(), 0U);
+}
+
 TEST_F(LinuxStatusItemTest, SaysOnceAndNotTooSoonThatThereIsNoPanel) {
   startItem();
   ASSERT_TRUE(until([this] { return time_.pendingCount() == 1; }));
