@@ -47,12 +47,12 @@ int run(double interval, int scale, std::string menuProgram) {
   const SystemClock clock;
   UvLoop loop;
   FreetypeTextEngine engine(lookUpFonts());
-  BusConnection connection(
-      loop.raw(), loop.queue(),
-      sessionBusAddress(std::getenv("DBUS_SESSION_BUS_ADDRESS"), std::getenv("XDG_RUNTIME_DIR")));
+  const std::string busAddress =
+      sessionBusAddress(std::getenv("DBUS_SESSION_BUS_ADDRESS"), std::getenv("XDG_RUNTIME_DIR"));
+  BusConnection connection(loop.raw(), loop.queue(), busAddress);
   UvChildProcessLauncher launcher(loop.raw(), loop.queue());
   const MenuProcess::Parts popupParts{loop.queue(), launcher, std::move(menuProgram),
-                                      MenuProcess::onX11()};
+                                      MenuProcess::onX11(busAddress)};
   MenuProcess menu(popupParts);
   ToolTipProcess toolTip(popupParts);
   menu.onFailure = [](const std::string& message) { std::printf("menu: %s\n", message.c_str()); };

@@ -63,6 +63,13 @@ TEST_F(MenuProcessTest, TellsTheProgramWhatTheMenuIs) {
   EXPECT_EQ(readMenuLine(lines[0]), content_);
 }
 
+TEST_F(MenuProcessTest, LeavesTheToolkitNoBusToStart) {
+  const auto with = MenuProcess::onX11("unix:path=/run/user/1000/bus");
+  EXPECT_EQ(with.at("DBUS_SESSION_BUS_ADDRESS"), "unix:path=/run/user/1000/bus");
+  EXPECT_EQ(with.at("QT_QPA_PLATFORM"), "xcb");
+  EXPECT_EQ(MenuProcess::onX11("").at("DBUS_SESSION_BUS_ADDRESS"), "disabled:");
+}
+
 TEST_F(MenuProcessTest, PassesTheChoiceOnOnce) {
   open();
   say(answerLine(Shown{}));

@@ -100,9 +100,9 @@ int run() {
   LinuxApplication application(*configHome);
   UvLoop& loop = application.loop();
   FreetypeTextEngine textEngine(std::move(fonts));
-  BusConnection bus(
-      loop.raw(), loop.queue(),
-      sessionBusAddress(std::getenv("DBUS_SESSION_BUS_ADDRESS"), std::getenv("XDG_RUNTIME_DIR")));
+  const std::string busAddress =
+      sessionBusAddress(std::getenv("DBUS_SESSION_BUS_ADDRESS"), std::getenv("XDG_RUNTIME_DIR"));
+  BusConnection bus(loop.raw(), loop.queue(), busAddress);
   ApplicationService service(bus, loop.queue(), std::move(tokens));
   service.onRival = [] {
     say("há outro em execução nesta sessão; os dois continuam até que um seja encerrado");
@@ -119,7 +119,7 @@ int run() {
   const MenuProcess::Parts popupParts{.queue = loop.queue(),
                                       .launcher = application.launcher(),
                                       .executable = settingsProgram(),
-                                      .environmentChanges = MenuProcess::onX11()};
+                                      .environmentChanges = MenuProcess::onX11(busAddress)};
   MenuProcess menu(popupParts);
   ToolTipProcess toolTip(popupParts);
   menu.onFailure = toolTip.onFailure = [](const std::string& message) { say(message); };

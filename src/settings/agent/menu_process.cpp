@@ -18,8 +18,11 @@ constexpr const char* hangingText = "O menu não respondeu e foi fechado.";
 
 MenuProcess::MenuProcess(Parts parts) : parts_(std::move(parts)) {}
 
-std::map<std::string, std::string> MenuProcess::onX11() {
-  return {{"QT_QPA_PLATFORM", "xcb"}};
+std::map<std::string, std::string> MenuProcess::onX11(const std::string& busAddress) {
+  // No transport goes by that name, and nobody looks for another address.
+  const std::string none = "disabled:";
+  return {{"QT_QPA_PLATFORM", "xcb"},
+          {"DBUS_SESSION_BUS_ADDRESS", busAddress.empty() ? none : busAddress}};
 }
 
 void MenuProcess::open(const MenuContent& content, OnChosen onChosen) {

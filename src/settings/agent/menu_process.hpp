@@ -35,8 +35,9 @@ class MenuProcess final : public PopupMenu {
   };
 
   /// The environment of a menu on the X11 display of DISPLAY: in a Wayland session the
-  /// toolkit would choose that, where only a window can have a menu.
-  [[nodiscard]] static std::map<std::string, std::string> onX11();
+  /// toolkit would choose that, where only a window can have a menu. `busAddress` is the
+  /// session bus's; empty without one, where the toolkit would start one and leave it.
+  [[nodiscard]] static std::map<std::string, std::string> onX11(const std::string& busAddress);
 
   /// The queue must live as long as this is used; the launcher must still be there when
   /// it ends.
