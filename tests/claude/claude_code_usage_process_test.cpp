@@ -64,7 +64,7 @@ class ClaudeCodeUsageProcessTest : public testing::Test {
     }
     client.reset();
     time.advance(UvChildProcessLauncher::terminationGrace);
-    processes.runUntilBackTo(before);
+    processes.runUntilBackTo(before, [this] { time.advance(RealProcesses::turn); });
     time.advance(Seconds{1000});
     ASSERT_EQ(results.size(), 1U);
     EXPECT_EQ(results.front(), expected);
@@ -185,7 +185,7 @@ TEST_F(ClaudeCodeUsageProcessTest, EndsTheChildWhenItIsDropped) {
   start("silent");
   client.reset();
   time.runPosted();
-  processes.runUntilBackTo(before);
+  processes.runUntilBackTo(before, [this] { time.advance(RealProcesses::turn); });
   EXPECT_FALSE(isRunning(child));
   EXPECT_TRUE(results.empty());
 }

@@ -45,7 +45,7 @@ class CodexAppServerProcessTest : public testing::Test {
     });
     client.reset();
     time.advance(UvChildProcessLauncher::terminationGrace);
-    processes.runUntilBackTo(before);
+    processes.runUntilBackTo(before, [this] { time.advance(RealProcesses::turn); });
     time.advance(Seconds{1000});
     ASSERT_EQ(results.size(), 1U);
     EXPECT_EQ(results.front(), expected);
@@ -160,7 +160,7 @@ TEST_F(CodexAppServerProcessTest, EndsTheChildWhenItIsDropped) {
   start("silent");
   client.reset();
   time.runPosted();
-  processes.runUntilBackTo(before);
+  processes.runUntilBackTo(before, [this] { time.advance(RealProcesses::turn); });
   EXPECT_FALSE(isRunning(child));
   EXPECT_TRUE(results.empty());
 }
@@ -176,7 +176,7 @@ TEST_F(CodexAppServerProcessTest, LeavesNothingAfterManyConversations) {
     client.reset();
   }
   time.runPosted();
-  processes.runUntilBackTo(before);
+  processes.runUntilBackTo(before, [this] { time.advance(RealProcesses::turn); });
   EXPECT_EQ(time.pendingCount(), 0U);
 }
 

@@ -36,7 +36,9 @@ using test::VirtualTime;
 class UvChildProcessTest : public testing::Test {
  protected:
   // Without a look at the children: only that there is none afterwards counts.
-  void TearDown() override { processes.runUntilBackTo(before); }
+  void TearDown() override {
+    processes.runUntilBackTo(before, [this] { time.advance(RealProcesses::turn); });
+  }
 
   std::unique_ptr<ChildProcess> start(const std::string& scenario,
                                       std::vector<std::string> arguments = {}) {

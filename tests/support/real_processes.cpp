@@ -118,15 +118,21 @@ void RealProcesses::runUntil(const std::function<bool()>& condition) {
   const TimerHandle watchdog =
       queue().runAfter(Seconds{10}, Seconds{0}, [&isLate] { isLate = true; });
   // Some of what is waited for, such as the end of a grandchild, wakes no loop.
-  const TimerHandle look = queue().runEvery(Seconds{0.005}, Seconds{0}, [] {});
+  const TimerHandle look = queue().runEvery(turn, Seconds{0}, [] {});
   while (!isLate && !condition()) {
     uv_run(&loop_.raw(), UV_RUN_ONCE);
   }
   EXPECT_FALSE(isLate) << "nothing happened";
 }
 
-void RealProcesses::runUntilBackTo(const ProcessCensus& before) {
-  runUntil([&before] { return ProcessCensus::take() == before; });
+void RealProcesses::runUntilBackTo(const ProcessCensus& before,
+                                   const std::function<void()>& passTime) {
+  runUntil([&before, &passTime] {
+    if (passTime) {
+      passTime();
+    }
+    return ProcessCensus::take() == before;
+  });
   EXPECT_EQ(ProcessCensus::take(), before);
 }
 

@@ -66,10 +66,15 @@ class RealProcesses {
   [[nodiscard]] UvTaskQueue& queue() { return loop_.queue(); }
   [[nodiscard]] UvChildProcessLauncher& launcher() { return *launcher_; }
 
+  /// Between two turns of the loop below.
+  static constexpr Seconds turn{0.005};
+
   /// Turns the loop until `condition` holds. Fails the test after ten seconds.
   void runUntil(const std::function<bool()>& condition);
-  /// Turns the loop until this process holds what `before` tells, or fails the test.
-  void runUntilBackTo(const ProcessCensus& before);
+  /// Turns the loop until this process holds what `before` tells, or fails the test. Where
+  /// the launcher's timers are virtual, `passTime` lets them run at each turn: with them it
+  /// looks after what lingers in a child's group, a sanitizer's last process for one.
+  void runUntilBackTo(const ProcessCensus& before, const std::function<void()>& passTime = {});
   /// Runs what is ready, without waiting.
   void runReady();
 
