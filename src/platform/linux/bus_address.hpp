@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace vantora {
 
@@ -10,5 +11,9 @@ namespace vantora {
 /// (the place that systemd's user sessions use). Empty when neither tells.
 [[nodiscard]] std::string sessionBusAddress(const char* sessionBusAddress,
                                             const char* runtimeDirectory);
+
+/// The path of the socket that the first of the addresses names ("unix:path=..."), without
+/// escapes; empty where it names none.
+[[nodiscard]] std::string socketPath(std::string_view busAddress);
 
 }  // namespace vantora

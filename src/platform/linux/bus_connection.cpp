@@ -6,8 +6,11 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstdint>
 #include <utility>
+
+#include "platform/linux/bus_address.hpp"
 
 namespace vantora {
 
@@ -122,7 +125,10 @@ void BusConnection::BusCloser::operator()(sd_bus* bus) const {
 }
 
 BusConnection::BusConnection(uv_loop_t& loop, TaskQueue& queue, std::string address)
-    : loop_(loop), queue_(queue), address_(std::move(address)) {}
+    : loop_(loop),
+      queue_(queue),
+      address_(std::move(address)),
+      socketWatch_(loop, [this] { socketAppeared(); }) {}
 
 BusConnection::~BusConnection() {
   close();
@@ -149,6 +155,7 @@ void BusConnection::open() {
 
 void BusConnection::connect() {
   retry_.reset();
+  hasSocketAppeared_ = false;
   sd_bus* made = nullptr;
   if (!address_.empty() && sd_bus_new(&made) >= 0) {
     bus_.reset(made);
@@ -202,6 +209,7 @@ void BusConnection::process() {
   if (!isReady_ && sd_bus_is_ready(bus_.get()) > 0) {
     isReady_ = true;
     failedAttempts_ = 0;
+    socketWatch_.stop();
     for (Listener* listener : std::vector(listeners_)) {
       listener->busConnected(*bus_);
     }
@@ -218,8 +226,20 @@ void BusConnection::lose() {
   if (address_.empty()) {
     return;
   }
-  const Seconds delay = busRetryDelay(failedAttempts_);
+  if (hasSocketAppeared_) {
+    failedAttempts_ = 1;  // a bus is on its way
+  }
+  const bool isWatched = socketWatch_.start(socketPath(address_));
+  const bool isPatient = isWatched && busRetryDelay(failedAttempts_) == busRetryDelay(INT_MAX);
+  const Seconds delay = isPatient ? watchedRetryDelay : busRetryDelay(failedAttempts_);
   retry_ = queue_.runAfter(delay, delay / 4, [this] { connect(); });
+}
+
+void BusConnection::socketAppeared() {
+  hasSocketAppeared_ = true;
+  if (bus_ == nullptr) {
+    retry_ = queue_.runAfter(appearanceDelay, appearanceDelay / 4, [this] { connect(); });
+  }
 }
 
 void BusConnection::close() {

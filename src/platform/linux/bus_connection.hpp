@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/linux/path_watch.hpp"
 #include "runtime/task_queue.hpp"
 
 namespace vantora {
@@ -34,6 +35,12 @@ class BusConnection {
     /// go of now. Another attempt follows by itself.
     virtual void busLost() = 0;
   };
+
+  /// Where the bus's socket can be watched for, an attempt is made when it appears, and
+  /// without that in the end this seldom: for a socket that is there and takes nobody.
+  static constexpr Seconds watchedRetryDelay{600};
+  /// From a socket's appearance to the attempt: it is there before anybody listens.
+  static constexpr Seconds appearanceDelay{0.1};
 
   /// `address` as D-Bus writes addresses; empty for a bus that does not exist, which is
   /// then asked for no more. `queue` runs on the loop's thread.
@@ -64,6 +71,7 @@ class BusConnection {
   void prepare();
   void process();
   void lose();
+  void socketAppeared();
   void close();
 
   uv_loop_t& loop_;
@@ -75,6 +83,8 @@ class BusConnection {
   bool isReady_ = false;
   int failedAttempts_ = 0;
   TimerHandle retry_;
+  PathWatch socketWatch_;           // only while there is no connection
+  bool hasSocketAppeared_ = false;  // since the attempt began
 };
 
 }  // namespace vantora

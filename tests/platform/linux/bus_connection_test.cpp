@@ -64,10 +64,49 @@ TEST(BusConnection, TriesAtGrowingIntervalsWhileThereIsNoBus) {
   EXPECT_EQ(counter.lost, 2);
   time.advance(Seconds{2});
   EXPECT_EQ(counter.lost, 3);
-  time.advance(Seconds{600});
-  EXPECT_EQ(counter.lost, 25) << "every 30 s in the end";
+  time.advance(Seconds{4 + 8 + 16});
+  EXPECT_EQ(counter.lost, 6);
+  time.advance(Seconds{599.999});
+  EXPECT_EQ(counter.lost, 6) << "its socket is watched for";
+  time.advance(Seconds{0.001});
+  EXPECT_EQ(counter.lost, 7);
   EXPECT_EQ(time.pendingCount(), 1U);
   EXPECT_EQ(counter.connected, 0);
+}
+
+TEST(BusConnection, TriesMoreOftenWhereNoSocketCanBeWatchedFor) {
+  VirtualTime time;
+  const auto queue = time.makeQueue();
+  UvLoop loop;
+  Counter counter;
+  BusConnection connection(loop.raw(), *queue, "unix:abstract=vantora-test-nobody");
+  connection.add(counter);
+  connection.open();
+  time.advance(Seconds{1 + 2 + 4 + 8 + 16});
+  EXPECT_EQ(counter.lost, 6);
+  time.advance(Seconds{600});
+  EXPECT_EQ(counter.lost, 26) << "every 30 s in the end";
+}
+
+TEST(BusConnection, FindsABusWhoseSocketAppears) {
+  VirtualTime time;
+  const auto queue = time.makeQueue();
+  PrivateBus daemon;
+  daemon.stop();
+  UvLoop loop;
+  Counter counter;
+  BusConnection connection(loop.raw(), *queue, daemon.address());
+  connection.add(counter);
+  connection.open();
+  time.advance(Seconds{100});
+  EXPECT_EQ(counter.lost, 6);
+  daemon.start();
+  ASSERT_TRUE(
+      runUntil(loop, [&time] { return time.untilNext() <= BusConnection::appearanceDelay; }));
+  time.advance(BusConnection::appearanceDelay);
+  ASSERT_TRUE(runUntil(loop, [&] { return counter.connected == 1; }));
+  EXPECT_EQ(counter.lost, 6);
+  EXPECT_EQ(time.pendingCount(), 0U);
 }
 
 TEST(BusConnection, FindsABusThatStartsLater) {

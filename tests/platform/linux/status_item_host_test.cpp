@@ -101,5 +101,16 @@ TEST(BusAddress, IsEmptyWhereNothingTells) {
   EXPECT_EQ(sessionBusAddress(nullptr, "relative"), "");
 }
 
+TEST(BusAddress, NamesTheSocketOfTheFirstBus) {
+  EXPECT_EQ(socketPath("unix:path=/run/user/1000/bus"), "/run/user/1000/bus");
+  EXPECT_EQ(socketPath("unix:path=/tmp/a%20b%2Cc,guid=1;unix:path=/other"), "/tmp/a b,c");
+  EXPECT_EQ(socketPath("unix:guid=1,path=/tmp/bus"), "/tmp/bus");
+  EXPECT_EQ(socketPath("unix:path=/tmp/100%"), "/tmp/100%");
+  EXPECT_EQ(socketPath("unix:path=/tmp/%zz"), "/tmp/%zz");
+  for (const char* address : {"", "unix:", "unix:abstract=/tmp/bus", "tcp:host=a,path=/b", ";"}) {
+    EXPECT_EQ(socketPath(address), "") << address;
+  }
+}
+
 }  // namespace
 }  // namespace vantora
