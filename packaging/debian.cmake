@@ -29,12 +29,13 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 # Without them the programs start, but with another system's letters, without links that
-# open, or with the toolkit's own dialogs in English.
+# open, or with the toolkit's own dialogs, and in English.
 string(JOIN ", " CPACK_DEBIAN_PACKAGE_RECOMMENDS
   "default-dbus-session-bus | dbus-session-bus"
   "fonts-dejavu-core"
   "hicolor-icon-theme"
   "qt6-translations-l10n"
   "qt6-wayland"
+  "qt6-xdgdesktopportal-platformtheme"
   "xdg-utils")
 include(CPack)

@@ -18,6 +18,7 @@
 
 #include "settings/menu_protocol.hpp"
 #include "settings/window/color_scheme.hpp"
+#include "settings/window/desktop_dialogs.hpp"
 #include "settings/window/menu_program.hpp"
 #include "settings/window/qt_file_panels.hpp"
 #include "settings/window/qt_text.hpp"
@@ -48,6 +49,7 @@ int main(int argc, char** argv) {
   if (mode == vantora::MenuProtocol::toolTipArgument) {
     return vantora::runToolTipProgram(argc, argv);
   }
+  vantora::useDesktopDialogs();
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("vantora-settings"));
   QApplication::setApplicationDisplayName(QStringLiteral("Vantora"));
