@@ -15,6 +15,8 @@ constexpr double barThickness = 24;
 // The item is 6 points longer than the picture: 3 on either side.
 constexpr double sideMargin = 3;
 constexpr double plateRadius = 5;
+// How long after its watcher a panel's tray may come.
+constexpr Seconds trayPatience{2};
 // What panels of the usual heights ask for, and twice the smaller ones.
 constexpr std::array<int, 6> squareSides{16, 22, 24, 32, 44, 48};
 constexpr std::array<int, 4> markSides{16, 22, 32, 48};
@@ -166,13 +168,18 @@ void LinuxStatusItem::watcherChanged(const StatusNotifierWatcher::State& state) 
   }
   if (!state.isPresent) {
     isTrayTooNarrow_ = false;
+    isTrayOverdue_ = false;
+    trayWait_.reset();
   } else if (keepsTrayWindowWide(state.host)) {
     startTray();
+    if (awaitsTray() && trayWait_ == nullptr) {
+      trayWait_ = queue_.runAfter(trayPatience, trayPatience / 4, [this] { trayIsOverdue(); });
+    }
   } else if (tray_ != nullptr) {
     tray_->stop();
     pointerLeft();
   }
-  watcher_.setRegistering(!state.isPresent || !isInTray());
+  watcher_.setRegistering(!state.isPresent || !(isInTray() || awaitsTray()));
 
   if (state.hasHost || isInTray()) {
     patience_.reset();
@@ -216,6 +223,19 @@ void LinuxStatusItem::startTray() {
   if (tray_ != nullptr && !isTrayTooNarrow_) {
     tray_->start(image_.width + 2 * sideMargin);
   }
+}
+
+// A panel that starts brings its watcher before its tray: an item that registered in
+// between would only come and go.
+bool LinuxStatusItem::awaitsTray() const {
+  return tray_ != nullptr && keepsTrayWindowWide(watcherState_.host) && !isInTray() &&
+         !isTrayTooNarrow_ && !isTrayOverdue_;
+}
+
+void LinuxStatusItem::trayIsOverdue() {
+  trayWait_.reset();
+  isTrayOverdue_ = true;
+  watcherChanged(watcherState_);
 }
 
 bool LinuxStatusItem::isInTray() const {

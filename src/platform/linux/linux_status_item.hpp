@@ -79,6 +79,8 @@ class LinuxStatusItem final : public StatusItem,
   void colorSchemeChanged(ColorScheme scheme);
   void patienceEnded();
   void startTray();
+  void trayIsOverdue();
+  [[nodiscard]] bool awaitsTray() const;
   void trayChanged(XEmbedWindow::State state);
   [[nodiscard]] AlphaBitmap trayPicture(int width, int height, int scale);
   void trayClicked(const XEmbedWindow::Click& click);
@@ -118,6 +120,8 @@ class LinuxStatusItem final : public StatusItem,
   std::optional<TrayPopups> popups_;
   TimerHandle hover_;
   bool isTrayTooNarrow_ = false;  // for the panel that is there now
+  bool isTrayOverdue_ = false;    // of the panel that is there now
+  TimerHandle trayWait_;
 
   // Destroyed before what they call.
   StatusNotifierItem item_;

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/linux/block_text_engine.hpp"
@@ -59,8 +60,7 @@ class FakePopupMenu final : public PopupMenu {
     onChosen_ = nullptr;
   }
   void choose(std::int32_t id) {
-    const OnChosen onChosen = std::move(onChosen_);
-    onChosen(id);
+    std::exchange(onChosen_, nullptr)(id);
   }
 
   std::vector<MenuContent> opened;
@@ -131,6 +131,10 @@ class StatusItemTrayTest : public testing::Test {
   }
   bool untilUndocked() {
     return until([this] { return !tray_->isThere(); });
+  }
+  // The panel has been seen, and one timer is left.
+  bool untilWaitingForTheTray() {
+    return until([this] { return !situations_.empty() && time_.pendingCount() == 1; });
   }
   bool untilRegistered(std::size_t count = 1) {
     return until([this, count] { return panel_->items().size() == count; });
@@ -248,6 +252,32 @@ TEST_F(StatusItemTrayTest, TriesThePanelThatComesAfterTheOneThatSqueezedIt) {
   settle();
   EXPECT_THAT(panel_->items(), IsEmpty());
   EXPECT_EQ(tray_->size(), std::pair(66, 24));
+}
+
+TEST_F(StatusItemTrayTest, WaitsForTheTrayOfAPanelThatStarts) {
+  startPanel(xfce);
+  startItem();
+  ASSERT_TRUE(untilWaitingForTheTray());
+  time_.advance(Seconds{1.999});
+  startTray();
+  ASSERT_TRUE(untilDocked());
+  settle();
+  time_.advance(Seconds{600});
+  EXPECT_THAT(panel_->items(), IsEmpty()) << "the item did not come and go";
+}
+
+TEST_F(StatusItemTrayTest, RegistersWithAPanelThatBringsNoTray) {
+  startPanel(xfce);
+  startItem();
+  ASSERT_TRUE(untilWaitingForTheTray());
+  time_.advance(Seconds{1.999});
+  EXPECT_THAT(panel_->items(), IsEmpty());
+  time_.advance(Seconds{0.001});
+  ASSERT_TRUE(untilRegistered());
+  // A tray that comes after all is taken all the same.
+  startTray();
+  ASSERT_TRUE(untilDocked());
+  EXPECT_EQ(situations_, std::vector{StatusItemSituation::shown});
 }
 
 TEST_F(StatusItemTrayTest, DocksAfterAWhileWhereNobodyTakesItOnTheBus) {
