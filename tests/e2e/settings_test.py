@@ -305,10 +305,19 @@ def run(session, program, pictures):
     window = Window(Atspi).open()
     step(f"the window opened within {time.monotonic() - began:.2f} s of the click")
 
+    def bar_width():
+        """What the window tells of the agent's picture."""
+        window.tab("Aparência")
+        text = window.find("label", lambda n: n.startswith("Largura atual do bloco: ")).get_name()
+        window.tab("Módulos")
+        return float(text.split()[-2].replace(",", "."))
+
+    narrow = bar_width()
     width = window.find("spin button", lambda n: n.startswith("Largura, módulo 1 ("))
     Atspi.Value.set_current_value(width, 77)
+    until("the wider picture", lambda: bar_width() == narrow + 77 - 34)
     until("the width saved", lambda: saved()["modules"][0]["width"] == 77)
-    step("a width was edited and saved")
+    step("a width was edited, drawn and saved")
 
     def order():
         return [module["id"] for module in saved()["modules"]]
