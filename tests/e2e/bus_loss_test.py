@@ -40,11 +40,14 @@ class BusLossTest(stage.StageTest):
         self.assertEqual(agent.said(), said)
 
     def assert_waits_quietly(self, agent):
-        # A reading every two seconds, and an attempt now and then.
-        before, began = stage.switches(agent.pid), time.monotonic()
+        # A reading every two seconds, and an attempt now and then: neither does it wake up all
+        # the time nor never go to sleep.
+        before = stage.switches(agent.pid), stage.processor_seconds(agent.pid), time.monotonic()
         time.sleep(3)
-        rate = (stage.switches(agent.pid) - before) / (time.monotonic() - began)
-        self.assertLess(rate, 8, "switches a second")
+        now = stage.switches(agent.pid), stage.processor_seconds(agent.pid), time.monotonic()
+        switches, seconds, span = (end - begin for end, begin in zip(now, before))
+        self.assertLess(switches / span, 8, "switches a second")
+        self.assertLess(seconds / span, 0.2, "share of a processor")
         self.assertIsNone(agent.process.poll())
 
     def test_waits_for_a_bus_and_for_a_panel(self):

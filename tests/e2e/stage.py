@@ -56,6 +56,13 @@ def switches(pid):
     return total
 
 
+def processor_seconds(pid):
+    """The processor time that a process has taken so far."""
+    with open(f"/proc/{pid}/stat", encoding="utf-8", errors="replace") as stat:
+        fields = stat.read().rsplit(")", 1)[1].split()
+    return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
+
 def module(top, bottom="none", width=60):
     return {"id": str(uuid.uuid4()).upper(), "enabled": True, "top": top, "bottom": bottom,
             "widthMode": "fixed", "width": width, "fontTop": 9, "fontBottom": 9,
