@@ -32,4 +32,11 @@ std::optional<std::string_view> LineFramer::takeLine() {
   return line;
 }
 
+// A string that is assigned an empty one keeps its memory.
+void LineFramer::clear() {
+  std::string().swap(buffer_);
+  taken_ = 0;
+  scanned_ = 0;
+}
+
 }  // namespace vantora

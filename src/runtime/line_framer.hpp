@@ -27,6 +27,9 @@ class LineFramer {
   /// without a line feed is never one. Valid until the next append().
   [[nodiscard]] std::optional<std::string_view> takeLine();
 
+  /// Forgets what waits, and gives the memory back that it took.
+  void clear();
+
   /// How many bytes wait.
   [[nodiscard]] std::size_t pendingBytes() const { return buffer_.size() - taken_; }
 

@@ -258,7 +258,7 @@ void UvChildProcessLauncher::Child::leaveWhenDone() {
   }
   std::erase(family->children, this);
   if (family->children.empty()) {
-    family->readBuffer = {};
+    family->readBuffer = std::vector<char>();  // "= {}" would keep the memory
   }
   const std::shared_ptr<Child> last = std::move(self);
 }

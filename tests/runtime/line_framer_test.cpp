@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "support/live_memory.hpp"
+
 namespace vantora {
 namespace {
 
@@ -31,6 +33,26 @@ TEST(LineFramer, KeepsHalfALineUntilItsLineFeedArrives) {
   ASSERT_TRUE(framer.append(":1}\n"));
   EXPECT_THAT(takeAll(framer), ElementsAre("{\"id\":1}"));
   EXPECT_EQ(framer.pendingBytes(), 0U);
+}
+
+TEST(LineFramer, ForgetsWhatWaitsWhenItIsCleared) {
+  LineFramer framer(limit);
+  ASSERT_TRUE(framer.append("one\ntw"));
+  EXPECT_THAT(takeAll(framer), ElementsAre("one"));
+  framer.clear();
+  EXPECT_EQ(framer.pendingBytes(), 0U);
+  ASSERT_TRUE(framer.append("three\n"));
+  EXPECT_THAT(takeAll(framer), ElementsAre("three"));
+}
+
+TEST(LineFramer, GivesItsMemoryBackWhenItIsCleared) {
+  LineFramer framer(limit);
+  const std::string flood(limit, 'x');
+  const std::size_t before = test::liveBytes();
+  ASSERT_TRUE(framer.append(flood));
+  EXPECT_GE(test::liveBytes(), before + limit);
+  framer.clear();
+  EXPECT_EQ(test::liveBytes(), before);
 }
 
 TEST(LineFramer, TakesSeveralLinesOfOneReadInOrder) {

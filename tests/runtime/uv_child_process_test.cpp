@@ -20,6 +20,7 @@
 
 #include "runtime/descriptor.hpp"
 #include "runtime/thread_hints.hpp"
+#include "support/live_memory.hpp"
 #include "support/real_processes.hpp"
 #include "support/virtual_time.hpp"
 
@@ -89,6 +90,17 @@ TEST_F(UvChildProcessTest, LeavesNothingOfAChildThatWasTerminated) {
   start("hang");
   processes.runUntilBackTo(before);
   EXPECT_EQ(time.pendingCount(), 0U);
+}
+
+TEST_F(UvChildProcessTest, HoldsNoBufferBetweenTwoChildren) {
+  const std::size_t heldBefore = test::liveBytes();
+  auto child = start("echo");
+  EXPECT_TRUE(child->write("hello\n"));
+  runUntilReady();
+  child.reset();
+  processes.runUntilBackTo(before);
+  // A read buffer has 65,536.
+  EXPECT_LT(test::liveBytes(), heldBefore + 16'384);
 }
 
 TEST_F(UvChildProcessTest, KillsAChildThatIgnoresTerminationAfterTheGrace) {

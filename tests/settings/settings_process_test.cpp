@@ -9,6 +9,7 @@
 
 #include "model/configuration_codec.hpp"
 #include "support/fake_settings_ports.hpp"
+#include "support/live_memory.hpp"
 #include "support/scripted_process.hpp"
 #include "support/temporary_folder.hpp"
 #include "support/virtual_time.hpp"
@@ -372,6 +373,20 @@ TEST_F(SettingsProcessTest, SurvivesAWindowThatWritesWithoutALineFeed) {
     sayBytes(piece);
   }
   expectFailure(broken);
+}
+
+TEST_F(SettingsProcessTest, KeepsNoMemoryOfAWindowThatSaidTooMuch) {
+  const std::size_t before = test::liveBytes();
+  open();
+  for (int count = 0; count < 4; ++count) {
+    sayBytes(std::string(60'000, 'x'));
+  }
+  EXPECT_GT(test::liveBytes(), before + 240'000);
+  child().exit({0, 0});
+  time_.runPosted();
+  EXPECT_FALSE(process_->isVisible());
+  // The scripted child remembers what it was told.
+  EXPECT_LT(test::liveBytes(), before + 100'000);
 }
 
 TEST_F(SettingsProcessTest, SurvivesAWindowThatFloodsItWithMessages) {

@@ -119,7 +119,7 @@ void MenuProcess::forget() {
     parts_.queue.post([child = std::shared_ptr<ChildProcess>(std::move(child_))] {});
   }
   openTimer_.reset();
-  framer_ = LineFramer(agentReadLimit);
+  framer_.clear();
   entries_.clear();
   onChosen_ = nullptr;
   isShown_ = false;

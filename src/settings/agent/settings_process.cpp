@@ -128,7 +128,7 @@ void SettingsProcess::forget() {
     parts_.queue.post([child = std::shared_ptr<ChildProcess>(std::move(child_))] {});
   }
   answerTimer_.reset();
-  framer_ = LineFramer(agentReadLimit);
+  framer_.clear();
   scale_.reset();
   shown_ = {};
   wasShown_ = false;
