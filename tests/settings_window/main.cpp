@@ -8,6 +8,8 @@
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
   qputenv("QT_QPA_PLATFORM", "offscreen");
+  // The toolkit's own dialogs can be looked into.
+  QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
   const QApplication application(argc, argv);
   return RUN_ALL_TESTS();
 }

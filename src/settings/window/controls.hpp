@@ -27,7 +27,7 @@ void setSpokenName(QWidget* control, const QString& name);
 
 /// A text that wraps and can be selected; never taken for markup.
 [[nodiscard]] QLabel* makeText(const QString& text = {});
-/// The same in the smaller and fainter dress of an explanation.
+/// The same in the fainter dress of an explanation.
 [[nodiscard]] QLabel* makeNote(std::string_view text);
 [[nodiscard]] QLabel* makeHeading(std::string_view text);
 [[nodiscard]] QPushButton* makeButton(std::string_view label, std::function<void()> pressed);
