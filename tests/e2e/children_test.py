@@ -18,7 +18,7 @@ from stage import until
 class ChildrenTest(stage.StageTest):
     def start_stubborn(self):
         """An agent with tools that ignore everything, and all their processes."""
-        self.start_bus()
+        self.bus = self.start_bus()
         tools = [self.quota_tool(kind, "stubborn") for kind in ("claude", "codex")]
         self.configure(*stage.QUOTAS, claudeSettings=stage.CLAUDE, codexSettings=stage.CODEX)
         agent = self.start_agent().wait_until_owner()
@@ -57,9 +57,18 @@ class ChildrenTest(stage.StageTest):
         # who is still there is killed. Here the agent alone, in the midst of its end.
         agent, family = self.start_stubborn()
         everybody = [agent.pid] + agent.guards() + family
+        self.stop_bus(self.bus)
         for pid in everybody:
             os.kill(pid, signal.SIGTERM)
         agent.kill()
+        self.assert_nothing_is_left(agent, family)
+
+    def test_an_agent_without_its_bus_ends_them_as_well(self):
+        agent, family = self.start_stubborn()
+        self.stop_bus(self.bus)
+        until("the line", agent.said)
+        self.assertTrue(all(map(stage.is_running, family)))
+        self.assertEqual(agent.end(), 0)
         self.assert_nothing_is_left(agent, family)
 
     def test_hangup_and_interrupt_end_it_as_well(self):
@@ -113,6 +122,8 @@ class ChildrenTest(stage.StageTest):
 @unittest.skipUnless(shutil.which("Xvfb"), "Xvfb is not installed")
 class WindowTest(stage.StageTest):
     def start_with_window(self):
+        if not self.has_window_program():
+            self.skipTest("the window was not built")
         self.start_display()
         self.start_bus()
         self.configure(("cpuUsage", "none"))

@@ -275,6 +275,10 @@ class StageTest(unittest.TestCase):
             if stream:
                 stream.close()
 
+    def has_window_program(self):
+        """Whether the settings window was built, which needs its toolkit."""
+        return os.path.exists(os.path.join(os.path.dirname(self.program), "vantora-settings"))
+
     def start_display(self):
         """An X server of the test's own."""
         read, write = os.pipe()
