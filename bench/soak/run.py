@@ -273,6 +273,8 @@ def show_descriptors(first, last):
 def main():
     minutes, programs, name = float(sys.argv[1]), sys.argv[2], sys.argv[3]
     seed = int(sys.argv[4]) if len(sys.argv) > 4 else random.SystemRandom().randrange(10**6)
+    # So that what was started is ended.
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit("asked to end"))
     ctypes.CDLL(None).prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
     folder = tempfile.mkdtemp(prefix="vantora-soak-")
     soak = Soak(minutes, programs, seed, folder)
