@@ -138,7 +138,7 @@ TEST_F(MenuProcessTest, EndsTheMenuWithItself) {
 TEST_F(MenuProcessTest, SaysThatTheProgramIsMissing) {
   launcher_.failStarts(Fault{Fault::Kind::absent, "ENOENT"});
   open();
-  EXPECT_THAT(failures_, ElementsAre("O menu não pôde ser aberto. ENOENT"));
+  EXPECT_THAT(failures_, ElementsAre("O menu não pôde ser aberto. /opt/vantora-settings: ENOENT"));
   launcher_.failStarts(std::nullopt);
   open();
   say(answerLine(Shown{}));

@@ -273,6 +273,11 @@ void XEmbedWindow::checkWidth() {
   const auto [width, height] = client_->size();
   resized(width, height);
   check_.reset();
+  if (state_ == State::docking) {
+    // A panel that composes its windows itself may miss what is drawn while it lays itself
+    // out: Xfce's then shows an empty place until the next picture.
+    draw();
+  }
   setState(width_ >= askedWidth_ ? State::docked : State::squeezed);
 }
 

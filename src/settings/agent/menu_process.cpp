@@ -36,7 +36,7 @@ void MenuProcess::open(const MenuContent& content, OnChosen onChosen) {
   events.onExit = [this](ChildExit exit) { ended(exit); };
   auto started = parts_.launcher.start(options, std::move(events));
   if (!started) {
-    fail(unopenedText + (started.fault().detail.empty() ? "" : " " + started.fault().detail));
+    fail(unopenedText + (" " + parts_.executable + ": " + started.fault().detail));
     return;
   }
   child_ = std::move(started).value();

@@ -210,6 +210,20 @@ TEST_F(XEmbedWindowTest, DrawsAgainWhatWasWipedOut) {
   EXPECT_TRUE(untilPixels(Ink::lightOnPlate, TrayDepth::opaque));
 }
 
+TEST_F(XEmbedWindowTest, DrawsOnceMoreWhenTheTrayHasLaidItselfOut) {
+  startTray();
+  window_->start(40);
+  ASSERT_TRUE(until([this] { return tray_->isThere() && tray_->isMapped(); }));
+  ASSERT_TRUE(untilPixels(Ink::lightOnPlate, TrayDepth::opaque));
+  sync();
+  const int before = drawings_;
+  time_.advance(settled);
+  EXPECT_EQ(window_->state(), State::docked);
+  EXPECT_EQ(drawings_, before + 1);
+  time_.advance(Seconds{60});
+  EXPECT_EQ(drawings_, before + 1);
+}
+
 TEST_F(XEmbedWindowTest, DrawsANewPictureOfTheSameWidthInPlace) {
   startTray();
   ASSERT_TRUE(dock());
