@@ -20,6 +20,7 @@
 #include "platform/linux/fontconfig_lookup.hpp"
 #include "platform/linux/freetype_text_engine.hpp"
 #include "platform/linux/linux_status_item.hpp"
+#include "platform/linux/screen_scale.hpp"
 #include "platform/linux/xdg_folders.hpp"
 #include "platform/linux/xdg_url_opener.hpp"
 #include "runtime/resident_memory.hpp"
@@ -36,6 +37,12 @@ namespace {
 // What a person who started the program in a terminal, or reads the session's log, is told.
 void say(std::string_view line) {
   std::fprintf(stderr, "vantora: %.*s\n", static_cast<int>(line.size()), line.data());
+}
+
+// The variable's value, empty where there is none.
+std::string environmentText(const char* name) {
+  const char* text = std::getenv(name);
+  return text != nullptr ? text : "";
 }
 
 // The program of window and menu stands beside this one, in a build folder as where it is
@@ -95,8 +102,11 @@ int run() {
     return 1;
   }
   LaunchTokens tokens = takeLaunchTokens();
-  // Before there are threads: the lookup happens in a child of its own.
+  // Before there are threads: the lookups happen in children of their own.
   FontSelection fonts = lookUpApart([] { return lookUpFonts(); });
+  LinuxStatusItem::Options options;
+  options.largestScale =
+      lookUpScreenScaleApart({environmentText("WAYLAND_DISPLAY"), environmentText("DISPLAY")});
   LinuxApplication application(*configHome);
   UvLoop& loop = application.loop();
   FreetypeTextEngine textEngine(std::move(fonts));
@@ -123,9 +133,9 @@ int run() {
   MenuProcess menu(popupParts);
   ToolTipProcess toolTip(popupParts);
   menu.onFailure = toolTip.onFailure = [](const std::string& message) { say(message); };
-  LinuxStatusItem statusItem(bus, loop.queue(), textEngine, {},
+  LinuxStatusItem statusItem(bus, loop.queue(), textEngine, std::move(options),
                              [](StatusItemSituation situation) { say(describe(situation)); });
-  if (const char* display = std::getenv("DISPLAY"); display != nullptr && *display != '\0') {
+  if (const std::string display = environmentText("DISPLAY"); !display.empty()) {
     statusItem.useTray(loop.raw(), display, {menu, toolTip});
   }
   XdgUrlOpener urlOpener(loop.raw());
