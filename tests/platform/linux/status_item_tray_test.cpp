@@ -59,9 +59,7 @@ class FakePopupMenu final : public PopupMenu {
     ++closings;
     onChosen_ = nullptr;
   }
-  void choose(std::int32_t id) {
-    std::exchange(onChosen_, nullptr)(id);
-  }
+  void choose(std::int32_t id) { std::exchange(onChosen_, nullptr)(id); }
 
   std::vector<MenuContent> opened;
   int closings = 0;
