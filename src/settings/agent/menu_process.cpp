@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "settings/agent/let_go.hpp"
+
 namespace vantora {
 
 using namespace MenuProtocol;
@@ -113,11 +115,7 @@ void MenuProcess::fail(const std::string& message) {
 }
 
 void MenuProcess::forget() {
-  if (child_ != nullptr) {
-    child_->terminate();
-    // Destroyed later: this may be one of its own events.
-    parts_.queue.post([child = std::shared_ptr<ChildProcess>(std::move(child_))] {});
-  }
+  letGo(child_, parts_.queue);
   openTimer_.reset();
   framer_.clear();
   entries_.clear();

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "settings/agent/let_go.hpp"
+
 namespace vantora {
 
 using namespace SettingsProtocol;
@@ -122,11 +124,7 @@ void SettingsProcess::fail(const std::string& message) {
 }
 
 void SettingsProcess::forget() {
-  if (child_ != nullptr) {
-    child_->terminate();
-    // Destroyed later: this may be one of its own events.
-    parts_.queue.post([child = std::shared_ptr<ChildProcess>(std::move(child_))] {});
-  }
+  letGo(child_, parts_.queue);
   answerTimer_.reset();
   framer_.clear();
   scale_.reset();

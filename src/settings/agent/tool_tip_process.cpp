@@ -3,6 +3,8 @@
 
 #include <utility>
 
+#include "settings/agent/let_go.hpp"
+
 namespace vantora {
 
 ToolTipProcess::ToolTipProcess(MenuProcess::Parts parts) : parts_(std::move(parts)) {}
@@ -27,11 +29,7 @@ void ToolTipProcess::show(const ToolTipContent& content) {
 }
 
 void ToolTipProcess::hide() {
-  if (child_ != nullptr) {
-    child_->terminate();
-    // Destroyed later: this may be one of its own events.
-    parts_.queue.post([child = std::shared_ptr<ChildProcess>(std::move(child_))] {});
-  }
+  letGo(child_, parts_.queue);
 }
 
 void ToolTipProcess::ended(ChildExit exit) {
