@@ -7,6 +7,10 @@ function(vantora_library name)
   add_library(vantora::${name} ALIAS vantora_${name})
   target_link_libraries(vantora_${name} PUBLIC vantora::options ${ARG_LINKS}
                                         PRIVATE ${ARG_PRIVATE_LINKS})
+  if(VANTORA_FUZZ)
+    # The fuzzers follow what they reach; tests that link it take no notice.
+    target_compile_options(vantora_${name} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
   set_property(GLOBAL APPEND PROPERTY VANTORA_LIBRARIES vantora_${name})
 endfunction()
 
@@ -50,17 +54,22 @@ function(vantora_check_every_test_is_built)
 endfunction()
 
 # vantora_fuzz(NAME LINKS ...)
-# fuzz/NAME.cpp with the kept corpus fuzz/corpus/NAME. With VANTORA_FUZZ a libFuzzer
-# program; without it a replay of the corpus, run as a test.
+# fuzz/NAME.cpp with the kept corpus fuzz/corpus/NAME, which a test replays. With
+# VANTORA_FUZZ a libFuzzer program.
 function(vantora_fuzz name)
   cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
   if(VANTORA_FUZZ)
     add_executable(fuzz_${name} ${name}.cpp)
+    target_compile_options(fuzz_${name} PRIVATE -fsanitize=fuzzer-no-link)
     target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+    set(replay fuzz_${name} -runs=0)
   else()
     add_executable(fuzz_${name} ${name}.cpp replay_main.cpp)
+    set(replay fuzz_${name})
+  endif()
+  if(VANTORA_TESTS)
     add_test(NAME fuzz_corpus.${name}
-             COMMAND fuzz_${name} "${CMAKE_SOURCE_DIR}/fuzz/corpus/${name}")
+             COMMAND ${replay} "${CMAKE_SOURCE_DIR}/fuzz/corpus/${name}")
   endif()
   target_link_libraries(fuzz_${name} PRIVATE vantora::options ${ARG_LINKS})
 endfunction()
