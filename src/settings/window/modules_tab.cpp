@@ -226,6 +226,9 @@ void ModulesTab::drop(ModuleRow* row, bool isCancelled) {
 }
 
 void ModulesTab::endDrag() {
+  if (dragged_ == nullptr) {
+    return;
+  }
   dragged_->setLifted(false);
   dragged_ = nullptr;
   scrollBar_->repeat(QScrollBar::SliderNoAction);
