@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <string_view>
+#include <vector>
 
 #include "platform/linux/answer_apart.hpp"
 #include "platform/linux/tray_client.hpp"
@@ -17,10 +18,16 @@ namespace {
 
 constexpr int greatestScale = 4;
 
-// What the compositor has told so far. Nothing is given back one by one: all of it goes
-// with the connection.
+struct Destroy {
+  void operator()(wl_display* display) const { wl_display_disconnect(display); }
+  void operator()(wl_registry* registry) const { wl_registry_destroy(registry); }
+  void operator()(wl_output* output) const { wl_output_destroy(output); }
+};
+
+// What the compositor has told so far.
 struct Outputs {
   std::int32_t scale = 1;
+  std::vector<std::unique_ptr<wl_output, Destroy>> bound;
 };
 
 void ignoreGeometry(void* /*data*/, wl_output* /*output*/, std::int32_t /*x*/, std::int32_t /*y*/,
@@ -51,6 +58,7 @@ void bindOutput(void* data, wl_registry* registry, std::uint32_t name, const cha
       static_cast<wl_output*>(wl_registry_bind(registry, name, &wl_output_interface, scaleVersion));
   if (output != nullptr) {
     wl_output_add_listener(output, &outputListener, data);
+    static_cast<Outputs*>(data)->bound.emplace_back(output);
   }
 }
 void ignoreRemoval(void* /*data*/, wl_registry* /*registry*/, std::uint32_t /*name*/) {}
@@ -58,19 +66,16 @@ constexpr wl_registry_listener registryListener{.global = bindOutput,
                                                 .global_remove = ignoreRemoval};
 
 int waylandScale(const std::string& address) {
-  struct Disconnect {
-    void operator()(wl_display* display) const { wl_display_disconnect(display); }
-  };
-  const std::unique_ptr<wl_display, Disconnect> display(wl_display_connect(address.c_str()));
+  const std::unique_ptr<wl_display, Destroy> display(wl_display_connect(address.c_str()));
   if (display == nullptr) {
     return 1;
   }
   Outputs outputs;
-  wl_registry* registry = wl_display_get_registry(display.get());
+  const std::unique_ptr<wl_registry, Destroy> registry(wl_display_get_registry(display.get()));
   if (registry == nullptr) {
     return 1;
   }
-  wl_registry_add_listener(registry, &registryListener, &outputs);
+  wl_registry_add_listener(registry.get(), &registryListener, &outputs);
   // First the globals, then what the bound outputs tell.
   if (wl_display_roundtrip(display.get()) >= 0) {
     wl_display_roundtrip(display.get());

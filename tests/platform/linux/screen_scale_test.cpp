@@ -45,6 +45,7 @@ class ScriptedCompositor {
   ~ScriptedCompositor() {
     isEnding_ = true;
     thread_.join();
+    wl_event_source_remove(wake_);
     wl_display_destroy_clients(display_);
     wl_display_destroy(display_);
   }
