@@ -98,7 +98,7 @@ TEST_F(UvChildProcessTest, HoldsNoBufferBetweenTwoChildren) {
   EXPECT_TRUE(child->write("hello\n"));
   runUntilReady();
   child.reset();
-  processes.runUntilBackTo(before);
+  processes.runUntilBackTo(before, [this] { time.advance(RealProcesses::turn); });
   // A read buffer has 65,536.
   EXPECT_LT(test::liveBytes(), heldBefore + 16'384);
 }
@@ -184,7 +184,7 @@ TEST_F(UvChildProcessTest, StopsAFloodInItsMiddle) {
   runUntil([this] { return output.size() > 1'000'000; });
   child->terminate();
   const std::size_t size = output.size();
-  processes.runUntilBackTo(before);
+  processes.runUntilBackTo(before, [this] { time.advance(RealProcesses::turn); });
   EXPECT_EQ(output.size(), size);
 }
 
