@@ -19,7 +19,7 @@ namespace vantora {
   return result;
 }
 
-/// Whether any of `words` stands somewhere in `text`.
+/// Whether `text` contains any of `words`.
 [[nodiscard]] inline bool containsAny(std::string_view text,
                                       std::span<const std::string_view> words) {
   return std::any_of(words.begin(), words.end(), [text](std::string_view word) {

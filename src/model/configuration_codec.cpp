@@ -6,51 +6,10 @@
 #include <utility>
 
 #include "model/json.hpp"
+#include "model/json_reader.hpp"
 
 namespace vantora::ConfigurationCodec {
 namespace {
-
-// Reads the members of one object; the first thing that does not fit makes the whole
-// document fail, which `failed` remembers.
-class ObjectReader {
- public:
-  ObjectReader(const Json& object, bool& failed) : object_(object), failed_(failed) {
-    if (!object.is_object()) {
-      failed_ = true;
-    }
-  }
-
-  template <typename T, typename Convert>
-  void required(std::string_view key, T& target, Convert convert) {
-    const Json* value = member(object_, key);
-    if (value == nullptr) {
-      failed_ = true;
-      return;
-    }
-    store(*value, target, convert);
-  }
-
-  template <typename T, typename Convert>
-  void optional(std::string_view key, std::optional<T>& target, Convert convert) {
-    target.reset();
-    if (const Json* value = presentMember(object_, key)) {
-      store(*value, target, convert);
-    }
-  }
-
- private:
-  template <typename T, typename Convert>
-  void store(const Json& value, T& target, Convert convert) {
-    if (auto converted = convert(value)) {
-      target = *std::move(converted);
-    } else {
-      failed_ = true;
-    }
-  }
-
-  const Json& object_;
-  bool& failed_;
-};
 
 std::optional<int> toInt(const Json& value) {
   const auto number = asInteger(value);
@@ -64,15 +23,12 @@ std::optional<int> toInt(const Json& value) {
 // Turns a conversion from text into one from JSON.
 template <auto fromText>
 auto enumeration(const Json& value) -> decltype(fromText(std::string_view())) {
-  if (!value.is_string()) {
-    return std::nullopt;
-  }
-  return fromText(value.get_ref<const std::string&>());
+  const std::optional<std::string> text = asText(value);
+  return text ? fromText(*text) : std::nullopt;
 }
 
 std::optional<ModuleConfiguration> toModule(const Json& value) {
-  bool failed = false;
-  ObjectReader reader(value, failed);
+  ObjectReader reader(value);
   ModuleConfiguration module;
   reader.required("id", module.id, enumeration<&UUID::parse>);
   reader.required("enabled", module.enabled, asBool);
@@ -85,11 +41,11 @@ std::optional<ModuleConfiguration> toModule(const Json& value) {
   reader.required("alignment", module.alignment, enumeration<&alignmentFromRawText>);
   reader.optional("gapAfter", module.gapAfter, asDouble);
   reader.optional("hideInactiveFans", module.hideInactiveFans, asBool);
-  return failed ? std::nullopt : std::optional(module);
+  return reader.isGood() ? std::optional(module) : std::nullopt;
 }
 
 std::optional<std::vector<ModuleConfiguration>> toModules(const Json& value) {
-  if (!value.is_array()) {
+  if (!value.isArray()) {
     return std::nullopt;
   }
   std::vector<ModuleConfiguration> modules;
@@ -105,8 +61,7 @@ std::optional<std::vector<ModuleConfiguration>> toModules(const Json& value) {
 }
 
 std::optional<CodexQuotaSettings> toCodexSettings(const Json& value) {
-  bool failed = false;
-  ObjectReader reader(value, failed);
+  ObjectReader reader(value);
   CodexQuotaSettings settings;
   reader.required("enabled", settings.enabled, asBool);
   reader.required("intervalMinutes", settings.intervalMinutes, toInt);
@@ -114,18 +69,17 @@ std::optional<CodexQuotaSettings> toCodexSettings(const Json& value) {
   reader.required("showUsed", settings.showUsed, asBool);
   reader.required("oneDecimal", settings.oneDecimal, asBool);
   reader.required("showResetDate", settings.showResetDate, asBool);
-  return failed ? std::nullopt : std::optional(std::move(settings));
+  return reader.isGood() ? std::optional(std::move(settings)) : std::nullopt;
 }
 
 std::optional<ClaudeQuotaSettings> toClaudeSettings(const Json& value) {
-  bool failed = false;
-  ObjectReader reader(value, failed);
+  ObjectReader reader(value);
   ClaudeQuotaSettings settings;
   reader.required("enabled", settings.enabled, asBool);
   reader.required("intervalMinutes", settings.intervalMinutes, toInt);
   reader.required("showUsed", settings.showUsed, asBool);
   reader.required("oneDecimal", settings.oneDecimal, asBool);
-  return failed ? std::nullopt : std::optional(settings);
+  return reader.isGood() ? std::optional(settings) : std::nullopt;
 }
 
 template <typename T>
@@ -187,7 +141,7 @@ std::optional<std::string> encode(const AppConfiguration& configuration) {
   }
   Json modules = Json::array();
   for (const ModuleConfiguration& module : configuration.modules) {
-    modules.push_back(toJson(module));
+    modules.append(toJson(module));
   }
   Json document{{"schemaVersion", configuration.schemaVersion},
                 {"intervalSeconds", configuration.intervalSeconds},
@@ -212,8 +166,7 @@ std::optional<AppConfiguration> decode(std::string_view document) {
   if (!json) {
     return std::nullopt;
   }
-  bool failed = false;
-  ObjectReader reader(*json, failed);
+  ObjectReader reader(*json);
   AppConfiguration configuration;
   reader.required("schemaVersion", configuration.schemaVersion, toInt);
   reader.required("intervalSeconds", configuration.intervalSeconds, toInt);
@@ -226,7 +179,7 @@ std::optional<AppConfiguration> decode(std::string_view document) {
   reader.required("paused", configuration.paused, asBool);
   reader.optional("codexSettings", configuration.codexSettings, toCodexSettings);
   reader.optional("claudeSettings", configuration.claudeSettings, toClaudeSettings);
-  return failed ? std::nullopt : std::optional(std::move(configuration));
+  return reader.isGood() ? std::optional(std::move(configuration)) : std::nullopt;
 }
 
 }  // namespace vantora::ConfigurationCodec

@@ -17,7 +17,7 @@ std::string fixedDecimal(double value, int decimals, char separator) {
   if (decimals == 0) {
     return std::string(printed);
   }
-  // The separator of the process's locale, which may take several bytes, stands
+  // The separator of the process's locale, which may take several bytes, is
   // between the leading digits and the last `decimals` ones.
   const std::size_t whole = printed.find_first_not_of("-0123456789");
   const std::string_view fraction =

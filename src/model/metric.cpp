@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "model/metric.hpp"
 
+#include "model/words.hpp"
+
 namespace vantora {
 namespace {
 
 struct Entry {
   std::string_view id;
-  std::string_view title;
+  const char* title;
   std::optional<MetricFamily> family;
   bool isFan;
   std::string_view reservedText;
@@ -18,17 +20,17 @@ constexpr std::array<Entry, metricCount> catalogue{{
     {"none", "Linha vazia", std::nullopt, false, ""},
     {"batteryPercent", "Bateria · porcentagem", battery, false, "100%"},
     {"batteryTime", "Bateria · tempo estimado", battery, false, "166:39"},
-    {"batteryTemperature", "Bateria · temperatura média (SMC)", sensors, false, "999°C"},
+    {"batteryTemperature", Words::batteryTemperatureTitle, sensors, false, "999°C"},
     {"upload", "Rede · upload", network, false, "0,99M"},
     {"download", "Rede · download", network, false, "0,99M"},
     {"cpuUsage", "CPU · uso total", cpu, false, "100%"},
-    {"cpuTemperature", "CPU · maior temperatura (SMC experimental)", sensors, false, "999°C"},
-    {"fan1Percent", "Ventoinha 1 · % do RPM máximo (SMC)", sensors, true, "100%"},
-    {"fan2Percent", "Ventoinha 2 · % do RPM máximo (SMC)", sensors, true, "100%"},
-    {"fan1RPM", "Ventoinha 1 · RPM (SMC)", sensors, true, "99999"},
-    {"fan2RPM", "Ventoinha 2 · RPM (SMC)", sensors, true, "99999"},
+    {"cpuTemperature", Words::cpuTemperatureTitle, sensors, false, "999°C"},
+    {"fan1Percent", Words::fan1PercentTitle, sensors, true, "100%"},
+    {"fan2Percent", Words::fan2PercentTitle, sensors, true, "100%"},
+    {"fan1RPM", Words::fan1RPMTitle, sensors, true, "99999"},
+    {"fan2RPM", Words::fan2RPMTitle, sensors, true, "99999"},
     {"adapterWatts", "Adaptador · potência informada", battery, false, ">9999W"},
-    {"inputWatts", "Entrada no Mac · potência (não validada)", std::nullopt, false, ">9999W"},
+    {"inputWatts", Words::inputWattsTitle, std::nullopt, false, ">9999W"},
     {"batteryChargeWatts", "Bateria · potência de carga (não validada)", std::nullopt, false,
      ">9999W"},
     {"codexWeeklyPercent", "Codex · cota semanal (%)", codex, false, "100%*"},

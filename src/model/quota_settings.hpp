@@ -15,7 +15,7 @@ namespace vantora {
 
 struct CodexQuotaSettings {
   /// The longest category identifier that is kept, in bytes of UTF-8.
-  static constexpr std::size_t longestLimitID = 100;
+  static constexpr std::size_t maxLimitIDBytes = 100;
 
   bool enabled = false;
   int intervalMinutes = 3;                     ///< Between two automatic queries.
@@ -26,7 +26,7 @@ struct CodexQuotaSettings {
 
   [[nodiscard]] bool isValid() const {
     return isQuotaInterval(intervalMinutes) &&
-           (!selectedLimitID || selectedLimitID->size() <= longestLimitID);
+           (!selectedLimitID || selectedLimitID->size() <= maxLimitIDBytes);
   }
   bool operator==(const CodexQuotaSettings&) const = default;
 };

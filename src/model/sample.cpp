@@ -3,6 +3,8 @@
 
 #include <utility>
 
+#include "model/words.hpp"
+
 namespace vantora {
 
 std::string_view rawText(Quality quality) {
@@ -57,8 +59,7 @@ MetricSet SampleTable::metrics() const {
 }
 
 const MetricSample& MetricSnapshot::operator[](MetricID metric) const {
-  static const MetricSample notValidated =
-      MetricSample::unavailable("Fonte ainda não validada neste Mac");
+  static const MetricSample notValidated = MetricSample::unavailable(Words::sourceNotValidated);
   const MetricSample* stored = samples.find(metric);
   return stored != nullptr ? *stored : notValidated;
 }

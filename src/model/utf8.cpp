@@ -46,6 +46,23 @@ Part firstPart(std::string_view bytes) {
 
 }  // namespace
 
+char32_t takeCharacter(std::string_view& text) {
+  const Part part = firstPart(text);
+  const std::string_view bytes = text.substr(0, part.length);
+  text.remove_prefix(part.length);
+  if (!part.isWellFormed) {
+    return 0xFFFD;
+  }
+  // The lead byte has as many high bits set as the sequence has bytes, or none if it is
+  // alone; every other byte carries six bits.
+  const auto lead = static_cast<std::uint8_t>(bytes.front());
+  char32_t character = bytes.size() == 1 ? lead : lead & (0x7FU >> bytes.size());
+  for (const char byte : bytes.substr(1)) {
+    character = character << 6U | (static_cast<std::uint8_t>(byte) & 0x3FU);
+  }
+  return character;
+}
+
 std::string repairedUtf8(std::string_view bytes) {
   std::string repaired;
   repaired.reserve(bytes.size());
