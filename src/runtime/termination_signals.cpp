@@ -7,7 +7,7 @@
 namespace vantora {
 
 // libuv uses a handle's memory until it has closed it, which may be later than the end
-// of whoever watched.
+// of the TerminationSignals.
 struct TerminationSignals::Watch {
   uv_signal_t handle{};
   std::function<void()> onSignal;
@@ -19,7 +19,7 @@ TerminationSignals::TerminationSignals(uv_loop_t& loop, const std::function<void
     auto* watch = new Watch{{}, onSignal};
     watches_[index] = watch;
     watch->handle.data = watch;
-    // Neither call fails for these signals and a loop that stands.
+    // Neither call fails for these signals and an open loop.
     uv_signal_init(&loop, &watch->handle);
     uv_signal_start(
         &watch->handle,

@@ -9,7 +9,7 @@
 namespace vantora {
 
 /// Turns the signals that ask the program to end (SIGINT, SIGTERM, SIGHUP) into calls on
-/// a loop. On the loop's thread, for as long as the loop stands.
+/// a loop. On the loop's thread, for as long as the loop exists.
 class TerminationSignals {
  public:
   /// `onSignal` is called on the loop's thread, at each of the signals.
@@ -23,7 +23,7 @@ class TerminationSignals {
   std::array<Watch*, 3> watches_{};
 };
 
-/// Makes a write to a pipe that nobody reads an error (EPIPE) instead of a signal.
+/// Makes a write to a pipe without a reader an error (EPIPE) instead of a signal.
 void ignoreBrokenPipes();
 
 }  // namespace vantora

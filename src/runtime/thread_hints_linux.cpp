@@ -26,9 +26,9 @@ DefaultTimerSlack::~DefaultTimerSlack() {
 }
 
 void nameThisThread(std::string_view name) {
-  // The kernel keeps 15 bytes (TASK_COMM_LEN); the end tells queues apart best.
-  constexpr std::size_t longest = 15;
-  const std::string kept(name.size() > longest ? name.substr(name.size() - longest) : name);
+  // The kernel keeps 15 bytes (TASK_COMM_LEN); the end distinguishes queues best.
+  constexpr std::size_t maxLength = 15;
+  const std::string kept(name.size() > maxLength ? name.substr(name.size() - maxLength) : name);
   prctl(PR_SET_NAME, kept.c_str(), 0, 0, 0);
 }
 

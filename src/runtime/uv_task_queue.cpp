@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
+#include <system_error>
 #include <utility>
 
 #include "runtime/thread_hints.hpp"
@@ -127,13 +128,13 @@ struct UvTaskQueue::Core {
   // The kernel may delay this thread's wake-ups by what every one of its timers allows,
   // and by a second at most: others wait for answers on the same loop.
   void updateSlack() {
-    constexpr Seconds longest{1};
+    constexpr Seconds maxSlack{1};
     Seconds wanted{0};
     if (!timers.empty()) {
       wanted = (*std::min_element(timers.begin(), timers.end(), [](const auto& a, const auto& b) {
                  return a->leeway < b->leeway;
                }))->leeway;
-      wanted = std::min(wanted, longest);
+      wanted = std::min(wanted, maxSlack);
     }
     if (wanted != slack) {
       slack = wanted;
@@ -166,20 +167,21 @@ class UvTaskQueue::UvTimer final : public Timer {
 
 UvTaskQueue::UvTaskQueue(uv_loop_t& loop) : core_(std::make_shared<Core>()) {
   assert(loop.data == nullptr && "one queue a loop");
+  auto wake = std::make_unique<uv_async_t>();
+  const int status = uv_async_init(&loop, wake.get(), [](uv_async_t* handle) {
+    static_cast<Core*>(handle->data)->runPending();
+  });
+  if (status != 0) {
+    throw std::system_error(-status, std::generic_category());
+  }
   core_->loop = &loop;
   core_->thread = std::this_thread::get_id();
-  core_->wake = new uv_async_t;
+  core_->wake = wake.release();
   core_->wake->data = core_.get();
   core_->soon = new uv_idle_t;
   core_->soon->data = core_.get();
-  loop.data = core_.get();
-  const int status = uv_async_init(
-      &loop, core_->wake, [](uv_async_t* wake) { static_cast<Core*>(wake->data)->runPending(); });
   uv_idle_init(&loop, core_->soon);
-  // The only failure is that the process has no descriptor left at its very start.
-  if (status != 0) {
-    std::abort();
-  }
+  loop.data = core_.get();
 }
 
 UvTaskQueue::~UvTaskQueue() {

@@ -21,6 +21,7 @@ namespace vantora {
 /// runs the loop). Timers count in milliseconds, libuv's resolution.
 class UvTaskQueue final : public TaskQueue {
  public:
+  /// Throws std::system_error when the process has no descriptor left to wake the loop by.
   explicit UvTaskQueue(uv_loop_t& loop);
   ~UvTaskQueue() override;
   UvTaskQueue(const UvTaskQueue&) = delete;
