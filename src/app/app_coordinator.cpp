@@ -3,8 +3,6 @@
 
 #include <utility>
 
-#include "status/status_renderer.hpp"
-
 namespace vantora {
 namespace {
 
@@ -25,7 +23,9 @@ std::shared_ptr<AppCoordinator> AppCoordinator::create(AppParts parts) {
 }
 
 AppCoordinator::AppCoordinator(Token, AppParts parts)
-    : parts_(std::move(parts)), launchedAtUptime_(parts_.clock.uptime()) {}
+    : parts_(std::move(parts)),
+      launchedAtUptime_(parts_.clock.uptime()),
+      redraw_(parts_.statusItem, parts_.textEngine) {}
 
 void AppCoordinator::launch() {
   observeStatusItem();
@@ -33,7 +33,7 @@ void AppCoordinator::launch() {
   observeProviders();
   observeSampling();
   observePower();
-  drawStatus(/*force=*/true);
+  drawStatus();
   samplingConfiguration_ = parts_.model->configuration();
   parts_.sampling->configure(*samplingConfiguration_);
   configureProviders(/*sleeping=*/false);
@@ -41,7 +41,7 @@ void AppCoordinator::launch() {
 
 void AppCoordinator::terminate() {
   parts_.powerEvents.reset();
-  parts_.quota->shutdown();
+  parts_.codexQuota->shutdown();
   parts_.claudeQuota->shutdown();
   if (parts_.settingsWindow != nullptr) {
     parts_.settingsWindow->close();
@@ -74,21 +74,24 @@ void AppCoordinator::observeModel() {
   SettingsModel& model = *parts_.model;
   model.onConfigurationChange = weakly(weak_from_this(), &AppCoordinator::configurationChanged);
   // The model and the providers live and end with this coordinator.
-  model.onQuotaRefresh = [this] { parts_.quota->manualRefresh(); };
-  model.onQuotaConnect = [this] { parts_.quota->connectInBrowser(); };
-  model.onCodexExecutableChange = [this] { parts_.quota->executableSelectionChanged(); };
+  model.onQuotaRefresh = [this] { parts_.codexQuota->manualRefresh(); };
+  model.onQuotaConnect = [this] { parts_.codexQuota->connectInBrowser(); };
+  model.onCodexExecutableChange = [this] { parts_.codexQuota->executableSelectionChanged(); };
   model.onClaudeRefresh = [this] { parts_.claudeQuota->manualRefresh(); };
+  model.onLinksWanted = [this] {
+    parts_.sampling->listLinks(weakly(weak_from_this(), &AppCoordinator::linksListed));
+  };
 }
 
 void AppCoordinator::observeProviders() {
   const std::weak_ptr<AppCoordinator> weak = weak_from_this();
-  parts_.quota->onState = [weak](const CodexQuotaState& state) {
+  parts_.codexQuota->onState = [weak](const CodexQuotaState& state) {
     if (const auto self = weak.lock()) {
       self->snapshot_.codex = state;
       self->snapshotChanged();
     }
   };
-  parts_.quota->onLoginURL = [weak](const std::string& url) {
+  parts_.codexQuota->onLoginURL = [weak](const std::string& url) {
     const auto self = weak.lock();
     if (self != nullptr && self->parts_.urlOpener != nullptr) {
       self->parts_.urlOpener->open(url);
@@ -128,14 +131,14 @@ void AppCoordinator::observePower() {
 }
 
 void AppCoordinator::configurationChanged(const AppConfiguration& configuration) {
-  drawStatus(/*force=*/true);
+  drawStatus();
   // Widths, fonts, gaps and quota settings never disturb the sampling timer.
-  const bool isSamplingAlike =
+  const bool isSamplingUnchanged =
       samplingConfiguration_ && samplingConfiguration_->demand() == configuration.demand() &&
       samplingConfiguration_->intervalSeconds == configuration.intervalSeconds &&
       samplingConfiguration_->networkInterface == configuration.networkInterface &&
       samplingConfiguration_->paused == configuration.paused;
-  if (!isSamplingAlike) {
+  if (!isSamplingUnchanged) {
     parts_.sampling->configure(configuration);
   }
   samplingConfiguration_ = configuration;
@@ -155,7 +158,9 @@ void AppCoordinator::snapshotChanged() {
   if (parts_.settingsWindow != nullptr && parts_.settingsWindow->isVisible()) {
     parts_.model->setSnapshot(snapshot_);
   }
-  drawStatus(/*force=*/false);
+  if (redraw_.drawIfChanged(parts_.model->configuration(), snapshot_, parts_.clock.now())) {
+    statusDrawn();
+  }
   if (onUpdate) {
     onUpdate();
   }
@@ -163,7 +168,7 @@ void AppCoordinator::snapshotChanged() {
 
 void AppCoordinator::configureProviders(bool sleeping) {
   const AppConfiguration& configuration = parts_.model->configuration();
-  parts_.quota->configure(configuration, sleeping);
+  parts_.codexQuota->configure(configuration, sleeping);
   parts_.claudeQuota->configure(configuration, sleeping);
 }
 
@@ -190,26 +195,24 @@ void AppCoordinator::showSettings(std::string_view activationToken) {
   parts_.settingsWindow->show(activationToken);
 }
 
+void AppCoordinator::linksListed(std::vector<NetworkLink> links) {
+  parts_.model->setLinks(std::move(links));
+}
+
 void AppCoordinator::togglePause() {
   AppConfiguration configuration = parts_.model->configuration();
   configuration.paused = !configuration.paused;
   parts_.model->setConfiguration(std::move(configuration));
 }
 
-void AppCoordinator::drawStatus(bool force) {
-  const AppConfiguration& configuration = parts_.model->configuration();
-  const WallTime now = parts_.clock.now();
-  std::string signature = StatusRenderer::signature(configuration, snapshot_, now);
-  if (!force && lastConfiguration_ == configuration && lastSignature_ == signature) {
-    return;
-  }
-  lastSignature_ = std::move(signature);
-  lastConfiguration_ = configuration;
-  const StatusPresentation presentation = StatusRenderer::render(
-      configuration, snapshot_, {parts_.statusItem.thickness(), now, parts_.textEngine});
-  parts_.statusItem.show(presentation);
+void AppCoordinator::drawStatus() {
+  redraw_.draw(parts_.model->configuration(), snapshot_, parts_.clock.now());
+  statusDrawn();
+}
+
+void AppCoordinator::statusDrawn() {
   if (parts_.settingsWindow != nullptr) {
-    parts_.settingsWindow->showStatus(presentation);
+    parts_.settingsWindow->showStatus(redraw_.presentation());
   }
 }
 

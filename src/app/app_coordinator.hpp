@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // The spine of the program: owns the settings model, the sampling and the two quota
-// providers, keeps the current snapshot, redraws the status item when what it shows
-// changed, and passes on clicks, sleep, wake and changes of the power source.
+// providers, keeps the current snapshot, has the status item drawn again (StatusRedraw
+// decides), and passes on clicks, sleep, wake and changes of the power source.
 //
 // Everything here runs on the main thread.
 #pragma once
@@ -10,17 +10,18 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <string>
 #include <string_view>
+#include <vector>
 
-#include "app/power_events.hpp"
-#include "app/settings_window.hpp"
-#include "app/status_item.hpp"
-#include "app/url_opener.hpp"
-#include "claude/claude_quota_provider.hpp"
-#include "codex/codex_quota_provider.hpp"
+#include "app/status_redraw.hpp"
 #include "model/configuration.hpp"
 #include "model/sample.hpp"
+#include "ports/power_events.hpp"
+#include "ports/settings_window.hpp"
+#include "ports/status_item.hpp"
+#include "ports/url_opener.hpp"
+#include "quota/claude/claude_quota_provider.hpp"
+#include "quota/codex/codex_quota_provider.hpp"
 #include "runtime/clock.hpp"
 #include "runtime/task_queue.hpp"
 #include "sampling/sampling_coordinator.hpp"
@@ -37,7 +38,7 @@ struct AppParts {
   TextEngine& textEngine;
   std::unique_ptr<SettingsModel> model;
   std::shared_ptr<SamplingCoordinator> sampling;
-  std::unique_ptr<CodexQuotaProvider> quota;
+  std::unique_ptr<CodexQuotaProvider> codexQuota;
   std::unique_ptr<ClaudeQuotaProvider> claudeQuota;
   std::unique_ptr<PowerEvents> powerEvents;
   /// Null in a program that has no window. It shows the model and the providers above.
@@ -64,7 +65,7 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   /// its delay is not made. Once, when the main loop has ended.
   void terminate();
 
-  /// Somebody started the program again. Whether it showed its settings.
+  /// The user started the program again. Returns whether that opened the settings.
   bool reopen(std::string_view activationToken = {});
 
   [[nodiscard]] SettingsModel& model() { return *parts_.model; }
@@ -101,15 +102,16 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   void willSleep(SleepHold hold);
   void woke();
   void showSettings(std::string_view activationToken);
+  void linksListed(std::vector<NetworkLink> links);
   void togglePause();
-  void drawStatus(bool force);
+  void drawStatus();
+  void statusDrawn();
 
   AppParts parts_;
   const Seconds launchedAtUptime_;
   MetricSnapshot snapshot_;
   int samplingRounds_ = 0;
-  std::optional<std::string> lastSignature_;               // of what was drawn last
-  std::optional<AppConfiguration> lastConfiguration_;      // of what was drawn last
+  StatusRedraw redraw_;
   std::optional<AppConfiguration> samplingConfiguration_;  // handed to the sampling last
 };
 

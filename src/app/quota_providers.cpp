@@ -4,10 +4,9 @@
 #include <optional>
 #include <utility>
 
-#include "claude/claude_code_usage_client.hpp"
-#include "claude/claude_executable_resolver.hpp"
-#include "codex/codex_app_server_client.hpp"
-#include "codex/codex_executable_resolver.hpp"
+#include "quota/assistant_executable.hpp"
+#include "quota/claude/claude_code_usage_client.hpp"
+#include "quota/codex/codex_app_server_client.hpp"
 
 namespace vantora {
 
@@ -16,19 +15,19 @@ std::unique_ptr<CodexQuotaProvider> makeCodexQuotaProvider(const ConversationHos
                                                            UserDefaults& defaults,
                                                            std::vector<std::string> places) {
   return std::make_unique<CodexQuotaProvider>(CodexQuotaProvider::Ports{
-      .mainQueue = host.main,
+      .mainQueue = host.queue,
       .clock = clock,
       .makeClient =
-          [host](std::string executable, CodexClientMode mode,
+          [host](const AssistantExecutable& executable, CodexClientMode mode,
                  CodexAppServerClient::LoginURL onLoginURL,
                  CodexAppServerClient::Completion completion) {
             return std::make_shared<CodexAppServerClient>(
-                host, std::move(executable), mode, std::move(onLoginURL),
+                host, executable, mode, std::move(onLoginURL),
                 CodexAppServerClient::ProcessStarted(), std::move(completion));
           },
       .resolveExecutable =
           [&defaults, places = std::move(places)] {
-            return CodexExecutableResolver::resolve(defaults.text(codexExecutablePathKey), places);
+            return resolveAssistant(defaults.text(codexExecutablePathKey), places);
           },
   });
 }
@@ -37,18 +36,17 @@ std::unique_ptr<ClaudeQuotaProvider> makeClaudeQuotaProvider(const ConversationH
                                                              const Clock& clock,
                                                              std::vector<std::string> places) {
   return std::make_unique<ClaudeQuotaProvider>(ClaudeQuotaProvider::Ports{
-      .mainQueue = host.main,
+      .mainQueue = host.queue,
       .clock = clock,
       .makeClient =
-          [host](std::string executable, ClaudeCodeUsageClient::Completion completion) {
+          [host](const AssistantExecutable& executable,
+                 ClaudeCodeUsageClient::Completion completion) {
             return std::make_shared<ClaudeCodeUsageClient>(
-                host, std::move(executable), ClaudeCodeUsageClient::usualTimeout,
+                host, executable, ClaudeCodeUsageClient::usualTimeout,
                 ClaudeCodeUsageClient::ProcessStarted(), std::move(completion));
           },
       .resolveExecutable =
-          [places = std::move(places)] {
-            return ClaudeExecutableResolver::resolve(std::nullopt, places);
-          },
+          [places = std::move(places)] { return resolveAssistant(std::nullopt, places); },
   });
 }
 

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: MIT
 //
 // The two quota providers with their real clients: what is the same on every system. A
-// system tells where conversations take place and where the executables may be.
+// system says where conversations take place and where the executables may be.
 #pragma once
 
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "claude/claude_quota_provider.hpp"
-#include "codex/codex_quota_provider.hpp"
+#include "quota/claude/claude_quota_provider.hpp"
+#include "quota/codex/codex_quota_provider.hpp"
+#include "quota/one_answer_client.hpp"
 #include "runtime/clock.hpp"
-#include "runtime/one_answer_client.hpp"
 #include "settings/user_defaults.hpp"
 
 namespace vantora {

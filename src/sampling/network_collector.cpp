@@ -10,7 +10,7 @@ namespace {
 
 constexpr Seconds backOff{10};
 // A longer gap is a pause or a sleep, and an average over it is no present rate.
-constexpr Seconds longestGap{30};
+constexpr Seconds maxGap{30};
 
 NetworkRates unavailable(const std::string& source) {
   return {MetricSample::unavailable(source), MetricSample::unavailable(source), std::nullopt};
@@ -113,8 +113,8 @@ NetworkRates NetworkCollector::compare(const std::optional<Reading>& previous,
   }
   const Seconds elapsed = current.time - previous->time;
   // A device that was unplugged and came back under its name counts from zero again; its
-  // index tells so even when it has already counted past the old value.
-  if (elapsed <= longestGap && previous->index == current.index) {
+  // index shows it even when it has already counted past the old value.
+  if (elapsed <= maxGap && previous->index == current.index) {
     const std::optional<double> upload =
         MetricMath::rate(current.counters.sent, previous->counters.sent, elapsed.count());
     const std::optional<double> download =

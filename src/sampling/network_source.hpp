@@ -53,13 +53,14 @@ class NetworkSource {
   /// failed with a whole source text otherwise.
   [[nodiscard]] virtual Result<NetworkCounters> counters(std::size_t position) = 0;
 
-  /// The interface that the machine reaches the world by; nothing when there is none or
-  /// it could not be found out.
+  /// The interface that the machine reaches the world by, or the hardware that carries it;
+  /// nothing when there is none or it could not be found out.
   [[nodiscard]] virtual std::optional<std::string> primaryInterface() = 0;
 
   /// Names of the interfaces that have an IPv4 address, or an IPv6 address that is not
-  /// link-local (outside fe80::/10); empty when it could not be found out. Valid until
-  /// the next call of the source.
+  /// link-local (outside fe80::/10), and of the hardware that carries such an interface
+  /// (below a bridge or a VLAN) where the source knows it; empty when it could not be found
+  /// out. Valid until the next call of the source.
   [[nodiscard]] virtual const InterfaceNames& addressedInterfaces() = 0;
 
   /// The system's interface that the counters came through, for source texts. Lives as

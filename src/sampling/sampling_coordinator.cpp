@@ -54,6 +54,13 @@ void SamplingCoordinator::refreshBattery() {
   });
 }
 
+void SamplingCoordinator::listLinks(std::function<void(std::vector<NetworkLink>)> done) {
+  queue_.post([self = shared_from_this(), done = std::move(done)]() mutable {
+    self->main_.post(
+        [done = std::move(done), links = self->readLinks()]() mutable { done(std::move(links)); });
+  });
+}
+
 void SamplingCoordinator::prepareForSleep(std::function<void()> whenStopped) {
   queue_.post([self = shared_from_this(), whenStopped = std::move(whenStopped)] {
     self->isSleeping_ = true;
@@ -183,6 +190,20 @@ void SamplingCoordinator::sampleBattery(MetricSet demand) {
   store(MetricID::adapterWatts, battery.adapterWatts);
   snapshot_.batteryOnAC = battery.onAC;
   snapshot_.batteryCharging = battery.charging;
+}
+
+std::vector<NetworkLink> SamplingCoordinator::readLinks() const {
+  std::vector<NetworkLink> links;
+  if (const auto table = sources_.network->read()) {
+    for (const NetworkInterface& interface : *table) {
+      links.push_back({interface.name, interface.isPhysical, interface.isUp, false});
+    }
+    const InterfaceNames& addressed = sources_.network->addressedInterfaces();
+    for (NetworkLink& link : links) {
+      link.isAddressed = addressed.contains(link.name);
+    }
+  }
+  return links;
 }
 
 void SamplingCoordinator::publish() {

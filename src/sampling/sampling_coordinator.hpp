@@ -9,8 +9,10 @@
 #include <functional>
 #include <memory>
 #include <string_view>
+#include <vector>
 
 #include "model/configuration.hpp"
+#include "model/network_link.hpp"
 #include "model/sample.hpp"
 #include "runtime/clock.hpp"
 #include "runtime/task_queue.hpp"
@@ -53,6 +55,10 @@ class SamplingCoordinator final : public std::enable_shared_from_this<SamplingCo
   /// Takes a whole pass with a battery reading, for when the power source changes.
   void refreshBattery();
 
+  /// Gives `done`, on the main queue, the machine's network interfaces in the kernel's order;
+  /// none when they could not be read. Changes no reading, and works while paused.
+  void listLinks(std::function<void(std::vector<NetworkLink>)> done);
+
   /// Stops until resetAfterWake(). `whenStopped` is then called on the sampling queue.
   void prepareForSleep(std::function<void()> whenStopped = {});
 
@@ -79,6 +85,7 @@ class SamplingCoordinator final : public std::enable_shared_from_this<SamplingCo
   void sample(bool forceBattery);
   void sampleNetwork(MetricSet demand);
   void sampleBattery(MetricSet demand);
+  [[nodiscard]] std::vector<NetworkLink> readLinks() const;
   void publish();
   void resetRates();
 

@@ -7,7 +7,7 @@
 
 namespace vantora {
 
-/// A template picture: how much ink each pixel has, and no colour. Whoever shows it
+/// A template picture: how much ink each pixel has, and no colour. The front end
 /// tints it. Rows from the top, without padding.
 struct AlphaBitmap {
   AlphaBitmap() = default;

@@ -13,32 +13,36 @@ bool isRate(MetricID metric) {
 
 }  // namespace
 
-double largestFont(double rowHeight) {
-  constexpr double smallest = 8;
-  return std::max(rowHeight - 1, smallest);
+double maxFontSize(double rowHeight) {
+  constexpr double minSize = 8;
+  return std::max(rowHeight - 1, minSize);
 }
 
 Font font(double size, double rowHeight, MetricID metric) {
   return {isRate(metric) ? FontFace::monospaced : FontFace::tabularDigits,
-          std::min(size, largestFont(rowHeight))};
+          std::min(size, maxFontSize(rowHeight))};
+}
+
+void style(std::string_view text, const Font& font, MetricID metric, StyledText& line) {
+  const bool hasUnit = isRate(metric) && text.ends_with('M');
+  const std::string_view digits = text.substr(0, text.size() - (hasUnit ? 1 : 0));
+  line.resize((digits.empty() ? 0U : 1U) + (hasUnit ? 1U : 0U));
+  if (!digits.empty()) {
+    line.front().text = digits;
+    line.front().font = font;
+  }
+  if (hasUnit) {
+    constexpr double unitShare = 0.7;
+    constexpr double minUnitSize = 5;
+    line.back().text = "M";
+    line.back().font = {FontFace::monospaced, std::max(font.pointSize * unitShare, minUnitSize)};
+  }
 }
 
 StyledText styled(std::string_view text, const Font& font, MetricID metric) {
-  StyledText runs;
-  if (isRate(metric) && text.ends_with('M')) {
-    constexpr double unitShare = 0.7;
-    constexpr double smallestUnit = 5;
-    const std::string_view digits = text.substr(0, text.size() - 1);
-    runs.reserve(2);
-    if (!digits.empty()) {
-      runs.push_back({std::string(digits), font});
-    }
-    runs.push_back(
-        {"M", {FontFace::monospaced, std::max(font.pointSize * unitShare, smallestUnit)}});
-  } else if (!text.empty()) {
-    runs.push_back({std::string(text), font});
-  }
-  return runs;
+  StyledText line;
+  style(text, font, metric, line);
+  return line;
 }
 
 std::string_view reserved(MetricID metric, const MetricSnapshot& snapshot) {

@@ -13,14 +13,16 @@
 namespace vantora::LineStyle {
 
 /// The largest font size that a row of this height takes, in points.
-[[nodiscard]] double largestFont(double rowHeight);
+[[nodiscard]] double maxFontSize(double rowHeight);
 
 /// The font of `metric`'s line, which asked for `size` points. Rates are monospaced so
 /// that comma and unit keep their places.
 [[nodiscard]] Font font(double size, double rowHeight, MetricID metric);
 
-/// The text in that font; the unit letter of a rate is visibly smaller than its digits.
-/// Empty for an empty text.
+/// Replaces `line` by the text in that font; the unit letter of a rate is visibly smaller than its
+/// digits. Empty for an empty text. Uses the line's memory again.
+void style(std::string_view text, const Font& font, MetricID metric, StyledText& line);
+/// The same as a line of its own.
 [[nodiscard]] StyledText styled(std::string_view text, const Font& font, MetricID metric);
 
 /// The widest text that the metric's line can show under the settings in the snapshot.

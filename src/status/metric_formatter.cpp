@@ -4,22 +4,22 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <string_view>
 
-#include "claude/claude_quota_formatter.hpp"
-#include "codex/codex_quota_formatter.hpp"
 #include "model/decimal.hpp"
+#include "quota/claude/claude_quota_formatter.hpp"
+#include "quota/codex/codex_quota_formatter.hpp"
 
 namespace vantora::MetricFormatter {
 namespace {
 
 constexpr std::string_view dash = "—";
+constexpr std::string_view quotaDash = "--";
 constexpr double bytesPerMegabyte = 1e6;
 /// Beyond this a double may not fit a 64-bit integer. No reading comes near it.
-constexpr double largestWhole = 9e18;
+constexpr double maxWhole = 9e18;
 
 std::string whole(double value, std::string_view unit) {
-  if (!(std::fabs(value) <= largestWhole)) {
+  if (!(std::fabs(value) <= maxWhole)) {
     return std::string(dash);
   }
   // std::round takes halves away from zero; through an integer, "-0" is "0".
@@ -29,13 +29,13 @@ std::string whole(double value, std::string_view unit) {
 }
 
 std::string watts(double value) {
-  constexpr double mostShown = 9999.5;
-  return value > mostShown ? ">9999W" : whole(value, "W");
+  constexpr double maxShown = 9999.5;
+  return value > maxShown ? ">9999W" : whole(value, "W");
 }
 
 std::string hoursAndMinutes(double value) {
   const double rounded = std::ceil(value);
-  if (!(rounded >= 0.0 && rounded <= largestWhole)) {
+  if (!(rounded >= 0.0 && rounded <= maxWhole)) {
     return std::string(dash);
   }
   constexpr std::int64_t minutesPerHour = 60;
@@ -107,6 +107,10 @@ std::string text(MetricID metric, const MetricSnapshot& snapshot, WallTime now) 
   return isUsable ? reading(metric, *sample.value) : missing(metric, snapshot);
 }
 
+bool isReading(std::string_view text) {
+  return !text.empty() && text != dash && text != quotaDash;
+}
+
 std::string compactRate(double bytesPerSecond) {
   if (!std::isfinite(bytesPerSecond) || bytesPerSecond < 0.0) {
     return std::string(dash);
@@ -115,13 +119,13 @@ std::string compactRate(double bytesPerSecond) {
   const double megabytes = bytesPerSecond / bytesPerMegabyte + 0.0;
   if (megabytes < 1.0) {
     // The cap keeps "1,00M", which is wider, from ever appearing.
-    constexpr double mostWithFraction = 0.99;
-    std::string text = fixedDecimal(std::min(megabytes, mostWithFraction), 2, ',');
+    constexpr double maxWithFraction = 0.99;
+    std::string text = fixedDecimal(std::min(megabytes, maxWithFraction), 2, ',');
     text += 'M';
     return text;
   }
-  constexpr double mostShown = 999.5;
-  return megabytes >= mostShown ? ">999M" : whole(megabytes, "M");
+  constexpr double maxShown = 999.5;
+  return megabytes >= maxShown ? ">999M" : whole(megabytes, "M");
 }
 
 }  // namespace vantora::MetricFormatter

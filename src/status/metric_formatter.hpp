@@ -6,6 +6,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "model/metric.hpp"
 #include "model/sample.hpp"
@@ -17,6 +18,10 @@ namespace vantora::MetricFormatter {
 /// battery time of a machine on its adapter that does not charge: "AC". `now` decides
 /// what the quota texts show: they age and count down.
 [[nodiscard]] std::string text(MetricID metric, const MetricSnapshot& snapshot, WallTime now);
+
+/// Whether `text`, one of those above, says anything: a value or a word. The empty text and
+/// the dashes of a missing reading do not.
+[[nodiscard]] bool isReading(std::string_view text);
 
 /// A network rate in decimal megabytes per second, at most five characters wide. A
 /// negative or not finite rate is a dash.

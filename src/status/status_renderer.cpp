@@ -2,18 +2,19 @@
 #include "status/status_renderer.hpp"
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "status/line_style.hpp"
-#include "status/metric_formatter.hpp"
+#include "status/status_modules.hpp"
 
 namespace vantora::StatusRenderer {
 namespace {
 
 /// Height that is always left to the two rows together.
-constexpr double leastRowsHeight = 18;
-constexpr double leastImageHeight = 20;
+constexpr double minRowsHeight = 18;
+constexpr double minImageHeight = 20;
 constexpr double columnMargin = 2;
 constexpr Limits automaticWidth{16, 160};
 
@@ -26,11 +27,11 @@ struct VerticalBudget {
   bool isReduced;  ///< The padding or the gap asked for did not fit.
 
   VerticalBudget(const AppConfiguration& configuration, double thickness)
-      : height(std::max(leastImageHeight, thickness - 2)) {
-    const double paddingLimit = std::max((height - leastRowsHeight) * 0.5, 0.0);
+      : height(std::max(minImageHeight, thickness - 2)) {
+    const double paddingLimit = std::max((height - minRowsHeight) * 0.5, 0.0);
     padding = std::min(configuration.verticalPadding, paddingLimit);
     const double inner = height - 2 * padding;
-    const double lineGapLimit = std::max(inner - leastRowsHeight, 0.0);
+    const double lineGapLimit = std::max(inner - minRowsHeight, 0.0);
     lineGap = std::min(configuration.lineGap, lineGapLimit);
     rowHeight = (inner - lineGap) * 0.5;
     isReduced =
@@ -38,53 +39,23 @@ struct VerticalBudget {
   }
 };
 
-/// One line of a visible module.
-struct Line {
-  MetricID metric;
-  std::string text;
-  Font font;
-  StyledText styled;
-  double width = 0;
-  double reservedWidth = 0;
+/// How wide a line of a module is, and how wide the widest text that it can show.
+struct LineWidths {
+  double shown;
+  double reserved;
 };
 
-/// A visible module with what it shows.
-struct Entry {
-  const ModuleConfiguration* module;
-  Line top;
-  Line bottom;
-  double width = 0;
-};
-
-Line makeLine(MetricID metric, double fontSize, const VerticalBudget& budget,
-              const MetricSnapshot& snapshot, const Context& context) {
-  Line line{metric,
-            MetricFormatter::text(metric, snapshot, context.now),
-            LineStyle::font(fontSize, budget.rowHeight, metric),
-            {}};
-  line.styled = LineStyle::styled(line.text, line.font, metric);
-  line.width = context.engine.width(line.styled);
-  line.reservedWidth = context.engine.width(
-      LineStyle::styled(LineStyle::reserved(metric, snapshot), line.font, metric));
-  return line;
-}
-
-Entry makeEntry(const ModuleConfiguration& module, const VerticalBudget& budget,
-                const MetricSnapshot& snapshot, const Context& context) {
-  Entry entry{&module, makeLine(module.top, module.fontTop, budget, snapshot, context),
-              makeLine(module.bottom, module.fontBottom, budget, snapshot, context)};
+double columnWidth(const ModuleConfiguration& module, const LineWidths& top,
+                   const LineWidths& bottom) {
   if (module.widthMode == WidthMode::automatic) {
-    entry.width = std::clamp(std::max(entry.top.width, entry.bottom.width) + columnMargin,
-                             automaticWidth.least, automaticWidth.most);
-  } else {
-    // The column never changes its width while the values change.
-    entry.width = std::max(
-        module.width, std::max(entry.top.reservedWidth, entry.bottom.reservedWidth) + columnMargin);
+    return std::clamp(std::max(top.shown, bottom.shown) + columnMargin, automaticWidth.least,
+                      automaticWidth.most);
   }
-  return entry;
+  // The column never changes its width while the values change.
+  return std::max(module.width, std::max(top.reserved, bottom.reserved) + columnMargin);
 }
 
-/// How much of the free width of its column stands to the left of a text.
+/// The share of a column's free width that is to the left of a text.
 double leadingShare(Alignment alignment) {
   switch (alignment) {
     case Alignment::left:
@@ -97,136 +68,209 @@ double leadingShare(Alignment alignment) {
   return 0.5;
 }
 
-/// Sets the line into the rectangle of its row. A text hangs from its rectangle's top.
-void place(const Line& line, const Entry& entry, double x, double rowBottom,
-           const VerticalBudget& budget, TextEngine& engine, StatusImage& image) {
-  if (line.styled.empty()) {
-    return;
+/// Lays out modules one after the other, into the memory of the picture before.
+class ModuleLayout {
+ public:
+  ModuleLayout(const VerticalBudget& budget, const MetricSnapshot& snapshot, TextEngine& engine,
+               StatusPresentation& presentation)
+      : budget_(budget), snapshot_(snapshot), engine_(engine), texts_(presentation.image.texts) {
+    std::size_t count = 0;
+    for (const StatusModule& module : presentation.modules) {
+      count += (module.top.text.empty() ? 0U : 1U) + (module.bottom.text.empty() ? 0U : 1U);
+    }
+    texts_.resize(count);
   }
-  const double bottom = rowBottom + (budget.rowHeight - line.font.pointSize) * 0.5 - 1;
-  const double baseline = bottom + budget.rowHeight - engine.metrics(line.font).ascent;
-  const double free = entry.width - line.width;
-  image.texts.push_back({x + free * leadingShare(entry.module->alignment), baseline, line.styled});
-}
 
-StatusImage draw(const std::vector<Entry>& entries, const AppConfiguration& configuration,
-                 const VerticalBudget& budget, TextEngine& engine) {
-  StatusImage image;
-  image.height = budget.height;
-  image.texts.reserve(entries.size() * 2);
+  /// Gives the module its fonts, its place and its width, and its lines their places.
+  void add(const ModuleConfiguration& module, double x, StatusModule& shown) {
+    const std::size_t first = used_;
+    const LineWidths top = measure(shown.top, module.fontTop);
+    const LineWidths bottom = measure(shown.bottom, module.fontBottom);
+    shown.x = x;
+    shown.width = columnWidth(module, top, bottom);
+    used_ = first;
+    const double share = leadingShare(module.alignment);
+    place(shown.top, x + (shown.width - top.shown) * share,
+          budget_.padding + budget_.rowHeight + budget_.lineGap);
+    place(shown.bottom, x + (shown.width - bottom.shown) * share, budget_.padding);
+  }
+
+ private:
+  /// Sets the line's text in its font, at the next place of the picture.
+  LineWidths measure(StatusLine& line, double fontSize) {
+    line.font = LineStyle::font(fontSize, budget_.rowHeight, line.metric);
+    LineStyle::style(LineStyle::reserved(line.metric, snapshot_), line.font, line.metric,
+                     reserved_);
+    LineWidths widths{0, engine_.width(reserved_)};
+    if (line.text.empty()) {
+      return widths;
+    }
+    StyledText& text = texts_[used_++].text;
+    LineStyle::style(line.text, line.font, line.metric, text);
+    widths.shown = engine_.width(text);
+    return widths;
+  }
+
+  /// Puts the line into the rectangle of its row. A text hangs from its rectangle's top.
+  void place(const StatusLine& line, double x, double rowBottom) {
+    if (line.text.empty()) {
+      return;
+    }
+    const double bottom = rowBottom + (budget_.rowHeight - line.font.pointSize) * 0.5 - 1;
+    PlacedText& placed = texts_[used_++];
+    placed.x = x;
+    placed.y = bottom + budget_.rowHeight - engine_.metrics(line.font).ascent;
+  }
+
+  const VerticalBudget& budget_;
+  const MetricSnapshot& snapshot_;
+  TextEngine& engine_;
+  std::vector<PlacedText>& texts_;
+  std::size_t used_ = 0;
+  StyledText reserved_;
+};
+
+void layOutModules(const AppConfiguration& configuration, const MetricSnapshot& snapshot,
+                   const VerticalBudget& budget, TextEngine& engine,
+                   StatusPresentation& presentation) {
+  ModuleLayout layout(budget, snapshot, engine, presentation);
   double x = configuration.horizontalPadding;
-  for (const Entry& entry : entries) {
-    place(entry.top, entry, x, budget.padding + budget.rowHeight + budget.lineGap, budget, engine,
-          image);
-    place(entry.bottom, entry, x, budget.padding, budget, engine, image);
-    x += entry.width;
-    if (&entry != &entries.back()) {
-      x += entry.module->gapAfter.value_or(configuration.gap);
+  for (StatusModule& shown : presentation.modules) {
+    const ModuleConfiguration& module = configuration.modules[shown.index];
+    layout.add(module, x, shown);
+    x += shown.width;
+    if (&shown != &presentation.modules.back()) {
+      x += module.gapAfter.value_or(configuration.gap);
     }
   }
-  image.width = x + configuration.horizontalPadding;
-  return image;
+  presentation.image.width = x + configuration.horizontalPadding;
+  presentation.image.height = budget.height;
 }
 
-bool shows(const std::vector<Entry>& entries, MetricFamily wanted) {
-  return std::any_of(entries.begin(), entries.end(), [wanted](const Entry& entry) {
-    return family(entry.top.metric) == wanted || family(entry.bottom.metric) == wanted;
+bool shows(const std::vector<StatusModule>& modules, MetricFamily wanted) {
+  return std::any_of(modules.begin(), modules.end(), [wanted](const StatusModule& module) {
+    return family(module.top.metric) == wanted || family(module.bottom.metric) == wanted;
   });
 }
 
-void describe(const Line& line, std::string& text) {
-  text += title(line.metric);
-  text += ": ";
-  text += line.text;
-}
+/// The description in two forms: spoken in sentences, read in lines.
+class Description {
+ public:
+  explicit Description(StatusPresentation& presentation)
+      : sentences_(presentation.accessibilityText), lines_(presentation.toolTip) {
+    sentences_.clear();
+    lines_.clear();
+  }
 
-std::string accessibilityText(const std::vector<Entry>& entries, const MetricSnapshot& snapshot) {
-  constexpr std::string_view separator = ". ";
-  std::string text;
-  for (const Entry& entry : entries) {
-    if (!text.empty()) {
-      text += separator;
+  void add(const StatusModule& module) {
+    begin();
+    add(module.top);
+    append("; ");
+    add(module.bottom);
+  }
+
+  void add(std::string_view message) {
+    begin();
+    append(message);
+  }
+
+  /// In the lines alone.
+  void addLine(std::string_view line) {
+    lines_ += lines_.empty() ? "" : "\n";
+    lines_ += line;
+  }
+
+ private:
+  void begin() {
+    if (!sentences_.empty()) {
+      sentences_ += ". ";
+      lines_ += '\n';
     }
-    describe(entry.top, text);
-    text += "; ";
-    describe(entry.bottom, text);
   }
-  if (shows(entries, MetricFamily::codex)) {
-    text.append(separator).append(snapshot.codex.message);
+
+  void add(const StatusLine& line) {
+    append(title(line.metric));
+    append(": ");
+    append(line.text);
   }
-  if (shows(entries, MetricFamily::claude)) {
-    text.append(separator).append(snapshot.claude.message);
+
+  void append(std::string_view text) {
+    sentences_ += text;
+    lines_ += text;
   }
-  return text;
+
+  std::string& sentences_;
+  std::string& lines_;
+};
+
+void describe(const AppConfiguration& configuration, const MetricSnapshot& snapshot,
+              StatusPresentation& presentation) {
+  Description description(presentation);
+  for (const StatusModule& module : presentation.modules) {
+    description.add(module);
+  }
+  if (shows(presentation.modules, MetricFamily::codex)) {
+    description.add(snapshot.codex.message);
+  }
+  if (shows(presentation.modules, MetricFamily::claude)) {
+    description.add(snapshot.claude.message);
+  }
+  if (configuration.paused) {
+    description.addLine("Coleta pausada");
+  }
 }
 
-bool hasReducedFont(const std::vector<Entry>& entries, double rowHeight) {
-  const double limit = LineStyle::largestFont(rowHeight);
-  return std::any_of(entries.begin(), entries.end(), [limit](const Entry& entry) {
-    return entry.module->fontTop > limit || entry.module->fontBottom > limit;
+bool hasReducedFont(const AppConfiguration& configuration, const std::vector<StatusModule>& modules,
+                    double rowHeight) {
+  const double limit = LineStyle::maxFontSize(rowHeight);
+  return std::any_of(modules.begin(), modules.end(), [&](const StatusModule& shown) {
+    const ModuleConfiguration& module = configuration.modules[shown.index];
+    return module.fontTop > limit || module.fontBottom > limit;
   });
 }
 
-StatusPresentation renderFallback(double height, TextEngine& engine) {
+void layOutMark(double height, TextEngine& engine, StatusPresentation& presentation) {
   constexpr double width = 20;
   constexpr double lineHeight = 11;
   const Font font{FontFace::system, 9};
-  StatusPresentation presentation;
   presentation.image.width = width;
   presentation.image.height = height;
-  presentation.image.texts.push_back(
-      {2, (height - lineHeight) * 0.5 + engine.metrics(font).descent, {{"VA", font}}});
-  presentation.width = width;
-  presentation.accessibilityText = "Vantora: sem módulos ativos. Clique para configurar.";
-  return presentation;
+  presentation.image.texts.clear();
+  presentation.image.texts.push_back({2,
+                                      (height - lineHeight) * 0.5 + engine.metrics(font).descent,
+                                      {{StatusPresentation::emptyMark, font}}});
+  Description(presentation).add("Vantora: sem módulos ativos. Clique para configurar.");
 }
 
 }  // namespace
 
-StatusPresentation render(const AppConfiguration& configuration, const MetricSnapshot& snapshot,
-                          const Context& context) {
+void layOut(const AppConfiguration& configuration, const MetricSnapshot& snapshot,
+            const Context& context, StatusPresentation& presentation) {
   const VerticalBudget budget(configuration, context.thickness);
-  std::vector<Entry> entries;
-  entries.reserve(configuration.modules.size());
-  for (const ModuleConfiguration& module : configuration.modules) {
-    if (module.isVisible(snapshot)) {
-      entries.push_back(makeEntry(module, budget, snapshot, context));
-    }
+  bool isReduced = false;
+  if (presentation.modules.empty()) {
+    layOutMark(budget.height, context.engine, presentation);
+  } else {
+    layOutModules(configuration, snapshot, budget, context.engine, presentation);
+    describe(configuration, snapshot, presentation);
+    isReduced =
+        budget.isReduced || hasReducedFont(configuration, presentation.modules, budget.rowHeight);
   }
-  if (entries.empty()) {
-    return renderFallback(budget.height, context.engine);
-  }
-  StatusPresentation presentation;
-  presentation.image = draw(entries, configuration, budget, context.engine);
-  presentation.width = presentation.image.width;
-  presentation.accessibilityText = accessibilityText(entries, snapshot);
-  if (budget.isReduced || hasReducedFont(entries, budget.rowHeight)) {
+  if (!isReduced) {
+    presentation.warning.reset();
+  } else if (!presentation.warning) {
     presentation.warning =
         "Fonte, margem ou intervalo reduzido para caber nas duas linhas desta barra.";
   }
-  return presentation;
+  presentation.width = presentation.image.width;
 }
 
-std::string signature(const AppConfiguration& configuration, const MetricSnapshot& snapshot,
-                      WallTime now) {
-  // A UUID, three separators and two texts; longer texts still fit, at one more allocation.
-  constexpr std::size_t usualLength = 64;
-  std::string parts;
-  parts.reserve(configuration.modules.size() * usualLength);
-  for (const ModuleConfiguration& module : configuration.modules) {
-    if (!module.isVisible(snapshot)) {
-      continue;
-    }
-    if (!parts.empty()) {
-      parts += ';';
-    }
-    module.id.appendTo(parts);
-    parts += ':';
-    parts += MetricFormatter::text(module.top, snapshot, now);
-    parts += '|';
-    parts += MetricFormatter::text(module.bottom, snapshot, now);
-  }
-  return parts;
+StatusPresentation render(const AppConfiguration& configuration, const MetricSnapshot& snapshot,
+                          const Context& context) {
+  StatusPresentation presentation;
+  StatusModules::read(configuration, snapshot, context.now, presentation.modules);
+  layOut(configuration, snapshot, context, presentation);
+  return presentation;
 }
 
 }  // namespace vantora::StatusRenderer

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
-// The configuration and the latest snapshot as one picture: a row of modules, each a
+// The configuration and the latest snapshot as one presentation: a row of modules, each a
 // column of two lines. Pure: the same values give the same picture, and nothing is kept
 // between two calls. Main thread only, because of the text engine.
 #pragma once
-
-#include <string>
 
 #include "model/configuration.hpp"
 #include "model/sample.hpp"
@@ -26,10 +24,10 @@ struct Context {
 [[nodiscard]] StatusPresentation render(const AppConfiguration& configuration,
                                         const MetricSnapshot& snapshot, const Context& context);
 
-/// The visible texts with the identities of their modules. Two equal signatures under
-/// one configuration mean equal pictures, so that a tick that changes nothing ends
-/// here: one allocation, no measuring. Sizes, fonts and gaps are not part of it.
-[[nodiscard]] std::string signature(const AppConfiguration& configuration,
-                                    const MetricSnapshot& snapshot, WallTime now);
+/// The second half of render(): lays out `presentation.modules`, as StatusModules::read()
+/// gave them for the same configuration and snapshot, and fills in everything else. Uses
+/// the presentation's memory again.
+void layOut(const AppConfiguration& configuration, const MetricSnapshot& snapshot,
+            const Context& context, StatusPresentation& presentation);
 
 }  // namespace vantora::StatusRenderer

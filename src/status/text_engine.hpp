@@ -13,9 +13,9 @@
 
 namespace vantora {
 
-/// The faces that the picture uses, all of medium weight.
+/// The typefaces that the picture uses, all of medium weight.
 enum class FontFace : std::uint8_t {
-  system,         ///< The desktop's user interface face.
+  system,         ///< The desktop's user interface typeface.
   tabularDigits,  ///< The same, with all digits of one width.
   monospaced,     ///< Every glyph of one width.
 };

@@ -1,19 +1,26 @@
 // SPDX-License-Identifier: MIT
 #include "app/linux/linux_application.hpp"
 
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <system_error>
 #include <utility>
 
+#include "app/linux/first_configuration.hpp"
 #include "app/quota_providers.hpp"
-#include "claude/claude_executable_resolver.hpp"
-#include "codex/codex_executable_resolver.hpp"
-#include "platform/linux/linux_battery_source.hpp"
-#include "platform/linux/linux_power_events.hpp"
-#include "platform/linux/linux_sensor_source.hpp"
-#include "platform/linux/proc_stat.hpp"
-#include "platform/linux/rtnetlink_source.hpp"
-#include "platform/linux/xdg_folders.hpp"
+#include "platform/linux/battery/linux_battery_source.hpp"
+#include "platform/linux/cpu/proc_stat.hpp"
+#include "platform/linux/desktop/xdg_folders.hpp"
+#include "platform/linux/network/rtnetlink_source.hpp"
+#include "platform/linux/power/linux_power_events.hpp"
+#include "platform/linux/sensors/linux_sensor_source.hpp"
+#include "quota/claude/claude_executable_places.hpp"
+#include "quota/codex/codex_executable_places.hpp"
+#include "sampling/driver_sources.hpp"
 
 namespace vantora {
 namespace {
@@ -26,40 +33,42 @@ std::string homeFolder() {
   return home;
 }
 
-// Batteries and sensors are read through drivers that may take their time over it: an
-// embedded controller tens of milliseconds, a broken one for ever. They are kept off the
-// main loop. Where the machine has none, as virtual machines have not, a pass only copies
-// numbers that the kernel holds, and a thread of its own would only be one more wake-up.
-bool hasDriversThatMayBlock() {
-  for (const char* folder : {"/sys/class/hwmon", "/sys/class/power_supply"}) {
-    std::error_code error;
-    if (!std::filesystem::is_empty(folder, error) && !error) {
-      return true;
-    }
-  }
-  return false;
+bool hasEntries(const char* folder) {
+  std::error_code error;
+  return !std::filesystem::is_empty(folder, error) && !error;
 }
 
-SamplingSources samplingSources(const Clock& clock) {
-  return {std::make_unique<ProcStatTicks>(), std::make_unique<RtnetlinkSource>(),
-          std::make_unique<LinuxBatterySource>(clock), std::make_unique<LinuxSensorSource>(clock)};
-}
+constexpr const char* batteryFolder = "/sys/class/power_supply";
+constexpr const char* sensorFolder = "/sys/class/hwmon";
 
 }  // namespace
 
 LinuxApplication::LinuxApplication(std::filesystem::path configHome)
     : configHome_(std::move(configHome)),
       home_(homeFolder()),
-      launcher_(loop_.raw(), loop_.queue()),
       defaults_(configHome_),
       loginItem_(AutostartLoginItem::placesOf(ownExecutable().value_or("vantora"))) {
-  if (hasDriversThatMayBlock()) {
-    samplingThread_.emplace(std::string(SamplingCoordinator::queueLabel));
-  }
+  launcher_.emplace(loop_.raw(), loop_.queue());
 }
 
-TaskQueue& LinuxApplication::samplingQueue() {
-  return samplingThread_ ? samplingThread_->queue() : loop_.queue();
+// An embedded controller takes tens of milliseconds for an answer, and a broken one never
+// gives one: battery and sensors are read on threads of their own, as soon as a driver is there.
+SamplingSources LinuxApplication::samplingSources() {
+  auto battery = std::make_unique<DriverBattery>(
+      std::make_shared<LinuxBatterySource>(clock_),
+      DriverPlace{.thread = batteryThread_,
+                  .clock = clock_,
+                  .hasDrivers = [] { return hasEntries(batteryFolder); },
+                  .overdue = "Linux power_supply · a bateria não responde"});
+  auto sensors = std::make_unique<DriverSensors>(
+      std::make_shared<LinuxSensorSource>(clock_),
+      DriverPlace{
+          .thread = sensorThread_,
+          .clock = clock_,
+          .hasDrivers = [] { return hasEntries(sensorFolder) || hasEntries(batteryFolder); },
+          .overdue = "Linux hwmon · os sensores não respondem"});
+  return {std::make_unique<ProcStatTicks>(), std::make_unique<RtnetlinkSource>(),
+          std::move(battery), std::move(sensors)};
 }
 
 AppParts LinuxApplication::parts(StatusItem& statusItem, TextEngine& textEngine) {
@@ -69,14 +78,16 @@ AppParts LinuxApplication::parts(StatusItem& statusItem, TextEngine& textEngine)
       .clock = clock_,
       .statusItem = statusItem,
       .textEngine = textEngine,
-      .model = std::make_unique<SettingsModel>(main, ConfigurationStore(configHome_), loginItem_,
-                                               defaults_),
+      .model = std::make_unique<SettingsModel>(
+          main, fileWorker_,
+          ConfigurationStore(configHome_, [] { return firstConfiguration(absentMetrics()); }),
+          loginItem_, defaults_),
       .sampling =
-          SamplingCoordinator::create(samplingQueue(), main, clock_, samplingSources(clock_)),
-      .quota = makeCodexQuotaProvider(conversationHost(), clock_, defaults_,
-                                      CodexExecutableResolver::placesOnLinux(home_)),
+          SamplingCoordinator::create(samplingThread_.queue(), main, clock_, samplingSources()),
+      .codexQuota = makeCodexQuotaProvider(conversationHost(), clock_, defaults_,
+                                           CodexExecutablePlaces::onLinux(home_)),
       .claudeQuota = makeClaudeQuotaProvider(conversationHost(), clock_,
-                                             ClaudeExecutableResolver::placesOnLinux(home_)),
+                                             ClaudeExecutablePlaces::onLinux(home_)),
       .powerEvents = std::make_unique<LinuxPowerEvents>(
           loop_.raw(), main, systemBusAddress(std::getenv("DBUS_SYSTEM_BUS_ADDRESS"))),
       .settingsWindow = nullptr,
@@ -85,9 +96,23 @@ AppParts LinuxApplication::parts(StatusItem& statusItem, TextEngine& textEngine)
   };
 }
 
+int LinuxApplication::end(int status) {
+  constexpr std::chrono::seconds endTimeout{1};
+  launcher_.reset();
+  const auto deadline = std::chrono::steady_clock::now() + endTimeout;
+  // A save first: it is what a second can still bring to an end. The sampling thread before
+  // those that it uses.
+  const bool isSaved = fileWorker_.endBy(deadline);
+  if (isSaved && samplingThread_.endBy(deadline) && batteryThread_.endBy(deadline) &&
+      sensorThread_.endBy(deadline)) {
+    return status;
+  }
+  std::fflush(nullptr);
+  _exit(status);
+}
+
 ConversationHost LinuxApplication::conversationHost() {
-  // Children and pipes never block, so that a queue of their own would only cost a thread.
-  return {loop_.queue(), loop_.queue(), launcher_, (configHome_ / "Vantora").string()};
+  return {loop_.queue(), *launcher_, (configHome_ / "Vantora").string()};
 }
 
 }  // namespace vantora

@@ -10,12 +10,14 @@
 #include <string>
 
 #include "app/app_coordinator.hpp"
-#include "platform/linux/autostart_login_item.hpp"
-#include "platform/linux/json_user_defaults.hpp"
-#include "runtime/one_answer_client.hpp"
+#include "platform/linux/desktop/autostart_login_item.hpp"
+#include "platform/linux/desktop/json_user_defaults.hpp"
+#include "process/uv_child_process.hpp"
+#include "quota/one_answer_client.hpp"
+#include "runtime/lazy_queue_thread.hpp"
 #include "runtime/system_clock.hpp"
-#include "runtime/uv_child_process.hpp"
 #include "runtime/uv_loop.hpp"
+#include "runtime/worker.hpp"
 
 namespace vantora {
 
@@ -27,23 +29,32 @@ class LinuxApplication {
 
   [[nodiscard]] UvLoop& loop() { return loop_; }
   [[nodiscard]] const Clock& clock() const { return clock_; }
-  [[nodiscard]] ChildProcessLauncher& launcher() { return launcher_; }
+  [[nodiscard]] ChildProcessLauncher& launcher() { return *launcher_; }
 
   /// The parts of a coordinator without window and browser. Reads the configuration.
   [[nodiscard]] AppParts parts(StatusItem& statusItem, TextEngine& textEngine);
 
+  /// The last act of the program, once everything that was made from the parts is gone: ends
+  /// the children, then the threads, and returns `status`. A thread that has not ended within
+  /// a second, because a driver or a disk never answers it, is left behind: the process then
+  /// exits with `status` here.
+  [[nodiscard]] int end(int status);
+
  private:
-  [[nodiscard]] TaskQueue& samplingQueue();
+  [[nodiscard]] SamplingSources samplingSources();
   [[nodiscard]] ConversationHost conversationHost();
 
   const std::filesystem::path configHome_;
   const SystemClock clock_;
   UvLoop loop_;
-  std::optional<UvQueueThread> samplingThread_;
+  LazyQueueThread samplingThread_{std::string(SamplingCoordinator::queueLabel)};
+  LazyQueueThread batteryThread_{"local.vantora.battery"};
+  LazyQueueThread sensorThread_{"local.vantora.sensors"};
   const std::string home_;  // without a trailing separator
-  UvChildProcessLauncher launcher_;
+  std::optional<UvChildProcessLauncher> launcher_;
   JsonUserDefaults defaults_;
   AutostartLoginItem loginItem_;
+  ThreadWorker fileWorker_{loop_.queue()};  // uses the two above
 };
 
 }  // namespace vantora

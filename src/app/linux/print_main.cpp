@@ -6,15 +6,40 @@
 #include <cstdio>
 
 #include "app/linux/linux_application.hpp"
+#include "app/linux/start_program.hpp"
 #include "app/print/cell_text_engine.hpp"
 #include "app/print/print_options.hpp"
 #include "app/print/print_program.hpp"
 #include "app/print/print_session.hpp"
-#include "platform/linux/xdg_folders.hpp"
+#include "app/print/resize_signal.hpp"
+#include "platform/linux/desktop/xdg_folders.hpp"
 #include "runtime/termination_signals.hpp"
 
 namespace vantora {
 namespace {
+
+int print(LinuxApplication& application, const PrintOptions& options) {
+  UvLoop& loop = application.loop();
+  CellTextEngine textEngine;
+  PrintOutput output(STDOUT_FILENO, options.format, options.follow, isatty(STDOUT_FILENO) == 1);
+  int status = 0;
+  PrintSession session(options, output, loop.queue(), [&](int error) {
+    if (error != 0) {
+      PrintProgram::complainOfOutput(error);
+      status = 1;
+    }
+    loop.stop();
+  });
+  const auto coordinator = AppCoordinator::create(application.parts(session, textEngine));
+  PrintProgram::tellNotice(coordinator->model().notice(), options.format);
+  const TerminationSignals signals(loop.raw(), [&session] { session.stop(); });
+  const ResizeSignal resize(loop.raw(), [&session] { session.resized(); });
+  // From the loop, so that an end in the very first print stops it.
+  loop.queue().post([&] { session.start(*coordinator); });
+  loop.run();
+  coordinator->terminate();
+  return status;
+}
 
 int run(const PrintOptions& options) {
   ignoreBrokenPipes();
@@ -25,30 +50,14 @@ int run(const PrintOptions& options) {
     return 1;
   }
   LinuxApplication application(*configHome);
-  UvLoop& loop = application.loop();
-  CellTextEngine textEngine;
-  PrintOutput output(STDOUT_FILENO, options.format, options.follow, isatty(STDOUT_FILENO) == 1);
-  int status = 0;
-  PrintSession session(options, output, loop.queue(), application.clock(), [&](int error) {
-    if (error != 0) {
-      PrintProgram::complainOfOutput(error);
-      status = 1;
-    }
-    loop.stop();
-  });
-  const auto coordinator = AppCoordinator::create(application.parts(session, textEngine));
-  PrintProgram::tellNotice(coordinator->model().notice(), options.format);
-  const TerminationSignals signals(loop.raw(), [&session] { session.stop(); });
-  // From the loop, so that an end in the very first print stops it.
-  loop.queue().post([&] { session.start(*coordinator); });
-  loop.run();
-  coordinator->terminate();
-  return status;
+  return application.end(print(application, options));
 }
 
 }  // namespace
 }  // namespace vantora
 
 int main(int argc, char** argv) {
-  return vantora::PrintProgram::start(argc, argv, &vantora::run);
+  return vantora::PrintProgram::start(argc, argv, [](const vantora::PrintOptions& options) {
+    return vantora::startProgram("vantora-print", [&options] { return vantora::run(options); });
+  });
 }

@@ -12,19 +12,20 @@
 #include <utility>
 
 #include "app/app_coordinator.hpp"
+#include "app/linux/agent_arguments.hpp"
 #include "app/linux/linux_application.hpp"
-#include "platform/linux/application_service.hpp"
-#include "platform/linux/bus_address.hpp"
-#include "platform/linux/bus_connection.hpp"
-#include "platform/linux/font_lookup_process.hpp"
-#include "platform/linux/fontconfig_lookup.hpp"
-#include "platform/linux/freetype_text_engine.hpp"
-#include "platform/linux/linux_status_item.hpp"
-#include "platform/linux/screen_scale.hpp"
-#include "platform/linux/xdg_folders.hpp"
-#include "platform/linux/xdg_url_opener.hpp"
-#include "runtime/resident_memory.hpp"
-#include "runtime/standard_streams.hpp"
+#include "app/linux/start_program.hpp"
+#include "platform/linux/bus/bus_connection.hpp"
+#include "platform/linux/desktop/application_service.hpp"
+#include "platform/linux/desktop/desktop_notifier.hpp"
+#include "platform/linux/desktop/session_marker.hpp"
+#include "platform/linux/desktop/startup_notification.hpp"
+#include "platform/linux/desktop/xdg_folders.hpp"
+#include "platform/linux/desktop/xdg_url_opener.hpp"
+#include "platform/linux/status_item/linux_status_item.hpp"
+#include "platform/linux/text/glyph_process.hpp"
+#include "platform/linux/text/glyph_text_engine.hpp"
+#include "runtime/standard_descriptors.hpp"
 #include "runtime/termination_signals.hpp"
 #include "settings/agent/menu_process.hpp"
 #include "settings/agent/settings_process.hpp"
@@ -34,7 +35,7 @@
 namespace vantora {
 namespace {
 
-// What a person who started the program in a terminal, or reads the session's log, is told.
+// For the person who started the program in a terminal, or reads the session's log.
 void say(std::string_view line) {
   std::fprintf(stderr, "vantora: %.*s\n", static_cast<int>(line.size()), line.data());
 }
@@ -45,10 +46,21 @@ std::string environmentText(const char* name) {
   return text != nullptr ? text : "";
 }
 
-// The program of window and menu stands beside this one, in a build folder as where it is
-// installed.
+// The program of window and menu is in the same folder as this one, in a build folder as
+// where it is installed.
 std::string settingsProgram() {
   return ownExecutable().value_or("/usr/bin/vantora").parent_path() / "vantora-settings";
+}
+
+// The program that draws characters, which people never start: beside this one in a build
+// folder, in libexec where it is installed.
+std::string glyphProgram() {
+  constexpr const char* name = "vantora-glyphs";
+  const auto folder = ownExecutable().value_or("/usr/bin/vantora").parent_path();
+  std::error_code error;
+  return std::filesystem::exists(folder / name, error)
+             ? folder / name
+             : folder.parent_path() / "libexec" / "vantora" / name;
 }
 
 std::unique_ptr<SettingsWindow> settingsWindow(LinuxApplication& application, AppParts& parts) {
@@ -61,7 +73,7 @@ std::unique_ptr<SettingsWindow> settingsWindow(LinuxApplication& application, Ap
       .rasterise = [&engine = parts.textEngine](
                        const StatusImage& image,
                        double scale) { return rasterise(image, engine, scale); },
-      .codexExecutable = [&quota = *parts.quota] { return quota.executableDescription(); },
+      .codexExecutable = [&quota = *parts.codexQuota] { return quota.executableDescription(); },
       .claudeExecutable = [&quota = *parts.claudeQuota] { return quota.executableDescription(); },
   });
   window->onFailure = [](const std::string& message) { say(message); };
@@ -87,6 +99,10 @@ std::optional<int> statusOf(ApplicationStart start) {
     case ApplicationStart::another:
       say("já está em execução nesta sessão; o pedido de abertura foi passado adiante");
       return 0;
+    case ApplicationStart::startingAnother:
+      say("já está em execução nesta sessão e acabou de iniciar; abra-o de novo para ver as "
+          "configurações");
+      return 0;
     case ApplicationStart::silentAnother:
       say("já está em execução nesta sessão, mas não responde");
       return 1;
@@ -94,25 +110,36 @@ std::optional<int> statusOf(ApplicationStart start) {
   return std::nullopt;
 }
 
-int run() {
-  ignoreBrokenPipes();
-  const auto configHome = XdgFolders::configHome();
-  if (!configHome) {
-    say("não há pasta pessoal para a configuração (HOME não está definida)");
-    return 1;
+// A desktop without a place for status items, as GNOME comes, shows nothing of a program
+// that only reports on standard error.
+void notifyOfMissingPanel(Notifier& notifier) {
+  if (markOncePerSession(std::getenv("XDG_RUNTIME_DIR"), "vantora-no-panel")) {
+    notifier.notify(
+        "O Vantora está em execução, mas nenhum painel desta sessão mostra itens de status. No "
+        "GNOME, instale e ative a extensão AppIndicator; em outros ambientes, adicione a bandeja "
+        "do sistema ao painel. Para ver as configurações, abra o Vantora de novo.");
   }
-  LaunchTokens tokens = takeLaunchTokens();
-  // Before there are threads: the lookups happen in children of their own.
-  FontSelection fonts = lookUpApart([] { return lookUpFonts(); });
-  LinuxStatusItem::Options options;
-  options.largestScale =
-      lookUpScreenScaleApart({environmentText("WAYLAND_DISPLAY"), environmentText("DISPLAY")});
-  LinuxApplication application(*configHome);
+}
+
+// The launcher's busy cursor would wait for a window that an agent does not open. In a
+// Wayland session the launcher has a limit of its own, and nothing but a window ends it sooner.
+void endBusyCursor(Worker& worker, const LaunchTokens& tokens) {
+  const std::string display = environmentText("DISPLAY");
+  if (!tokens.startupId.empty() && !display.empty() && environmentText("WAYLAND_DISPLAY").empty()) {
+    worker.run([display, id = tokens.startupId] { StartupNotification::complete(display, id); },
+               [] {});
+  }
+}
+
+int runAgent(LinuxApplication& application, LaunchTokens tokens) {
   UvLoop& loop = application.loop();
-  FreetypeTextEngine textEngine(std::move(fonts));
-  const std::string busAddress =
-      sessionBusAddress(std::getenv("DBUS_SESSION_BUS_ADDRESS"), std::getenv("XDG_RUNTIME_DIR"));
-  BusConnection bus(loop.raw(), loop.queue(), busAddress);
+  // The X server may not answer, which must not hold up anything else.
+  ThreadWorker startupWorker(loop.queue());
+  endBusyCursor(startupWorker, tokens);
+  GlyphProcess glyphs(glyphProgram(), application.clock());
+  glyphs.onFailure = [](const std::string& message) { say(message); };
+  GlyphTextEngine textEngine(glyphs);
+  BusConnection bus(loop.raw(), loop.queue(), {});  // the session's
   ApplicationService service(bus, loop.queue(), std::move(tokens));
   service.onRival = [] {
     say("há outro em execução nesta sessão; os dois continuam até que um seja encerrado");
@@ -129,48 +156,65 @@ int run() {
   const MenuProcess::Parts popupParts{.queue = loop.queue(),
                                       .launcher = application.launcher(),
                                       .executable = settingsProgram(),
-                                      .environmentChanges = MenuProcess::onX11(busAddress)};
+                                      .environmentChanges = MenuProcess::onX11(bus.address())};
   MenuProcess menu(popupParts);
   ToolTipProcess toolTip(popupParts);
   menu.onFailure = toolTip.onFailure = [](const std::string& message) { say(message); };
-  LinuxStatusItem statusItem(bus, loop.queue(), textEngine, std::move(options),
-                             [](StatusItemSituation situation) { say(describe(situation)); });
+  OwnDisplayThread displayThread;
+  DesktopNotifier notifier(bus);
+  LinuxStatusItem statusItem(bus, loop.queue(), textEngine, {},
+                             [&notifier](StatusItemSituation situation) {
+                               say(describe(situation));
+                               if (situation == StatusItemSituation::noHost) {
+                                 notifyOfMissingPanel(notifier);
+                               }
+                             });
   if (const std::string display = environmentText("DISPLAY"); !display.empty()) {
-    statusItem.useTray(loop.raw(), display, {menu, toolTip});
+    statusItem.useTray(displayThread, display, {menu, toolTip});
   }
   XdgUrlOpener urlOpener(loop.raw());
   AppParts parts = application.parts(statusItem, textEngine);
   if (const auto& notice = parts.model->notice()) {
-    say(*notice);
+    const auto& keepAs = parts.model->keepAs();
+    say(*notice +
+        (keepAs ? " Na primeira gravação, ela será guardada em " + keepAs->string() + "." : ""));
   }
+  parts.model->onSaveFailure = [&notifier](const std::string& message) {
+    say(message);
+    notifier.notify(message);
+  };
   parts.settingsWindow = settingsWindow(application, parts);
   parts.urlOpener = &urlOpener;
   const auto coordinator = AppCoordinator::create(std::move(parts));
   service.onActivate = [weak = std::weak_ptr(coordinator)](const std::string& token) {
-    if (const auto target = weak.lock()) {
-      target->reopen(token);
-    }
+    const auto target = weak.lock();
+    return target != nullptr && target->reopen(token);
   };
   coordinator->launch();
-  // Once the first pictures stand in the panel, and now and then for what was needed
-  // seldom since: a query, a menu, other fonts.
-  constexpr Seconds settled{5};
-  constexpr Seconds nowAndThen{600};
-  const TimerHandle afterStart = loop.queue().runAfter(settled, Seconds{1}, &releaseUnusedCode);
-  const TimerHandle later = loop.queue().runEvery(nowAndThen, Seconds{60}, &releaseUnusedCode);
   loop.run();
   coordinator->terminate();
   return 0;
+}
+
+int run() {
+  ignoreBrokenPipes();
+  const auto configHome = XdgFolders::configHome();
+  if (!configHome) {
+    say("não há pasta pessoal para a configuração (HOME não está definida)");
+    return 1;
+  }
+  LaunchTokens tokens = takeLaunchTokens();
+  LinuxApplication application(*configHome);
+  return application.end(runAgent(application, std::move(tokens)));
 }
 
 }  // namespace
 }  // namespace vantora
 
 int main(int argc, char** argv) {
-  vantora::StandardStreams::openMissing();
-  if (argc > 1) {
-    std::fprintf(stderr, "vantora: argumento desconhecido: %s (não há opções)\n", argv[1]);
-    return 2;
+  vantora::StandardDescriptors::openMissing();
+  if (const auto exit = vantora::readAgentArguments(argc, argv)) {
+    return vantora::give("vantora", *exit);
   }
-  return vantora::run();
+  return vantora::startProgram("vantora", &vantora::run);
 }

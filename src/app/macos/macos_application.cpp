@@ -4,16 +4,15 @@
 #include <utility>
 
 #include "app/quota_providers.hpp"
-#include "claude/claude_executable_resolver.hpp"
-#include "codex/codex_executable_resolver.hpp"
-#include "platform/macos/apple_smc.hpp"
-#include "platform/macos/application_folders.hpp"
-#include "platform/macos/mach_tick_counters.hpp"
-#include "platform/macos/sysctl_network_source.hpp"
-#include "platform/macos/thread_priority.hpp"
-#include "platform/macos/workspace_power_events.hpp"
+#include "platform/macos/app/workspace_power_events.hpp"
+#include "platform/macos/readings/apple_smc.hpp"
+#include "platform/macos/readings/mach_tick_counters.hpp"
+#include "platform/macos/readings/sysctl_network_source.hpp"
+#include "platform/macos/settings/application_folders.hpp"
+#include "quota/claude/claude_executable_places.hpp"
+#include "quota/codex/codex_executable_places.hpp"
+#include "sampling/apple/sensor_collector.hpp"
 #include "sampling/battery_collector.hpp"
-#include "sampling/sensor_collector.hpp"
 
 namespace vantora {
 
@@ -22,10 +21,7 @@ MacOSApplication::MacOSApplication(std::filesystem::path applicationSupport,
     : applicationSupport_(std::move(applicationSupport)),
       end_(std::move(end)),
       home_(homeFolder()),
-      samplingThread_(std::string(SamplingCoordinator::queueLabel)),
-      launcher_(mainLoop_.raw(), mainQueue_) {
-  samplingThread_.queue().post(&useUtilityPriorityForThisThread);
-}
+      launcher_(mainLoop_.raw(), mainQueue_) {}
 
 AppParts MacOSApplication::parts(StatusItem& statusItem, TextEngine& textEngine) {
   return {
@@ -33,14 +29,14 @@ AppParts MacOSApplication::parts(StatusItem& statusItem, TextEngine& textEngine)
       .clock = clock_,
       .statusItem = statusItem,
       .textEngine = textEngine,
-      .model = std::make_unique<SettingsModel>(mainQueue_, ConfigurationStore(applicationSupport_),
-                                               loginItem_, defaults_),
-      .sampling = SamplingCoordinator::create(samplingThread_.queue(), mainQueue_, clock_,
-                                              samplingSources()),
-      .quota = makeCodexQuotaProvider(conversationHost(), clock_, defaults_,
-                                      CodexExecutableResolver::placesOnMacOS()),
+      .model = std::make_unique<SettingsModel>(
+          mainQueue_, fileWorker_, ConfigurationStore(applicationSupport_), loginItem_, defaults_),
+      .sampling =
+          SamplingCoordinator::create(samplingTimers_, mainQueue_, clock_, samplingSources()),
+      .codexQuota = makeCodexQuotaProvider(conversationHost(), clock_, defaults_,
+                                           CodexExecutablePlaces::onMacOS()),
       .claudeQuota = makeClaudeQuotaProvider(conversationHost(), clock_,
-                                             ClaudeExecutableResolver::placesOnMacOS(home_)),
+                                             ClaudeExecutablePlaces::onMacOS(home_)),
       .powerEvents = std::make_unique<WorkspacePowerEvents>(mainQueue_),
       .settingsWindow = nullptr,
       .urlOpener = nullptr,
@@ -55,8 +51,7 @@ SamplingSources MacOSApplication::samplingSources() {
 }
 
 ConversationHost MacOSApplication::conversationHost() {
-  // Children and pipes never block, so that a queue of their own would only cost a thread.
-  return {mainQueue_, mainQueue_, launcher_, (applicationSupport_ / "Vantora").string()};
+  return {mainQueue_, launcher_, (applicationSupport_ / "Vantora").string()};
 }
 
 }  // namespace vantora

@@ -10,16 +10,17 @@
 #include <string>
 
 #include "app/app_coordinator.hpp"
-#include "platform/macos/app_service_login_item.hpp"
-#include "platform/macos/cf_user_defaults.hpp"
-#include "platform/macos/dispatch_main_queue.hpp"
-#include "platform/macos/embedded_uv_loop.hpp"
-#include "platform/macos/io_power_sources.hpp"
-#include "runtime/one_answer_client.hpp"
+#include "platform/macos/app/dispatch_task_queue.hpp"
+#include "platform/macos/app/embedded_uv_loop.hpp"
+#include "platform/macos/app/unthrottled_queue.hpp"
+#include "platform/macos/readings/io_power_sources.hpp"
+#include "platform/macos/settings/app_service_login_item.hpp"
+#include "platform/macos/settings/cf_user_defaults.hpp"
+#include "process/uv_child_process.hpp"
+#include "quota/one_answer_client.hpp"
 #include "runtime/system_clock.hpp"
 #include "runtime/termination_signals.hpp"
-#include "runtime/uv_child_process.hpp"
-#include "runtime/uv_loop.hpp"
+#include "runtime/worker.hpp"
 
 namespace vantora {
 
@@ -31,6 +32,7 @@ class MacOSApplication {
   MacOSApplication(std::filesystem::path applicationSupport, std::function<void()> end);
 
   [[nodiscard]] TaskQueue& mainQueue() { return mainQueue_; }
+  [[nodiscard]] uv_loop_t& mainLoop() { return mainLoop_.raw(); }
   [[nodiscard]] const Clock& clock() const { return clock_; }
   [[nodiscard]] ChildProcessLauncher& launcher() { return launcher_; }
 
@@ -49,11 +51,13 @@ class MacOSApplication {
   EmbeddedUvLoop mainLoop_;
   // Posted: the end destroys the loop that the signal came through.
   TerminationSignals signals_{mainLoop_.raw(), [this] { mainQueue_.post(end_); }};
-  UvQueueThread samplingThread_;
+  DispatchSerialQueue samplingQueue_{std::string(SamplingCoordinator::queueLabel)};
+  UnthrottledQueue samplingTimers_{samplingQueue_};
   IOPowerSources powerSources_;
   UvChildProcessLauncher launcher_;
   CFUserDefaults defaults_;
   AppServiceLoginItem loginItem_;
+  ThreadWorker fileWorker_{mainQueue_};  // uses the two above
 };
 
 }  // namespace vantora

@@ -13,13 +13,17 @@
 #include "app/print/print_options.hpp"
 #include "app/print/print_program.hpp"
 #include "app/print/print_session.hpp"
-#include "platform/macos/application_folders.hpp"
+#include "app/print/resize_signal.hpp"
+#include "platform/macos/base/autorelease_pool.hpp"
+#include "platform/macos/settings/application_folders.hpp"
 #include "runtime/termination_signals.hpp"
 
 namespace vantora {
 namespace {
 
 int run(const PrintOptions& options) {
+  // For what happens outside of the queues' tasks, which have pools of their own.
+  const AutoreleasePool pool;
   ignoreBrokenPipes();
   auto folder = applicationSupportFolder();
   if (!folder) {
@@ -32,15 +36,15 @@ int run(const PrintOptions& options) {
   CellTextEngine textEngine;
   PrintOutput output(STDOUT_FILENO, options.format, options.follow, isatty(STDOUT_FILENO) == 1);
   int status = 0;
-  PrintSession session(options, output, application.mainQueue(), application.clock(),
-                       [&](int error) {
-                         if (error != 0) {
-                           PrintProgram::complainOfOutput(error);
-                           status = 1;
-                         }
-                         stopLoop();
-                       });
+  PrintSession session(options, output, application.mainQueue(), [&](int error) {
+    if (error != 0) {
+      PrintProgram::complainOfOutput(error);
+      status = 1;
+    }
+    stopLoop();
+  });
   end = [&session] { session.stop(); };
+  const ResizeSignal resize(application.mainLoop(), [&session] { session.resized(); });
   const auto coordinator = AppCoordinator::create(application.parts(session, textEngine));
   PrintProgram::tellNotice(coordinator->model().notice(), options.format);
   // From the loop, so that an end in the very first print stops it.

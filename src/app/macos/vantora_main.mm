@@ -5,16 +5,19 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <utility>
 
 #include "app/app_coordinator.hpp"
 #include "app/macos/macos_application.hpp"
-#include "platform/macos/appkit_status_item.hpp"
-#include "platform/macos/appkit_text_engine.hpp"
-#include "platform/macos/application_folders.hpp"
-#include "platform/macos/workspace_url_opener.hpp"
+#include "platform/macos/app/appkit_status_item.hpp"
+#include "platform/macos/app/appkit_text_engine.hpp"
+#include "platform/macos/app/foreground_settings_window.hpp"
+#include "platform/macos/app/single_agent.hpp"
+#include "platform/macos/app/workspace_url_opener.hpp"
+#include "platform/macos/settings/application_folders.hpp"
 #include "runtime/termination_signals.hpp"
 #include "settings/agent/settings_process.hpp"
 #include "status/rasterise.hpp"
@@ -27,6 +30,16 @@ void say(const std::string& line) {
   std::fprintf(stderr, "vantora: %s\n", line.c_str());
 }
 
+// A start that is not the first: has the agent do what this one was started for.
+int passOn() {
+  if (SingleAgent::ask()) {
+    say("já está em execução nesta sessão; o pedido de abertura foi passado adiante");
+    return EXIT_SUCCESS;
+  }
+  say("já está em execução nesta sessão, mas não responde");
+  return EXIT_FAILURE;
+}
+
 // Everything that lives as long as the program, in the order in which it is needed.
 class Agent {
  public:
@@ -34,6 +47,7 @@ class Agent {
       : application_(std::move(applicationSupport), [] { [NSApp terminate:nil]; }) {
     AppParts parts = application_.parts(statusItem_, textEngine_);
     parts.urlOpener = &urlOpener_;
+    parts.model->onSaveFailure = [](const std::string& message) { say(message); };
     parts.settingsWindow = settingsWindow(parts);
     coordinator_ = AppCoordinator::create(std::move(parts));
     coordinator_->launch();
@@ -51,18 +65,21 @@ class Agent {
         .clock = application_.clock(),
         .launcher = application_.launcher(),
         .model = *parts.model,
-        .executable = bundledProgram("vantora-settings").string(),
+        .executable = bundledHelper("vantora-settings").string(),
         .rasterise = [this](const StatusImage& image,
                             double scale) { return rasterise(image, textEngine_, scale); },
-        .codexExecutable = [&quota = *parts.quota] { return quota.executableDescription(); },
+        .codexExecutable = [&quota = *parts.codexQuota] { return quota.executableDescription(); },
         .claudeExecutable = [&quota = *parts.claudeQuota] { return quota.executableDescription(); },
     });
     window->onFailure = [](const std::string& message) { say(message); };
-    return window;
+    return std::make_unique<ForegroundSettingsWindow>(std::move(window), settingsIdentifier);
   }
 
+  // packaging/macos/Settings-Info.plist.in has the same.
+  static constexpr const char* settingsIdentifier = "local.vantora.Vantora.settings";
+
   MacOSApplication application_;
-  AppKitStatusItem statusItem_;
+  AppKitStatusItem statusItem_{application_.mainQueue(), application_.clock()};
   AppKitTextEngine textEngine_;
   WorkspaceUrlOpener urlOpener_;
   std::shared_ptr<AppCoordinator> coordinator_;
@@ -72,24 +89,39 @@ class Agent {
 }  // namespace vantora
 
 @interface VantoraDelegate : NSObject <NSApplicationDelegate>
+- (instancetype)initWithApplicationSupport:(std::filesystem::path)folder
+                               singleAgent:(std::unique_ptr<vantora::SingleAgent>)single;
 @end
 
 @implementation VantoraDelegate {
+  std::filesystem::path applicationSupport_;
+  std::unique_ptr<vantora::SingleAgent> single_;
   std::unique_ptr<vantora::Agent> agent_;
 }
 
-- (void)applicationDidFinishLaunching:(NSNotification*)__unused notification {
-  auto folder = vantora::applicationSupportFolder();
-  if (!folder) {
-    vantora::say("o macOS não informa a pasta Application Support");
-    std::exit(EXIT_FAILURE);
+- (instancetype)initWithApplicationSupport:(std::filesystem::path)folder
+                               singleAgent:(std::unique_ptr<vantora::SingleAgent>)single {
+  self = [super init];
+  if (self != nil) {
+    applicationSupport_ = std::move(folder);
+    single_ = std::move(single);
   }
-  agent_ = std::make_unique<vantora::Agent>(std::move(*folder));
+  return self;
+}
+
+- (void)applicationDidFinishLaunching:(NSNotification*)__unused notification {
+  agent_ = std::make_unique<vantora::Agent>(applicationSupport_);
+  __weak VantoraDelegate* weakSelf = self;
+  single_->answer([weakSelf] { [weakSelf reopen]; });
+}
+
+- (BOOL)reopen {
+  return agent_ != nullptr && agent_->reopen();
 }
 
 - (BOOL)applicationShouldHandleReopen:(NSApplication*)__unused sender
                     hasVisibleWindows:(BOOL)__unused hasVisibleWindows {
-  return agent_ != nullptr && agent_->reopen();
+  return [self reopen];
 }
 
 // There is no window of ours to restore. Without an answer AppKit writes into the system's
@@ -101,6 +133,7 @@ class Agent {
 - (void)applicationWillTerminate:(NSNotification*)__unused notification {
   // AppKit ends the process without returning to main: the children end here.
   agent_.reset();
+  single_.reset();
 }
 
 @end
@@ -108,9 +141,20 @@ class Agent {
 int main() {
   vantora::ignoreBrokenPipes();
   @autoreleasepool {
+    auto folder = vantora::applicationSupportFolder();
+    if (!folder) {
+      vantora::say("o macOS não informa a pasta Application Support");
+      return EXIT_FAILURE;
+    }
+    auto single = std::make_unique<vantora::SingleAgent>(*folder / "Vantora");
+    if (!single->isFirst()) {
+      return vantora::passOn();
+    }
     NSApplication* application = NSApplication.sharedApplication;
     // The application holds its delegate weakly.
-    static VantoraDelegate* delegate = [[VantoraDelegate alloc] init];
+    static VantoraDelegate* delegate =
+        [[VantoraDelegate alloc] initWithApplicationSupport:std::move(*folder)
+                                                singleAgent:std::move(single)];
     application.delegate = delegate;
     [application run];
   }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace vantora {
@@ -15,6 +16,18 @@ namespace vantora {
 /// How many terminal cells the text takes. Every character of our texts takes one.
 [[nodiscard]] constexpr std::size_t cellCount(std::string_view text) {
   return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), beginsCharacter));
+}
+
+/// The text without what does not fit into `most` cells.
+[[nodiscard]] inline std::string cutToCells(std::string text, std::size_t most) {
+  std::size_t seen = 0;
+  for (std::size_t index = 0; index < text.size(); ++index) {
+    if (beginsCharacter(text[index]) && seen++ == most) {
+      text.resize(index);
+      break;
+    }
+  }
+  return text;
 }
 
 }  // namespace vantora

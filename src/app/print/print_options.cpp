@@ -5,42 +5,51 @@
 #include <cmath>
 #include <map>
 
+#include "model/version.hpp"
+
 namespace vantora {
 namespace {
 
 const std::map<std::string, PrintFormat>& formats() {
-  static const std::map<std::string, PrintFormat> all{{"text", PrintFormat::text},
+  static const std::map<std::string, PrintFormat> all{{"list", PrintFormat::list},
+                                                      {"text", PrintFormat::text},
                                                       {"json", PrintFormat::json},
                                                       {"i3bar", PrintFormat::i3bar},
                                                       {"waybar", PrintFormat::waybar}};
   return all;
 }
 
-PrintExit complaint(const std::string& reason) {
+ProgramAnswer complaint(const std::string& reason) {
   return {2, "vantora-print: " + reason + " (veja vantora-print --help)\n"};
 }
 
 constexpr const char* help =
-    "Uso: vantora-print [--follow] [--format text|json|i3bar|waybar] [--timeout SEGUNDOS]\n"
+    "Uso: vantora-print [--follow] [--format FORMATO] [--timeout SEGUNDOS]\n"
     "\n"
     "Mostra as leituras do Vantora sem precisar de um painel.\n"
     "\n"
-    "  --follow             uma linha a cada mudança, até ser interrompido\n"
-    "  --format FORMATO     text (padrão), json, i3bar ou waybar\n"
-    "  --timeout SEGUNDOS   espera no máximo este tempo pelas leituras (padrão 60);\n"
-    "                       com --follow, encerra depois deste tempo\n"
-    "  --help               mostra esta ajuda\n";
+    "      --follow             atualiza a cada mudança, até ser interrompido\n"
+    "      --format FORMATO     list: uma linha por métrica, com o motivo do que falta (padrão\n"
+    "                           no terminal); text: tudo em uma linha (padrão fora dele);\n"
+    "                           json, i3bar ou waybar\n"
+    "      --timeout SEGUNDOS   espera pelas leituras no máximo esse tempo (padrão 60);\n"
+    "                           com --follow, encerra depois desse tempo\n"
+    "  -h, --help               mostra esta ajuda\n"
+    "      --version            mostra a versão\n";
 
 }  // namespace
 
-std::variant<PrintOptions, PrintExit> parsePrintOptions(int argc, const char* const* argv) {
+std::variant<PrintOptions, ProgramAnswer> parsePrintOptions(int argc, const char* const* argv,
+                                                            bool isTerminal) {
   CLI::App app;
   app.set_help_flag();
   bool wantsHelp = false;
+  bool wantsVersion = false;
   PrintOptions options;
-  std::string format = "text";
+  std::string format = isTerminal ? "list" : "text";
   std::string timeout;
   app.add_flag("--help,-h", wantsHelp);
+  app.add_flag("--version", wantsVersion);
   app.add_flag("--follow", options.follow);
   const auto* formatOption = app.add_option("--format", format);
   const auto* timeoutOption = app.add_option("--timeout", timeout);
@@ -48,16 +57,19 @@ std::variant<PrintOptions, PrintExit> parsePrintOptions(int argc, const char* co
     app.parse(argc, argv);
   } catch (const CLI::ArgumentMismatch&) {
     return complaint(formatOption->count() > 1 || timeoutOption->count() > 1
-                         ? "a mesma opção foi dada duas vezes"
+                         ? "a mesma opção aparece duas vezes"
                          : "falta o valor de uma opção");
   } catch (const CLI::ExtrasError&) {
     const auto extras = app.remaining();
     return complaint("argumento desconhecido: " + (extras.empty() ? "" : extras.front()));
   } catch (const CLI::ParseError&) {
-    return complaint("não entendi os argumentos");
+    return complaint("argumentos inválidos");
   }
   if (wantsHelp) {
-    return PrintExit{0, help};
+    return ProgramAnswer{0, help};
+  }
+  if (wantsVersion) {
+    return ProgramAnswer{0, std::string("vantora-print ") + programVersion + "\n"};
   }
   const auto known = formats().find(format);
   if (known == formats().end()) {
@@ -68,7 +80,8 @@ std::variant<PrintOptions, PrintExit> parsePrintOptions(int argc, const char* co
     double seconds = 0;
     const bool isNumber = CLI::detail::lexical_cast(timeout, seconds);
     if (!isNumber || !std::isfinite(seconds) || seconds <= 0 || seconds > 86'400) {
-      return complaint("tempo inválido: \"" + timeout + "\" (de 0 até 86400 segundos)");
+      return complaint("tempo inválido: \"" + timeout +
+                       "\" (mais de 0 e no máximo 86400 segundos)");
     }
     options.timeout = Seconds{seconds};
     options.hasTimeout = true;

@@ -8,21 +8,44 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <utility>
+#include <vector>
+
+#include "app/print/print_list.hpp"
 
 namespace vantora {
 namespace {
 
-// ECMA-48 controls: erase the line (EL 2), one line up (CUU).
+// ECMA-48 controls: erase the line (EL 2), what is below (ED), home (CUP), lines up (CUU).
 constexpr const char* eraseLine = "\x1b[2K";
-constexpr const char* backToFirstLine = "\r\x1b[1A";
+constexpr const char* eraseBelow = "\x1b[J";
+constexpr const char* home = "\x1b[H";
 
-std::size_t terminalColumns(int descriptor) {
-  constexpr std::size_t whenUnknown = 80;
+std::string linesUp(std::size_t count) {
+  return count == 0 ? "\r" : "\r\x1b[" + std::to_string(count) + "A";
+}
+
+struct TerminalSize {
+  std::size_t columns = 80;
+  std::size_t rows = 24;
+};
+
+TerminalSize terminalSize(int descriptor) {
   winsize size{};
-  if (ioctl(descriptor, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) {
-    return whenUnknown;
+  if (ioctl(descriptor, TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0) {
+    return {};
   }
-  return size.ws_col;
+  return {size.ws_col, size.ws_row};
+}
+
+// As many lines as the terminal can hold: the cursor does not go back to those that left it.
+void cutToRows(std::vector<std::string>& lines, std::size_t rows) {
+  if (lines.size() > rows) {
+    const std::size_t kept = rows - 1;
+    const std::string rest = "… e mais " + std::to_string(lines.size() - kept);
+    lines.resize(kept);
+    lines.push_back(rest);
+  }
 }
 
 }  // namespace
@@ -44,10 +67,10 @@ void PrintOutput::finish() {
   }
   if (format_ == PrintFormat::i3bar) {
     rest_ = follow_ ? "[]]\n" : "]\n";
-  } else if (format_ == PrintFormat::text && isTerminal_ && follow_) {
+  } else if (isDrawnInPlace()) {
     rest_ = "\n";
   }
-  // Nobody may be reading any more; there is nothing left to do about it.
+  // The reader may be gone; there is nothing left to do about it.
   (void)catchUp();
 }
 
@@ -61,17 +84,45 @@ std::string PrintOutput::next(const PrintReport& report) {
       return (hasPrinted_ ? "" : std::string(PrintFormatter::i3barHeader) + "\n") +
              PrintFormatter::i3barLine(report) + (follow_ ? ",\n" : "\n");
     case PrintFormat::text:
+      return PrintFormatter::textLine(report) + "\n";
+    case PrintFormat::list:
       break;
   }
-  if (!isTerminal_) {
-    return PrintFormatter::textLine(report) + "\n";
+  return nextList(report);
+}
+
+std::string PrintOutput::nextList(const PrintReport& report) {
+  const TerminalSize size = terminalSize(descriptor_);
+  std::vector<std::string> lines =
+      PrintFormatter::listLines(report, isTerminal_ ? size.columns : PrintFormatter::anyWidth);
+  std::string text;
+  if (!isDrawnInPlace()) {
+    for (const std::string& line : lines) {
+      text += line + "\n";
+    }
+    // A list that is followed ends with an empty line, so that a reader can tell them apart.
+    return follow_ ? text + "\n" : text;
   }
-  std::string lines = PrintFormatter::textColumns(report, terminalColumns(descriptor_));
-  if (!follow_) {
-    return lines + "\n";
+  cutToRows(lines, size.rows);
+  if (std::exchange(isResized_, false)) {
+    text = std::string(home) + eraseBelow;
+  } else if (drawnLines_ > 0) {
+    text = linesUp(drawnLines_ - 1);
   }
-  lines.insert(lines.find('\n') + 1, eraseLine);
-  return (hasPrinted_ ? backToFirstLine : "") + (eraseLine + lines);
+  for (std::size_t index = 0; index < lines.size(); ++index) {
+    text += (index > 0 ? "\n" : "") + (eraseLine + lines[index]);
+  }
+  drawnLines_ = lines.size();
+  return text + eraseBelow;
+}
+
+bool PrintOutput::isDrawnInPlace() const {
+  return format_ == PrintFormat::list && isTerminal_ && follow_;
+}
+
+bool PrintOutput::resized() {
+  isResized_ = isDrawnInPlace() && hasPrinted_;
+  return isResized_;
 }
 
 int PrintOutput::catchUp() {

@@ -3,38 +3,36 @@
 
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <variant>
 
-#include "runtime/standard_streams.hpp"
+#include "runtime/standard_descriptors.hpp"
 
 namespace vantora::PrintProgram {
+namespace {
+
+constexpr const char* programName = "vantora-print";
+
+}  // namespace
 
 int start(int argc, const char* const* argv, int (*run)(const PrintOptions& options)) {
-  const bool hasOutput = StandardStreams::isOpen(STDOUT_FILENO);
-  StandardStreams::openMissing();
-  const auto parsed = parsePrintOptions(argc, argv);
-  if (const auto* exit = std::get_if<PrintExit>(&parsed)) {
-    std::fputs(exit->text.c_str(), exit->status == 0 ? stdout : stderr);
-    if (std::fflush(stdout) != 0) {
-      complainOfOutput(errno);
-      return 1;
-    }
-    return exit->status;
+  const bool hasOutput = StandardDescriptors::isOpen(STDOUT_FILENO);
+  StandardDescriptors::openMissing();
+  const auto parsed = parsePrintOptions(argc, argv, isatty(STDOUT_FILENO) == 1);
+  if (const auto* answer = std::get_if<ProgramAnswer>(&parsed)) {
+    return give(programName, *answer);
   }
-  // Nobody will ever read a line.
+  // No line will ever be read.
   return hasOutput ? run(std::get<PrintOptions>(parsed)) : 0;
 }
 
 void complainOfOutput(int error) {
-  std::fprintf(stderr, "vantora-print: não foi possível escrever: %s\n", std::strerror(error));
+  vantora::complainOfOutput(programName, error);
 }
 
 void tellNotice(const std::optional<std::string>& notice, PrintFormat format) {
   if (notice && format != PrintFormat::json) {
-    std::fprintf(stderr, "vantora-print: %s\n", notice->c_str());
+    std::fprintf(stderr, "%s: %s\n", programName, notice->c_str());
   }
 }
 

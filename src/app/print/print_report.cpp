@@ -1,74 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "app/print/print_report.hpp"
 
-#include <algorithm>
-#include <vector>
-
-#include "app/print/cells.hpp"
 #include "app/print/iso_date.hpp"
 #include "model/json.hpp"
-#include "status/metric_formatter.hpp"
+#include "status/markup.hpp"
+#include "status/status_modules.hpp"
 
 namespace vantora::PrintFormatter {
 namespace {
-
-// What the picture shows, too, when no module is visible.
-constexpr const char* emptyMark = "VA";
-
-struct Column {
-  const ModuleConfiguration* module;
-  std::string top;
-  std::string bottom;
-};
-
-std::vector<Column> visibleColumns(const PrintReport& report) {
-  std::vector<Column> columns;
-  for (const ModuleConfiguration& module : report.configuration.modules) {
-    if (module.isVisible(report.snapshot)) {
-      columns.push_back({&module, MetricFormatter::text(module.top, report.snapshot, report.now),
-                         MetricFormatter::text(module.bottom, report.snapshot, report.now)});
-    }
-  }
-  return columns;
-}
-
-std::string joined(const Column& column) {
-  if (column.top.empty() || column.bottom.empty()) {
-    return column.top + column.bottom;
-  }
-  return column.top + " " + column.bottom;
-}
-
-std::string cutToCells(std::string text, std::size_t most) {
-  std::size_t seen = 0;
-  for (std::size_t index = 0; index < text.size(); ++index) {
-    if (beginsCharacter(text[index]) && seen++ == most) {
-      text.resize(index);
-      break;
-    }
-  }
-  return text;
-}
-
-std::string escapedForMarkup(std::string_view text) {
-  std::string escaped;
-  for (const char character : text) {
-    switch (character) {
-      case '&':
-        escaped += "&amp;";
-        break;
-      case '<':
-        escaped += "&lt;";
-        break;
-      case '>':
-        escaped += "&gt;";
-        break;
-      default:
-        escaped += character;
-    }
-  }
-  return escaped;
-}
 
 template <typename T>
 Json orNull(const std::optional<T>& value) {
@@ -79,8 +18,8 @@ Json dateOrNull(const std::optional<WallTime>& date) {
   return date ? Json(isoDate(*date)) : Json(nullptr);
 }
 
-Json line(MetricID metric, const std::string& text) {
-  return {{"metric", id(metric)}, {"text", text}};
+Json lineJson(const StatusLine& line) {
+  return {{"metric", id(line.metric)}, {"text", line.text}};
 }
 
 Json samplesJson(const PrintReport& report) {
@@ -98,7 +37,7 @@ Json samplesJson(const PrintReport& report) {
 Json codexJson(const CodexQuotaState& state) {
   Json candidates = Json::array();
   for (const CodexQuotaCandidate& candidate : state.candidates) {
-    candidates.push_back({{"id", candidate.id}, {"name", orNull(candidate.name)}});
+    candidates.append({{"id", candidate.id}, {"name", orNull(candidate.name)}});
   }
   return {{"status", rawText(state.status)},
           {"usedPercent", orNull(state.usedPercent)},
@@ -136,49 +75,28 @@ Json claudeJson(const ClaudeQuotaState& state) {
 // The texts are ours and UTF-8; only an interface or a category may carry other bytes,
 // which then show as the replacement character.
 std::string written(const Json& value) {
-  return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+  return writeJsonLossy(value);
 }
 
 }  // namespace
 
 std::string textLine(const PrintReport& report) {
   std::string text;
-  for (const Column& column : visibleColumns(report)) {
+  for (const StatusModule& module : report.presentation.modules) {
     if (!text.empty()) {
       text += " | ";
     }
-    text += joined(column);
+    text += StatusModules::joinedLines(module);
   }
-  return text.empty() ? emptyMark : text;
-}
-
-std::string textColumns(const PrintReport& report, std::size_t columns) {
-  std::string top;
-  std::string bottom;
-  for (const Column& column : visibleColumns(report)) {
-    const std::size_t width = std::max(cellCount(column.top), cellCount(column.bottom));
-    const auto append = [&](std::string& line, const std::string& text) {
-      if (!line.empty()) {
-        line += "  ";
-      }
-      line.append(width - cellCount(text), ' ');
-      line += text;
-    };
-    append(top, column.top);
-    append(bottom, column.bottom);
-  }
-  if (top.empty() && bottom.empty()) {
-    top = emptyMark;
-  }
-  return cutToCells(std::move(top), columns) + "\n" + cutToCells(std::move(bottom), columns);
+  return text.empty() ? StatusPresentation::emptyMark : text;
 }
 
 std::string jsonLine(const PrintReport& report) {
   Json modules = Json::array();
-  for (const Column& column : visibleColumns(report)) {
-    modules.push_back({{"id", column.module->id.text()},
-                       {"top", line(column.module->top, column.top)},
-                       {"bottom", line(column.module->bottom, column.bottom)}});
+  for (const StatusModule& module : report.presentation.modules) {
+    modules.append({{"id", module.id.text()},
+                    {"top", lineJson(module.top)},
+                    {"bottom", lineJson(module.bottom)}});
   }
   const MetricSnapshot& snapshot = report.snapshot;
   return written({{"modules", std::move(modules)},
@@ -195,18 +113,18 @@ std::string jsonLine(const PrintReport& report) {
 
 std::string i3barLine(const PrintReport& report) {
   Json blocks = Json::array();
-  for (const Column& column : visibleColumns(report)) {
-    blocks.push_back({{"name", "vantora"},
-                      {"instance", column.module->id.text()},
-                      {"full_text", joined(column)},
-                      {"markup", "none"}});
+  for (const StatusModule& module : report.presentation.modules) {
+    blocks.append({{"name", "vantora"},
+                   {"instance", module.id.text()},
+                   {"full_text", StatusModules::joinedLines(module)},
+                   {"markup", "none"}});
   }
   return written(blocks);
 }
 
 std::string waybarLine(const PrintReport& report) {
   Json object{{"text", escapedForMarkup(textLine(report))},
-              {"tooltip", escapedForMarkup(report.presentation.accessibilityText)},
+              {"tooltip", escapedForMarkup(report.presentation.toolTip)},
               {"class", report.configuration.paused ? "paused" : "running"}};
   return written(object);
 }

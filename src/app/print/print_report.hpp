@@ -13,23 +13,18 @@
 
 namespace vantora {
 
-/// What was drawn, and what it was drawn from. Refers to its parts.
+/// What was drawn, and what it was drawn from. Refers to its parts, which must outlive it.
 struct PrintReport {
   const AppConfiguration& configuration;
   const MetricSnapshot& snapshot;
   const StatusPresentation& presentation;
   const std::optional<std::string>& notice;
-  WallTime now;  ///< The instant that texts which depend on the time are for.
 };
 
 namespace PrintFormatter {
 
-/// One line: the visible modules left to right, "L1 L2" each, parted by " | ".
+/// One line: the visible modules left to right, "L1 L2" each, separated by " | ".
 [[nodiscard]] std::string textLine(const PrintReport& report);
-
-/// Two lines parted by a line feed: all L1 above all L2, each module in a column as wide
-/// as its wider text and at most `columns` characters in all.
-[[nodiscard]] std::string textColumns(const PrintReport& report, std::size_t columns);
 
 /// One JSON object. Dates in ISO 8601, UTC, whole seconds; what is absent is null.
 [[nodiscard]] std::string jsonLine(const PrintReport& report);
@@ -41,7 +36,8 @@ namespace PrintFormatter {
 inline constexpr const char* i3barHeader = "{\"version\":1}\n[";
 
 /// One update of a waybar custom module with "return-type": "json" (waybar-custom(5)).
-/// Text and tool tip are Pango markup there, so "<" and "&" are escaped.
+/// Text and tool tip are Pango markup there, so "<" and "&" are escaped. The tool tip has
+/// a line for each module.
 [[nodiscard]] std::string waybarLine(const PrintReport& report);
 
 }  // namespace PrintFormatter

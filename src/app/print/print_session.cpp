@@ -9,8 +9,8 @@
 namespace vantora {
 
 PrintSession::PrintSession(const PrintOptions& options, PrintOutput& output, TaskQueue& queue,
-                           const Clock& clock, std::function<void(int error)> onEnd)
-    : options_(options), output_(output), queue_(queue), clock_(clock), onEnd_(std::move(onEnd)) {}
+                           std::function<void(int error)> onEnd)
+    : options_(options), output_(output), queue_(queue), onEnd_(std::move(onEnd)) {}
 
 void PrintSession::start(AppCoordinator& coordinator) {
   coordinator_ = &coordinator;
@@ -30,6 +30,13 @@ void PrintSession::start(AppCoordinator& coordinator) {
 void PrintSession::show(const StatusPresentation& presentation) {
   presentation_ = presentation;
   if (options_.follow) {
+    isOwed_ = true;
+    deliver();
+  }
+}
+
+void PrintSession::resized() {
+  if (!hasEnded_ && output_.resized()) {
     isOwed_ = true;
     deliver();
   }
@@ -82,8 +89,8 @@ void PrintSession::print() {
     return;
   }
   const SettingsModel& model = coordinator_->model();
-  written(output_.print({model.configuration(), coordinator_->snapshot(), *presentation_,
-                         model.notice(), clock_.now()}));
+  written(output_.print(
+      {model.configuration(), coordinator_->snapshot(), *presentation_, model.notice()}));
 }
 
 void PrintSession::written(int error) {

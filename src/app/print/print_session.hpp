@@ -10,8 +10,7 @@
 #include "app/app_coordinator.hpp"
 #include "app/print/print_options.hpp"
 #include "app/print/print_output.hpp"
-#include "app/status_item.hpp"
-#include "runtime/clock.hpp"
+#include "ports/status_item.hpp"
 #include "runtime/task_queue.hpp"
 
 namespace vantora {
@@ -22,10 +21,13 @@ class PrintSession final : public StatusItem {
   /// `onEnd` is called once with 0, or with why the output cannot be written (errno).
   /// A reader that went away is an ordinary end.
   PrintSession(const PrintOptions& options, PrintOutput& output, TaskQueue& queue,
-               const Clock& clock, std::function<void(int error)> onEnd);
+               std::function<void(int error)> onEnd);
 
   /// Launches the coordinator, which was made with this session as its status item.
   void start(AppCoordinator& coordinator);
+
+  /// The terminal has another size.
+  void resized();
 
   /// A signal asked for the end.
   void stop() { end(0); }
@@ -44,7 +46,6 @@ class PrintSession final : public StatusItem {
   PrintOptions options_;
   PrintOutput& output_;
   TaskQueue& queue_;
-  const Clock& clock_;
   std::function<void(int)> onEnd_;
   AppCoordinator* coordinator_ = nullptr;
   std::optional<StatusPresentation> presentation_;

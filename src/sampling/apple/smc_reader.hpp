@@ -10,7 +10,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "sampling/smc_connection.hpp"
+#include "sampling/apple/smc_connection.hpp"
 
 namespace vantora {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "sampling/smc_reader.hpp"
+#include "sampling/apple/smc_reader.hpp"
 
 #include <cmath>
 #include <cstring>
@@ -15,7 +15,7 @@ constexpr std::size_t dataTypeOffset = 32;
 constexpr std::size_t resultOffset = 40;
 constexpr std::size_t commandOffset = 42;
 constexpr std::size_t bytesOffset = 48;
-constexpr std::uint32_t mostBytes = smcRecordSize - bytesOffset;
+constexpr std::uint32_t maxBytes = smcRecordSize - bytesOffset;
 
 constexpr std::uint8_t readBytesCommand = 5;
 constexpr std::uint8_t readKeyInfoCommand = 9;
@@ -98,7 +98,7 @@ std::optional<SMCReader::KeyInfo> SMCReader::describe(std::uint32_t code) {
   if (const auto record = call(code, readKeyInfoCommand, 0)) {
     const KeyInfo info{fetch<std::uint32_t>(*record, dataSizeOffset),
                        fetch<std::uint32_t>(*record, dataTypeOffset)};
-    if (info.size >= 1 && info.size <= mostBytes) {
+    if (info.size >= 1 && info.size <= maxBytes) {
       metadata_.emplace(code, info);
       return info;
     }

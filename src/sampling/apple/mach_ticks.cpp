@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "sampling/mach_ticks.hpp"
+#include "sampling/apple/mach_ticks.hpp"
 
 namespace vantora::MachTicks {
 

@@ -8,8 +8,8 @@
 #include <optional>
 
 #include "runtime/clock.hpp"
+#include "sampling/apple/smc_reader.hpp"
 #include "sampling/sensor_source.hpp"
-#include "sampling/smc_reader.hpp"
 
 namespace vantora {
 

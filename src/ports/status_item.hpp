@@ -30,7 +30,7 @@ class StatusItem {
  public:
   virtual ~StatusItem() = default;
 
-  /// Height of the bar that the item stands in, in points.
+  /// Height of the bar that shows the item, in points.
   [[nodiscard]] virtual double thickness() const = 0;
 
   /// Replaces what the item shows: picture (the item becomes `presentation.width` + 6

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <functional>
 
-#include "settings/menu_content.hpp"
+#include "ports/menu_content.hpp"
 
 namespace vantora {
 

@@ -3,7 +3,7 @@
 // A tool tip at the pointer, for a status item whose panel shows none.
 #pragma once
 
-#include "settings/menu_content.hpp"
+#include "ports/menu_content.hpp"
 
 namespace vantora {
 

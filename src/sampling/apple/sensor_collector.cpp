@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "sampling/sensor_collector.hpp"
+#include "sampling/apple/sensor_collector.hpp"
 
 #include <algorithm>
 #include <string>
