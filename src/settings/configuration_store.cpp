@@ -22,26 +22,42 @@ ConfigurationStore::Imported refused(const std::string& description) {
 
 }  // namespace
 
-ConfigurationStore::ConfigurationStore(const std::filesystem::path& applicationSupport)
+ConfigurationStore::ConfigurationStore(const std::filesystem::path& applicationSupport,
+                                       std::function<AppConfiguration()> initial)
     : folder_(applicationSupport / "Vantora"),
       file_(folder_ / "configuration.json"),
-      backup_(folder_ / "configuration.backup.json") {}
+      backup_(folder_ / "configuration.backup.json"),
+      initial_(std::move(initial)) {}
 
 ConfigurationStore::Loaded ConfigurationStore::load() const {
   const Result<std::string> document = FileIO::readFile(file_, loadLimit);
   if (document) {
     if (const auto decoded = ConfigurationCodec::decode(*document)) {
       if (auto valid = decoded->validated()) {
-        return {*std::move(valid), std::nullopt};
+        return {*std::move(valid), std::nullopt, std::nullopt};
       }
     }
   } else if (document.fault().kind == Fault::Kind::absent) {
-    return {AppConfiguration{}, std::nullopt};
+    return {initial_(), std::nullopt, std::nullopt};
   }
-  return {AppConfiguration{}, "Configuração inválida preservada em disco; padrão carregado."};
+  return {AppConfiguration{}, "Configuração inválida preservada em disco; padrão carregado.",
+          nameForUnreadable()};
 }
 
-std::optional<std::string> ConfigurationStore::save(const AppConfiguration& configuration) const {
+// The backup holds the document until the second save only.
+std::filesystem::path ConfigurationStore::nameForUnreadable() const {
+  std::filesystem::path name = folder_ / "configuration.unreadable.json";
+  std::error_code error;
+  for (int number = 2; std::filesystem::exists(std::filesystem::symlink_status(name, error));
+       ++number) {
+    name = folder_ / ("configuration.unreadable-" + std::to_string(number) + ".json");
+  }
+  return name;
+}
+
+std::optional<std::string> ConfigurationStore::save(
+    const AppConfiguration& configuration,
+    const std::optional<std::filesystem::path>& keepAs) const {
   if (!configuration.validated()) {
     return "Configuração fora dos limites; alterações ainda não foram salvas.";
   }
@@ -55,6 +71,7 @@ std::optional<std::string> ConfigurationStore::save(const AppConfiguration& conf
   }
   FileIO::WriteOptions options;
   options.backup = backup_;
+  options.keepAs = keepAs;
   if (const auto fault = FileIO::replaceFile(file_, *document, options)) {
     return failure + fault->detail;
   }

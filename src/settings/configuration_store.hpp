@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -19,12 +20,15 @@ class ConfigurationStore {
   /// A larger document is refused at import, unread.
   static constexpr std::size_t importLimit = 128'000;
   /// A larger document is refused at launch: no configuration comes near it, and a
-  /// program that starts must not fill the memory with what someone put there.
+  /// damaged file must not fill the memory at the start.
   static constexpr std::size_t loadLimit = 4'000'000;
 
   /// `applicationSupport` is the user's folder for configurations; the store keeps to
-  /// the folder "Vantora" in it, which the first save makes.
-  explicit ConfigurationStore(const std::filesystem::path& applicationSupport);
+  /// the folder "Vantora" in it, which the first save makes. `initial` makes what load()
+  /// answers where there is no document yet.
+  explicit ConfigurationStore(
+      const std::filesystem::path& applicationSupport,
+      std::function<AppConfiguration()> initial = [] { return AppConfiguration(); });
 
   [[nodiscard]] const std::filesystem::path& fileURL() const { return file_; }
   [[nodiscard]] const std::filesystem::path& backupURL() const { return backup_; }
@@ -32,14 +36,19 @@ class ConfigurationStore {
   struct Loaded {
     AppConfiguration configuration;
     std::optional<std::string> notice;
+    /// With the notice: a free name beside the document, for the first save to keep it by.
+    std::optional<std::filesystem::path> keepAs;
   };
-  /// The stored configuration; the default one where there is none, and with a notice
-  /// where it cannot be used. Changes nothing on the disk.
+  /// The stored configuration; the initial one where there is none, and the default one with
+  /// a notice where it cannot be used. Changes nothing on the disk.
   [[nodiscard]] Loaded load() const;
 
-  /// Writes a valid configuration, the previous file going to the backup. Answers what
-  /// the user is to read, nothing when it was saved.
-  [[nodiscard]] std::optional<std::string> save(const AppConfiguration& configuration) const;
+  /// Writes a valid configuration, the previous file going to the backup and, where
+  /// load() asked for it, to a name of its own. Returns what the user is to read, nothing
+  /// when it was saved.
+  [[nodiscard]] std::optional<std::string> save(
+      const AppConfiguration& configuration,
+      const std::optional<std::filesystem::path>& keepAs = std::nullopt) const;
 
   /// Writes the configuration as it is, valid or not, to `target`. Answers the notice.
   [[nodiscard]] static std::string exportJSON(const AppConfiguration& configuration,
@@ -52,9 +61,12 @@ class ConfigurationStore {
   [[nodiscard]] static Imported importJSON(const std::filesystem::path& source);
 
  private:
+  [[nodiscard]] std::filesystem::path nameForUnreadable() const;
+
   std::filesystem::path folder_;
   std::filesystem::path file_;
   std::filesystem::path backup_;
+  std::function<AppConfiguration()> initial_;
 };
 
 }  // namespace vantora

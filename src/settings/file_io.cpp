@@ -11,6 +11,8 @@
 #include <utility>
 
 #include "model/uuid.hpp"
+#include "runtime/private_folder.hpp"
+#include "runtime/unique_fd.hpp"
 #include "settings/error_text.hpp"
 
 namespace vantora::FileIO {
@@ -19,7 +21,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // As many links in a row as Linux follows (path_resolution(7)).
-constexpr int mostLinks = 40;
+constexpr int maxLinks = 40;
 
 Fault systemFault(int errorNumber) {
   std::string text = systemErrorText(errorNumber);
@@ -27,23 +29,10 @@ Fault systemFault(int errorNumber) {
                                                          : Fault::failed(std::move(text));
 }
 
-class Descriptor {
- public:
-  explicit Descriptor(int fd) : fd_(fd) {}
-  ~Descriptor() { (void)close(); }
-  Descriptor(Descriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  Descriptor& operator=(Descriptor&&) = delete;
-
-  [[nodiscard]] bool isOpen() const { return fd_ >= 0; }
-  [[nodiscard]] int get() const { return fd_; }
-  /// False with errno when the system reports a late write error.
-  [[nodiscard]] bool close() { return fd_ < 0 || ::close(std::exchange(fd_, -1)) == 0; }
-
- private:
-  int fd_;
-};
+// False with errno when the system reports a late write error.
+bool closeChecked(UniqueFd& file) {
+  return !file || ::close(file.release()) == 0;
+}
 
 // The most of `buffer` that one uninterrupted read gives; -1 with errno.
 ssize_t readSome(int fd, char* buffer, std::size_t size) {
@@ -69,15 +58,15 @@ bool writeAll(int fd, std::string_view bytes) {
 
 void flushFolder(const fs::path& folder) {
   // Some file systems cannot flush a folder; the rename is then as durable as they make it.
-  const Descriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (opened.isOpen()) {
+  const UniqueFd opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (opened) {
     (void)::fsync(opened.get());
   }
 }
 
-// Where the links lead to, whether something stands there or not.
+// Where the links lead, whether there is a file or not.
 Result<fs::path> followLinks(fs::path path) {
-  for (int hop = 0; hop < mostLinks; ++hop) {
+  for (int hop = 0; hop < maxLinks; ++hop) {
     std::error_code error;
     fs::path target = fs::read_symlink(path, error);
     if (error) {
@@ -89,7 +78,7 @@ Result<fs::path> followLinks(fs::path path) {
 }
 
 // Temporary files are named after the process that writes them, so that those of a
-// process that died half way can be told from those of one that is still at work.
+// process that died half way can be distinguished from those of a running one.
 std::string temporaryPrefix(const fs::path& file) {
   // Cut, so that the longest name that a file may have still leaves room for the rest.
   return "." + file.filename().string().substr(0, 128) + ".";
@@ -121,8 +110,8 @@ void removeAbandoned(const fs::path& file) {
 }
 
 bool copyInto(const fs::path& source, int target) {
-  const Descriptor from(::open(source.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-  if (!from.isOpen()) {
+  const UniqueFd from(::open(source.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  if (!from) {
     return false;
   }
   char buffer[65536];
@@ -135,38 +124,55 @@ bool copyInto(const fs::path& source, int target) {
   return count == 0 && ::fsync(target) == 0;
 }
 
-// A second name for the same content where the file system can give one, which takes no
-// time and no space whatever the size; a copy elsewhere.
-void keepBackup(const fs::path& file, const fs::path& backup) {
+// A copy of the file in a new one, on the disk. False with errno when it could not be made;
+// what there is of it is gone then.
+bool copyTo(const fs::path& file, const fs::path& copy) {
+  UniqueFd target(::open(copy.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
+  if (!target) {
+    return false;
+  }
+  if (copyInto(file, target.get()) && closeChecked(target)) {
+    return true;
+  }
+  const int error = errno;
+  (void)::unlink(copy.c_str());
+  errno = error;
+  return false;
+}
+
+// The file's content under a temporary name beside the backup. A second name for the file
+// takes no time and no space whatever its size; a file that has a name of the user's
+// beside ours, or that others may read, is copied instead: such a name would lead into the
+// backup, and would lose its permissions with it.
+std::optional<fs::path> prepareBackup(const fs::path& file, const fs::path& backup) {
   struct stat status {};
   if (::stat(file.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
-    return;
+    return std::nullopt;
   }
   removeAbandoned(backup);
-  const fs::path temporary = temporaryPath(backup);
-  bool isWhole = ::link(file.c_str(), temporary.c_str()) == 0;
-  if (isWhole) {
-    (void)::chmod(temporary.c_str(), S_IRUSR | S_IWUSR);
-  } else {
-    Descriptor copy(
-        ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
-    isWhole = copy.isOpen() && copyInto(file, copy.get()) && copy.close();
+  fs::path temporary = temporaryPath(backup);
+  const bool isOurs = status.st_nlink == 1 && (status.st_mode & 07777) == (S_IRUSR | S_IWUSR);
+  if ((isOurs && ::link(file.c_str(), temporary.c_str()) == 0) || copyTo(file, temporary)) {
+    return temporary;
   }
-  if (!isWhole || ::rename(temporary.c_str(), backup.c_str()) != 0) {
-    (void)::unlink(temporary.c_str());
-    return;
+  return std::nullopt;
+}
+
+// Gives the file, if there is one, a further name, or a copy under that name where it can
+// have one only. 0, or the error number.
+int keepUnder(const fs::path& file, const fs::path& name) {
+  if (::link(file.c_str(), name.c_str()) == 0 || errno == EEXIST || errno == ENOENT) {
+    return 0;
   }
-  // rename(2) does nothing when both are names of one file already, and leaves both.
-  (void)::unlink(temporary.c_str());
-  flushFolder(backup.parent_path());
+  return copyTo(file, name) ? 0 : errno;
 }
 
 // Fills the temporary file and brings it to the disk. 0, or the error number.
 int fillTemporary(const fs::path& temporary, std::string_view content, const fs::path& replaced,
                   Permissions permissions) {
   const mode_t mode = permissions == Permissions::userOnly ? 0600 : 0666;
-  Descriptor file(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
-  if (!file.isOpen()) {
+  UniqueFd file(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
+  if (!file) {
     return errno;
   }
   struct stat status {};
@@ -174,7 +180,7 @@ int fillTemporary(const fs::path& temporary, std::string_view content, const fs:
       S_ISREG(status.st_mode)) {
     (void)::fchmod(file.get(), status.st_mode & 07777);
   }
-  if (!writeAll(file.get(), content) || ::fsync(file.get()) != 0 || !file.close()) {
+  if (!writeAll(file.get(), content) || ::fsync(file.get()) != 0 || !closeChecked(file)) {
     return errno;
   }
   return 0;
@@ -206,8 +212,8 @@ Result<std::string> readFile(const fs::path& path, std::size_t limit) {
   if (**size > limit) {
     return Fault::failed(systemErrorText(EFBIG));
   }
-  const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-  if (!file.isOpen()) {
+  const UniqueFd file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  if (!file) {
     return systemFault(errno);
   }
   struct stat status {};
@@ -231,19 +237,8 @@ Result<std::string> readFile(const fs::path& path, std::size_t limit) {
 }
 
 std::optional<Fault> makeFolder(const fs::path& folder) {
-  struct stat status {};
-  if (::stat(folder.c_str(), &status) == 0) {
-    return S_ISDIR(status.st_mode) ? std::nullopt : std::optional(systemFault(ENOTDIR));
-  }
-  if (const fs::path parent = folder.parent_path(); !parent.empty() && parent != folder) {
-    if (auto fault = makeFolder(parent)) {
-      return fault;
-    }
-  }
-  if (::mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST) {
-    return systemFault(errno);
-  }
-  return std::nullopt;
+  const int error = makePrivateFolder(folder.string());
+  return error != 0 ? std::optional(systemFault(error)) : std::nullopt;
 }
 
 std::optional<Fault> replaceFile(const fs::path& path, std::string_view content,
@@ -262,16 +257,27 @@ std::optional<Fault> replaceFile(const fs::path& path, std::string_view content,
   }
   const fs::path temporary = temporaryPath(target);
   int error = fillTemporary(temporary, content, target, options.permissions);
+  if (error == 0 && options.keepAs) {
+    error = keepUnder(target, *options.keepAs);
+  }
+  std::optional<fs::path> previous;
   if (error == 0) {
-    // Only now: the backup is what was there before a writing that succeeds.
-    if (options.backup) {
-      keepBackup(target, *options.backup);
-    }
+    previous = options.backup ? prepareBackup(target, *options.backup) : std::nullopt;
     if (::rename(temporary.c_str(), target.c_str()) == 0) {
+      // Only now: the backup is what was there before a writing that succeeded.
+      if (previous && ::rename(previous->c_str(), options.backup->c_str()) != 0) {
+        (void)::unlink(previous->c_str());
+      }
       flushFolder(target.parent_path());
+      if (previous && options.backup->parent_path() != target.parent_path()) {
+        flushFolder(options.backup->parent_path());
+      }
       return std::nullopt;
     }
     error = errno;
+  }
+  if (previous) {
+    (void)::unlink(previous->c_str());
   }
   (void)::unlink(temporary.c_str());
   return systemFault(error);

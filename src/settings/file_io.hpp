@@ -17,7 +17,7 @@
 namespace vantora::FileIO {
 
 /// The size in bytes, symbolic links followed; nothing inside the result when what
-/// stands there has no size of its own (a directory, a device, a FIFO, a socket). A
+/// is there has no size of its own (a directory, a device, a FIFO, a socket). A
 /// path that leads nowhere is an absent fault.
 [[nodiscard]] Result<std::optional<std::uint64_t>> fileSize(const std::filesystem::path& path);
 
@@ -36,12 +36,16 @@ enum class Permissions {
 
 struct WriteOptions {
   Permissions permissions = Permissions::userOnly;
-  /// Where the replaced file stays as it was, byte for byte and whole at every moment.
-  /// A backup that cannot be made does not stop the writing.
+  /// Where the replaced file stays, byte for byte, for the user alone and whole at every
+  /// moment. It takes this place only once the new file has taken its own. A backup that
+  /// cannot be made does not stop the writing.
   std::optional<std::filesystem::path> backup;
+  /// A new name under which the replaced file is kept as well. Nothing is written if that
+  /// fails; a file that has the name already is taken for the kept one.
+  std::optional<std::filesystem::path> keepAs;
 };
 
-/// Replaces the file, or makes it, so that whoever looks, even after the process or the
+/// Replaces the file, or makes it, so that a reader, even after the process or the
 /// machine stopped half way, finds the old content or the new one, whole: a temporary
 /// file beside it, flushed to the disk, renamed over it, the folder flushed. A symbolic
 /// link stays and its target is replaced; a directory, a device or a FIFO is refused.

@@ -16,8 +16,8 @@ enum class LoginItemStatus : std::uint8_t {
   notFound,          ///< The system knows no such program.
 };
 
-/// The program's entry among those that start with the session. Main thread; every call
-/// answers at once.
+/// The program's entry among those that start with the session. A call may wait for a disk or
+/// for the system: the settings model makes it on its worker's thread, one at a time.
 class LoginItem {
  public:
   virtual ~LoginItem() = default;

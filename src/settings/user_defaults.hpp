@@ -13,8 +13,8 @@ namespace vantora {
 /// the configuration, so that exported layouts do not carry it.
 inline constexpr std::string_view codexExecutablePathKey = "Vantora.CodexExecutablePath";
 
-/// Small preferences of this user on this machine. Main thread; every call answers at
-/// once.
+/// Small preferences of this user on this machine. text() may be called on any thread, also
+/// while another stores.
 class UserDefaults {
  public:
   virtual ~UserDefaults() = default;
@@ -23,7 +23,8 @@ class UserDefaults {
   [[nodiscard]] virtual std::optional<std::string> text(std::string_view key) = 0;
 
   /// Stores the text; other keys stay. Nothing on success, otherwise a fault with the
-  /// system's description, and what was stored before stays.
+  /// system's description, and what was stored before stays. May wait for a disk; one call at
+  /// a time.
   [[nodiscard]] virtual std::optional<Fault> setText(std::string_view key,
                                                      std::string_view value) = 0;
 };

@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "settings/agent/let_go.hpp"
-
 namespace vantora {
 
 using namespace MenuProtocol;
@@ -18,10 +16,14 @@ constexpr const char* hangingText = "O menu não respondeu e foi fechado.";
 
 }  // namespace
 
-MenuProcess::MenuProcess(Parts parts) : parts_(std::move(parts)) {}
+MenuProcess::MenuProcess(Parts parts)
+    : parts_(std::move(parts)),
+      conversation_(parts_.queue, parts_.launcher, agentReadLimit,
+                    {[this](std::string_view line) { return received(line); },
+                     [this] { fail(brokenText); }, [this](ChildExit exit) { ended(exit); }}) {}
 
 std::map<std::string, std::string> MenuProcess::onX11(const std::string& busAddress) {
-  // No transport goes by that name, and nobody looks for another address.
+  // There is no such transport, and the toolkit does not look for another address.
   const std::string none = "disabled:";
   return {{"QT_QPA_PLATFORM", "xcb"},
           {"DBUS_SESSION_BUS_ADDRESS", busAddress.empty() ? none : busAddress}};
@@ -33,19 +35,14 @@ void MenuProcess::open(const MenuContent& content, OnChosen onChosen) {
   options.executable = parts_.executable;
   options.arguments = {argument};
   options.environmentChanges = parts_.environmentChanges;
-  ChildProcessEvents events;
-  events.onOutput = [this](std::string_view bytes) { received(bytes); };
-  events.onExit = [this](ChildExit exit) { ended(exit); };
-  auto started = parts_.launcher.start(options, std::move(events));
-  if (!started) {
-    fail(unopenedText + (" " + parts_.executable + ": " + started.fault().detail));
+  if (const auto fault = conversation_.start(options)) {
+    fail(unopenedText + (" " + parts_.executable + ": " + fault->detail));
     return;
   }
-  child_ = std::move(started).value();
   entries_ = content.entries;
   onChosen_ = std::move(onChosen);
   openTimer_ = parts_.queue.runAfter(openLimit, Seconds{1}, [this] { fail(hangingText); });
-  if (!child_->write(menuLine(content))) {
+  if (!conversation_.write(menuLine(content))) {
     fail(unopenedText);
   }
 }
@@ -54,27 +51,13 @@ void MenuProcess::close() {
   forget();
 }
 
-void MenuProcess::received(std::string_view bytes) {
-  if (!framer_.append(bytes)) {
-    fail(brokenText);
-    return;
+// False for a line that is no answer, or out of turn.
+bool MenuProcess::received(std::string_view line) {
+  const auto answer = readAnswerLine(line);
+  if (!answer) {
+    return false;
   }
-  while (child_ != nullptr) {
-    const auto line = framer_.takeLine();
-    if (!line) {
-      return;
-    }
-    const auto answer = readAnswerLine(*line);
-    if (!answer || !handle(*answer)) {
-      fail(brokenText);
-      return;
-    }
-  }
-}
-
-// False for an answer that is out of turn.
-bool MenuProcess::handle(const MenuAnswer& answer) {
-  if (const auto* choice = std::get_if<Chosen>(&answer)) {
+  if (const auto* choice = std::get_if<Chosen>(&*answer)) {
     return isShown_ && chosen(choice->id);
   }
   if (isShown_) {
@@ -115,9 +98,8 @@ void MenuProcess::fail(const std::string& message) {
 }
 
 void MenuProcess::forget() {
-  letGo(child_, parts_.queue);
+  conversation_.end();
   openTimer_.reset();
-  framer_.clear();
   entries_.clear();
   onChosen_ = nullptr;
   isShown_ = false;

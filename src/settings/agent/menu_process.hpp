@@ -6,21 +6,20 @@
 
 #include <functional>
 #include <map>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "app/popup_menu.hpp"
-#include "runtime/child_process.hpp"
-#include "runtime/line_framer.hpp"
+#include "ports/popup_menu.hpp"
+#include "process/child_process.hpp"
 #include "runtime/task_queue.hpp"
-#include "settings/menu_protocol.hpp"
+#include "settings/agent/child_conversation.hpp"
+#include "settings/conversation/menu_protocol.hpp"
 
 namespace vantora {
 
-/// A program that does not come up, dies, or says what the conversation does not know is
-/// ended and told of; it costs the agent nothing else.
+/// A program that does not start, dies or breaks the protocol is ended and reported to
+/// onFailure. The agent goes on.
 class MenuProcess final : public PopupMenu {
  public:
   /// A menu that is not on the screen after so long hangs.
@@ -52,18 +51,16 @@ class MenuProcess final : public PopupMenu {
   std::function<void(const std::string& message)> onFailure;
 
  private:
-  void received(std::string_view bytes);
+  [[nodiscard]] bool received(std::string_view line);
   void ended(ChildExit exit);
   void fail(const std::string& message);
   void forget();
-  [[nodiscard]] bool handle(const MenuProtocol::MenuAnswer& answer);
   [[nodiscard]] bool chosen(std::int32_t id);
 
   Parts parts_;
 
   // Of the open menu.
-  std::unique_ptr<ChildProcess> child_;
-  LineFramer framer_{MenuProtocol::agentReadLimit};
+  ChildConversation conversation_;
   std::vector<MenuEntry> entries_;
   OnChosen onChosen_;
   bool isShown_ = false;

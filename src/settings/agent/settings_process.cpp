@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "settings/agent/let_go.hpp"
+#include "settings/agent/metric_readings.hpp"
 
 namespace vantora {
 
@@ -14,22 +14,28 @@ namespace {
 
 // The most categories that the window is offered: far more than any account has, and few
 // enough for a line.
-constexpr std::size_t mostCandidates = 100;
+constexpr std::size_t maxCandidates = 100;
+
+// The window shows the picture at twice its size as well. A wider one than this it enlarges
+// itself, so that a line with both stays far below what the window reads.
+constexpr double enlargement = 2;
+constexpr double maxEnlargedPixels = 1e6;
 
 constexpr const char* brokenText = "A janela de configurações falhou e foi fechada.";
 constexpr const char* hangingText = "A janela de configurações parou de responder e foi fechada.";
 constexpr const char* unopenedText = "A janela de configurações não pôde ser aberta.";
 
 QuotaSummary summaryOf(const CodexQuotaState& state, std::string executable) {
-  const auto count = static_cast<std::ptrdiff_t>(std::min(mostCandidates, state.candidates.size()));
+  const auto count = static_cast<std::ptrdiff_t>(std::min(maxCandidates, state.candidates.size()));
   return {state.message,
           state.lastSuccess,
           std::move(executable),
-          {state.candidates.begin(), state.candidates.begin() + count}};
+          {state.candidates.begin(), state.candidates.begin() + count},
+          state.status == CodexQuotaStatus::needsAuthentication};
 }
 
 QuotaSummary summaryOf(const ClaudeQuotaState& state, std::string executable) {
-  return {state.message, state.lastSuccess, std::move(executable), {}};
+  return {state.message, state.lastSuccess, std::move(executable), {}, false};
 }
 
 void call(const std::function<void()>& callback) {
@@ -40,7 +46,11 @@ void call(const std::function<void()>& callback) {
 
 }  // namespace
 
-SettingsProcess::SettingsProcess(Parts parts) : parts_(std::move(parts)) {
+SettingsProcess::SettingsProcess(Parts parts)
+    : parts_(std::move(parts)),
+      conversation_(parts_.queue, parts_.launcher, agentReadLimit,
+                    {[this](std::string_view line) { return received(line); },
+                     [this] { fail(brokenText); }, [this](ChildExit exit) { ended(exit); }}) {
   parts_.model.onFieldChange = [this, alive = std::weak_ptr(alive_)](SettingsModel::Field) {
     if (!alive.expired()) {
       touch();
@@ -49,9 +59,9 @@ SettingsProcess::SettingsProcess(Parts parts) : parts_(std::move(parts)) {
 }
 
 void SettingsProcess::show(std::string_view activationToken) {
-  if (child_ == nullptr) {
+  if (!conversation_.isOpen()) {
     start(activationToken);
-  } else if (scale_ && !child_->write(raiseLine(activationToken))) {
+  } else if (scale_ && !conversation_.write(raiseLine(activationToken))) {
     fail(brokenText);
   }
   touch();
@@ -73,37 +83,21 @@ void SettingsProcess::start(std::string_view activationToken) {
   // For Wayland and for X11 (xdg-activation, startup notification).
   options.environmentChanges = {{"XDG_ACTIVATION_TOKEN", std::string(activationToken)},
                                 {"DESKTOP_STARTUP_ID", std::string(activationToken)}};
-  ChildProcessEvents events;
-  events.onOutput = [this](std::string_view bytes) { received(bytes); };
-  events.onExit = [this](ChildExit exit) { ended(exit); };
-  auto started = parts_.launcher.start(options, std::move(events));
-  if (!started) {
-    fail(unopenedText + (started.fault().detail.empty() ? "" : " " + started.fault().detail));
+  if (const auto fault = conversation_.start(options)) {
+    fail(unopenedText + (fault->detail.empty() ? "" : " " + fault->detail));
     return;
   }
-  child_ = std::move(started).value();
   awaitAnswer();
 }
 
-void SettingsProcess::received(std::string_view bytes) {
-  if (!framer_.append(bytes)) {
-    fail(brokenText);
-    return;
+bool SettingsProcess::received(std::string_view line) {
+  auto message = readWindowLine(line);
+  if (!message || isFlood() || (!scale_ && !std::holds_alternative<Ready>(*message))) {
+    return false;
   }
-  // A message may end the window, or the window and this object's interest in it.
-  while (child_ != nullptr) {
-    const auto line = framer_.takeLine();
-    if (!line) {
-      return;
-    }
-    auto message = readWindowLine(*line);
-    if (!message || isFlood() || (!scale_ && !std::holds_alternative<Ready>(*message))) {
-      fail(brokenText);
-      return;
-    }
-    std::visit([this](auto&& part) { handle(std::forward<decltype(part)>(part)); },
-               *std::move(message));
-  }
+  std::visit([this](auto&& part) { handle(std::forward<decltype(part)>(part)); },
+             *std::move(message));
+  return true;
 }
 
 void SettingsProcess::ended(ChildExit exit) {
@@ -124,9 +118,8 @@ void SettingsProcess::fail(const std::string& message) {
 }
 
 void SettingsProcess::forget() {
-  letGo(child_, parts_.queue);
+  conversation_.end();
   answerTimer_.reset();
-  framer_.clear();
   scale_.reset();
   shown_ = {};
   wasShown_ = false;
@@ -164,7 +157,9 @@ void SettingsProcess::handle(NewConfiguration change) {
     shown_.pendingScrollID = change.pendingScrollID;
     parts_.model.setPendingScrollID(change.pendingScrollID);
   }
-  parts_.model.setConfiguration(std::move(change.configuration));
+  parts_.model.setConfiguration(
+      std::move(change.configuration),
+      change.isRemoval ? std::optional(UndoableEdit::removal) : std::nullopt);
   touch();
 }
 
@@ -184,7 +179,13 @@ void SettingsProcess::handle(Intent intent) {
       call(parts_.model.onClaudeRefresh);
       break;
     case Intent::restoreDefaults:
-      parts_.model.setConfiguration(AppConfiguration{});
+      parts_.model.restoreDefaults();
+      break;
+    case Intent::undo:
+      parts_.model.undo();
+      break;
+    case Intent::listLinks:
+      call(parts_.model.onLinksWanted);
       break;
     case Intent::scrolled:
       shown_.pendingScrollID.reset();
@@ -205,7 +206,6 @@ void SettingsProcess::handle(const PathRequest& request) {
       parts_.model.selectCodexExecutable(request.path);
       break;
   }
-  touch();  // The description of the executable may be another now.
 }
 
 bool SettingsProcess::isFlood() {
@@ -217,7 +217,7 @@ bool SettingsProcess::isFlood() {
   return ++messagesThisSecond_ > messagesPerSecond;
 }
 
-// Something may have changed: the window is told once what is under way now has ended.
+// Something may have changed. The new state is sent once the current task has ended.
 void SettingsProcess::touch() {
   if (scale_ && !isAwaitingAnswer_ && !isFlushPosted_) {
     isFlushPosted_ = true;
@@ -231,7 +231,7 @@ void SettingsProcess::touch() {
 }
 
 void SettingsProcess::flush() {
-  if (child_ == nullptr || !scale_ || isAwaitingAnswer_) {
+  if (!conversation_.isOpen() || !scale_ || isAwaitingAnswer_) {
     return;
   }
   WindowState now = currentState();
@@ -244,7 +244,7 @@ void SettingsProcess::flush() {
   change.revision = revision_;
   shown_ = std::move(now);
   wasShown_ = true;
-  if (!child_->write(stateLine(shown_, change))) {
+  if (!conversation_.write(stateLine(shown_, change))) {
     fail(brokenText);
     return;
   }
@@ -254,6 +254,29 @@ void SettingsProcess::flush() {
 void SettingsProcess::awaitAnswer() {
   isAwaitingAnswer_ = true;
   answerTimer_ = parts_.queue.runAfter(answerLimit, Seconds{1}, [this] { fail(hangingText); });
+}
+
+StatusPicture SettingsProcess::pictureOf(const StatusPresentation& presentation, double scale) {
+  StatusPicture picture;
+  AlphaBitmap bitmap = parts_.rasterise(presentation.image, scale);
+  picture.width = presentation.width;
+  picture.scale = scale;
+  picture.columns = bitmap.width;
+  picture.rows = bitmap.height;
+  picture.alpha = std::move(bitmap.pixels);
+  picture.warning = presentation.warning;
+  picture.spoken = presentation.accessibilityText;
+  for (const StatusModule& module : presentation.modules) {
+    picture.blocks.push_back({module.id, module.x, module.width});
+  }
+  const double enlarged = scale * enlargement;
+  const StatusImage& image = presentation.image;
+  if (scales.contains(enlarged) &&
+      image.width * image.height * enlarged * enlarged <= maxEnlargedPixels) {
+    bitmap = parts_.rasterise(image, enlarged);
+    picture.enlarged = {enlarged, bitmap.width, bitmap.height, std::move(bitmap.pixels)};
+  }
+  return picture;
 }
 
 WindowState SettingsProcess::currentState() {
@@ -268,14 +291,12 @@ WindowState SettingsProcess::currentState() {
   state.notice = model.notice();
   state.loginItemStatus = model.loginItemStatus();
   state.pendingScrollID = model.pendingScrollID();
+  state.undoable = model.undoable();
+  state.links = model.links();
+  state.backupPath = model.backupFile().string();
+  state.readings = metricReadings(model.configuration(), model.snapshot(), parts_.clock.now());
   if (isPictureOld_ && parts_.rasterise) {
-    AlphaBitmap bitmap = parts_.rasterise(presentation_.image, *scale_);
-    state.picture.columns = bitmap.width;
-    state.picture.rows = bitmap.height;
-    state.picture.alpha = std::move(bitmap.pixels);
-    state.picture.width = presentation_.width;
-    state.picture.scale = *scale_;
-    state.picture.warning = presentation_.warning;
+    state.picture = pictureOf(presentation_, *scale_);
     isPictureOld_ = false;
   } else {
     state.picture = shown_.picture;

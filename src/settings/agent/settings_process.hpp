@@ -12,18 +12,18 @@
 #include <string>
 #include <string_view>
 
-#include "app/settings_window.hpp"
-#include "runtime/child_process.hpp"
+#include "ports/settings_window.hpp"
+#include "process/child_process.hpp"
 #include "runtime/clock.hpp"
-#include "runtime/line_framer.hpp"
 #include "runtime/task_queue.hpp"
+#include "settings/agent/child_conversation.hpp"
+#include "settings/conversation/settings_protocol.hpp"
 #include "settings/settings_model.hpp"
-#include "settings/settings_protocol.hpp"
 #include "status/bitmap.hpp"
 
 namespace vantora {
 
-/// The window is told a change at a time and answers when it has shown it: what changes
+/// The window is sent one change at a time and answers when it has shown it: what changes
 /// meanwhile goes with the next one. A window that is too slow costs the agent nothing,
 /// and one that hangs is ended, as is one that breaks the protocol or floods the agent.
 class SettingsProcess final : public SettingsWindow {
@@ -54,7 +54,7 @@ class SettingsProcess final : public SettingsWindow {
   SettingsProcess& operator=(const SettingsProcess&) = delete;
 
   void show(std::string_view activationToken) override;
-  [[nodiscard]] bool isVisible() const override { return child_ != nullptr; }
+  [[nodiscard]] bool isVisible() const override { return conversation_.isOpen(); }
   void showStatus(const StatusPresentation& presentation) override;
   void close() override;
 
@@ -64,7 +64,7 @@ class SettingsProcess final : public SettingsWindow {
 
  private:
   void start(std::string_view activationToken);
-  void received(std::string_view bytes);
+  [[nodiscard]] bool received(std::string_view line);
   void ended(ChildExit exit);
   void fail(const std::string& message);
   void forget();
@@ -81,6 +81,7 @@ class SettingsProcess final : public SettingsWindow {
   void flush();
   void awaitAnswer();
   [[nodiscard]] WindowState currentState();
+  [[nodiscard]] StatusPicture pictureOf(const StatusPresentation& presentation, double scale);
 
   Parts parts_;
   std::shared_ptr<int> alive_ =
@@ -89,11 +90,10 @@ class SettingsProcess final : public SettingsWindow {
   bool isPictureOld_ = true;
 
   // Of the open window.
-  std::unique_ptr<ChildProcess> child_;
-  LineFramer framer_{SettingsProtocol::agentReadLimit};
+  ChildConversation conversation_;
   std::optional<double> scale_;  // nothing before the window is ready
-  WindowState shown_;            // what the window was told, and told itself
-  bool wasShown_ = false;        // whether it was told anything yet
+  WindowState shown_;            // what the window shows, by what both sent
+  bool wasShown_ = false;        // whether it was sent any state yet
   std::uint64_t revision_ = 0;   // the latest configuration that came from it
   std::uint64_t sequence_ = 0;   // of the latest change that went to it
   bool isAwaitingAnswer_ = false;

@@ -3,11 +3,12 @@
 
 #include <utility>
 
-#include "settings/agent/let_go.hpp"
-
 namespace vantora {
 
-ToolTipProcess::ToolTipProcess(MenuProcess::Parts parts) : parts_(std::move(parts)) {}
+ToolTipProcess::ToolTipProcess(MenuProcess::Parts parts)
+    : parts_(std::move(parts)),
+      conversation_(parts_.queue, parts_.launcher, 0,
+                    {nullptr, nullptr, [this](ChildExit exit) { ended(exit); }}) {}
 
 void ToolTipProcess::show(const ToolTipContent& content) {
   hide();
@@ -15,21 +16,13 @@ void ToolTipProcess::show(const ToolTipContent& content) {
   options.executable = parts_.executable;
   options.arguments = {MenuProtocol::toolTipArgument};
   options.environmentChanges = parts_.environmentChanges;
-  ChildProcessEvents events;
-  events.onExit = [this](ChildExit exit) { ended(exit); };
-  auto started = parts_.launcher.start(options, std::move(events));
-  if (!started) {
-    fail();
-    return;
-  }
-  child_ = std::move(started).value();
-  if (!child_->write(MenuProtocol::toolTipLine(content))) {
+  if (conversation_.start(options) || !conversation_.write(MenuProtocol::toolTipLine(content))) {
     fail();
   }
 }
 
 void ToolTipProcess::hide() {
-  letGo(child_, parts_.queue);
+  conversation_.end();
 }
 
 void ToolTipProcess::ended(ChildExit exit) {

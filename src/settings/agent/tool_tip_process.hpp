@@ -4,15 +4,15 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 #include <string>
 
-#include "app/tool_tip.hpp"
+#include "ports/tool_tip.hpp"
+#include "settings/agent/child_conversation.hpp"
 #include "settings/agent/menu_process.hpp"
 
 namespace vantora {
 
-/// The program is told the text and says nothing. A fault in it costs the agent nothing.
+/// The program is sent the text and answers nothing. A fault in it does not harm the agent.
 class ToolTipProcess final : public ToolTip {
  public:
   /// As for MenuProcess.
@@ -32,7 +32,7 @@ class ToolTipProcess final : public ToolTip {
   void fail();
 
   MenuProcess::Parts parts_;
-  std::unique_ptr<ChildProcess> child_;
+  ChildConversation conversation_;
   bool hasFailed_ = false;
 };
 

@@ -37,7 +37,8 @@ AppearanceTab::AppearanceTab(WindowModel& model)
       form_(configurationEdit()),
       width_(Controls::makeText()),
       warning_(Controls::makeText()),
-      preview_(new StatusPreview) {
+      preview_(new StatusPreview),
+      caption_(Controls::makeNote("")) {
   QVBoxLayout* column = Controls::makeScrollingColumn(this);
   QFormLayout* rows = Controls::makeForm();
   rows->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
@@ -54,15 +55,15 @@ AppearanceTab::AppearanceTab(WindowModel& model)
   warning_->setObjectName(QStringLiteral("warning"));
   column->addWidget(warning_);
   column->addWidget(preview_->inScrollArea());
-  column->addWidget(
-      Controls::makeNote("Prévia com leituras ativas; — significa indisponível ou aguardando "
-                         "amostra."));
+  caption_->setText(previewCaption(false));
+  column->addWidget(caption_);
   column->addStretch();
 }
 
 void AppearanceTab::refresh(WindowFields fieldsThatChanged) {
   if (fieldsThatChanged.contains(WindowField::configuration)) {
     form_.load(state().configuration);
+    caption_->setText(previewCaption(state().configuration.paused));
   }
   if (fieldsThatChanged.contains(WindowField::picture)) {
     const StatusPicture& picture = state().picture;

@@ -19,6 +19,7 @@ class AppearanceTab final : public SettingsTab {
   QLabel* width_;
   QLabel* warning_;
   StatusPreview* preview_;
+  QLabel* caption_;
 };
 
 }  // namespace vantora

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "settings/window/claude_tab.hpp"
 
+#include "model/words.hpp"
 #include "settings/window/quota_fields.hpp"
 
 namespace vantora {
@@ -20,12 +21,17 @@ ClaudeTab::ClaudeTab(WindowModel& model)
       form_(optionalEdit<&AppConfiguration::claudeSettings, S>()),
       message_(Controls::makeText()),
       lastSuccess_(Controls::makeText()),
-      executable_(Controls::makeText()) {
+      executable_(Controls::makeText()),
+      missing_(new MissingModule(MetricFamily::claude, "Adicionar Claude",
+                                 [this] { this->model().addClaudeModule(); })),
+      refresh_(
+          Controls::makeButton("&Atualizar agora", [this] { this->model().refreshClaude(); })) {
   QVBoxLayout* column = Controls::makeScrollingColumn(this);
   column->addWidget(form_.add(enabledField));
   column->addWidget(Controls::makeNote(
       "Requer também um módulo Claude ativo na lista. L1 mostra a cota semanal e L2 a janela de 5 "
       "horas, as mesmas do /usage do Claude Code."));
+  column->addWidget(missing_);
   Controls::addGroupGap(column);
   column->addWidget(message_);
   column->addWidget(lastSuccess_);
@@ -36,22 +42,20 @@ ClaudeTab::ClaudeTab(WindowModel& model)
   column->addWidget(form_.add(showUsedField));
   column->addWidget(form_.add(oneDecimalField));
   Controls::addGroupGap(column);
-  column->addWidget(Controls::makeButtonRow(
-      {Controls::makeButton("&Atualizar agora", [this] { this->model().refreshClaude(); })}));
+  column->addWidget(Controls::makeButtonRow({refresh_}));
   column->addWidget(executable_);
-  column->addWidget(Controls::makeNote(
-      "A cada consulta o Vantora abre o Claude Code oficial em modo SDK, pede só os dados de uso "
-      "(get_usage) e o encerra. Não envia mensagens, não executa tarefas de IA e não lê o "
-      "Keychain: login e renovação ficam com o próprio Claude Code."));
-  column->addWidget(Controls::makeNote(
-      "LOGIN indica que o Claude Code deste Mac não tem login de assinatura; rode claude no "
-      "Terminal e use /login. A consulta é experimental no Claude Code e pode mudar."));
+  column->addWidget(Controls::makeNote(Words::claudeQueryNote));
+  column->addWidget(Controls::makeNote(Words::claudeLoginNote));
   column->addStretch();
 }
 
 void ClaudeTab::refresh(WindowFields fields) {
   if (fields.contains(WindowField::configuration)) {
-    form_.load(state().configuration.claudeSettings.value_or(S{}));
+    const AppConfiguration& configuration = state().configuration;
+    const S settings = configuration.claudeSettings.value_or(S{});
+    form_.load(settings);
+    missing_->refresh(configuration);
+    setReason(refresh_, whyNotQueried(configuration, MetricFamily::claude, settings.enabled));
   }
   if (fields.contains(WindowField::claude)) {
     const QuotaSummary& claude = state().claude;

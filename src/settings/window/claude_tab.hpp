@@ -3,6 +3,7 @@
 
 #include <QLabel>
 
+#include "settings/window/quota_actions.hpp"
 #include "settings/window/settings_tab.hpp"
 
 namespace vantora {
@@ -18,6 +19,8 @@ class ClaudeTab final : public SettingsTab {
   QLabel* message_;
   QLabel* lastSuccess_;
   QLabel* executable_;
+  MissingModule* missing_;
+  QPushButton* refresh_;
 };
 
 }  // namespace vantora

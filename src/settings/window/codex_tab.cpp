@@ -24,12 +24,18 @@ CodexTab::CodexTab(WindowModel& model)
       message_(Controls::makeText()),
       lastSuccess_(Controls::makeText()),
       executable_(Controls::makeText()),
+      missing_(new MissingModule(MetricFamily::codex, "Adicionar Codex semanal",
+                                 [this] { this->model().addCodexModule(); })),
+      refresh_(Controls::makeButton("&Atualizar agora", [this] { this->model().refreshCodex(); })),
+      connect_(Controls::makeButton("&Conectar pelo navegador",
+                                    [this] { this->model().connectCodex(); })),
       category_(Controls::makePicker(spokenName(categoryLabel))) {
   QVBoxLayout* column = Controls::makeScrollingColumn(this);
   column->addWidget(form_.add(enabledField));
   column->addWidget(Controls::makeNote(
       "Requer também um módulo Codex ativo na lista. Usa somente a cota semanal informada pelo App "
       "Server oficial; não executa tarefas de IA."));
+  column->addWidget(missing_);
   Controls::addGroupGap(column);
   column->addWidget(message_);
   column->addWidget(lastSuccess_);
@@ -47,10 +53,7 @@ CodexTab::CodexTab(WindowModel& model)
   column->addWidget(form_.add(oneDecimalField));
   column->addWidget(form_.add(showResetDateField));
   Controls::addGroupGap(column);
-  column->addWidget(Controls::makeButtonRow(
-      {Controls::makeButton("&Atualizar agora", [this] { this->model().refreshCodex(); }),
-       Controls::makeButton("&Conectar pelo navegador",
-                            [this] { this->model().connectCodex(); })}));
+  column->addWidget(Controls::makeButtonRow({refresh_, connect_}));
   column->addWidget(Controls::makeNote(
       "Conectar usa o navegador oficial. A sessão existente é verificada antes; desativar não faz "
       "logout."));
@@ -83,7 +86,19 @@ void CodexTab::refresh(WindowFields fields) {
   }
   if (fields.intersects({WindowField::configuration, WindowField::codex})) {
     showCategories();
+    showActions();
   }
+}
+
+void CodexTab::showActions() {
+  const AppConfiguration& configuration = state().configuration;
+  missing_->refresh(configuration);
+  const std::string_view reason = whyNotQueried(configuration, MetricFamily::codex,
+                                                configuration.codexSettings.value_or(S{}).enabled);
+  setReason(refresh_, reason);
+  setReason(connect_, !reason.empty()            ? reason
+                      : state().codex.needsLogin ? std::string_view()
+                                                 : "O Codex não pede login agora.");
 }
 
 // The automatic choice, what the service offers, and the user's choice even when it is not

@@ -3,6 +3,7 @@
 
 #include <QLabel>
 
+#include "settings/window/quota_actions.hpp"
 #include "settings/window/settings_tab.hpp"
 
 namespace vantora {
@@ -15,11 +16,15 @@ class CodexTab final : public SettingsTab {
 
  private:
   void showCategories();
+  void showActions();
 
   Form<CodexQuotaSettings> form_;
   QLabel* message_;
   QLabel* lastSuccess_;
   QLabel* executable_;
+  MissingModule* missing_;
+  QPushButton* refresh_;
+  QPushButton* connect_;
   QComboBox* category_;
 };
 

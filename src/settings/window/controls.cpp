@@ -11,6 +11,7 @@
 #include <QWheelEvent>
 #include <cmath>
 
+#include "settings/toolkit/color_scheme.hpp"
 #include "settings/window/flow_layout.hpp"
 #include "settings/window/qt_text.hpp"
 
@@ -34,7 +35,7 @@ class WheelOnlyWithFocus : public Control {
   }
 };
 
-// Ends a text that is too long with an ellipsis, and tells the whole of it to who asks.
+// Cuts a text that is too long with an ellipsis; the tool tip has all of it.
 class Picker final : public WheelOnlyWithFocus<QComboBox> {
  protected:
   bool event(QEvent* event) override {
@@ -78,7 +79,7 @@ class NoteLabel final : public QLabel {
  private:
   void fade() {
     QColor ink = QGuiApplication::palette().color(QPalette::WindowText);
-    ink.setAlphaF(noteOpacity);
+    ink.setAlphaF(looksHighContrast() ? 1.0F : noteOpacity);
     if (palette().color(QPalette::WindowText) == ink) {
       return;  // Its own change.
     }
@@ -154,6 +155,13 @@ QPushButton* makeButton(std::string_view label, std::function<void()> pressed) {
   button->setAutoDefault(false);
   QObject::connect(button, &QPushButton::clicked, button, std::move(pressed));
   return button;
+}
+
+void setUsable(QWidget* control, bool isUsable, std::string_view reason) {
+  const QString why = isUsable ? QString() : qtText(reason);
+  control->setEnabled(isUsable);
+  control->setToolTip(why);
+  control->setAccessibleDescription(why);
 }
 
 QFormLayout* makeForm() {

@@ -32,6 +32,9 @@ void setSpokenName(QWidget* control, const QString& name);
 [[nodiscard]] QLabel* makeHeading(std::string_view text);
 [[nodiscard]] QPushButton* makeButton(std::string_view label, std::function<void()> pressed);
 
+/// Enables a control, or disables it and says why, as tool tip and to assistive tools.
+void setUsable(QWidget* control, bool isUsable, std::string_view reason);
+
 /// A form whose rows put the control below its label where both do not fit.
 [[nodiscard]] QFormLayout* makeForm();
 /// A row of a form, the label leading to the control.

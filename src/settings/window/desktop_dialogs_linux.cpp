@@ -9,7 +9,7 @@ namespace vantora {
 void useDesktopDialogs() {
   // Qt's theme over the desktop portal (org.freedesktop.portal.FileChooser). For everything
   // else it asks the theme that Qt would have taken; where its plug-in is not installed, or
-  // nobody answers for the portal, everything is as without it.
+  // no service answers for the portal, everything is as without it.
   constexpr const char* themeVariable = "QT_QPA_PLATFORMTHEME";
   if (!qEnvironmentVariableIsSet(themeVariable)) {
     qputenv(themeVariable, "xdgdesktopportal");

@@ -32,6 +32,14 @@ DragHandle::DragHandle() {
   QObject::connect(this, &QToolButton::clicked, this, [this] { openMenu(); });
 }
 
+void DragHandle::setPlace(bool isFirst, bool isLast) {
+  const QList<QAction*> entries = menu()->actions();
+  for (const Step wanted : {Step::up, Step::down, Step::first, Step::last}) {
+    const bool isUpwards = wanted == Step::up || wanted == Step::first;
+    entries[static_cast<int>(wanted)]->setEnabled(isUpwards ? !isFirst : !isLast);
+  }
+}
+
 void DragHandle::mousePressEvent(QMouseEvent* event) {
   if (event->button() == Qt::LeftButton) {
     pressed_ = event->position().toPoint();

@@ -15,10 +15,14 @@ class DragHandle final : public QToolButton {
 
   DragHandle();
 
+  /// Whether the row is the first one or the last one: the menu's entries that would move it
+  /// nowhere are disabled.
+  void setPlace(bool isFirst, bool isLast);
+
   std::function<void(Step)> onStep;
   /// While the mouse drags: where it is on the screen.
   std::function<void(QPoint globalPosition)> onDrag;
-  /// The end of a drag that onDrag told of; cancelled by Escape.
+  /// The end of a drag that onDrag reported; cancelled by Escape.
   std::function<void(bool isCancelled)> onDrop;
 
  protected:

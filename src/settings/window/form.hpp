@@ -7,7 +7,6 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QLineEdit>
 #include <QSignalBlocker>
 #include <QSpinBox>
 #include <cmath>
@@ -48,14 +47,6 @@ struct ChoiceField {
   std::vector<ChoiceOption> options;
   int (*get)(const Owner&);
   void (*set)(Owner&, int);
-};
-
-template <typename Owner>
-struct TextField {
-  std::string_view label;
-  int longest;  ///< Characters.
-  std::string (*get)(const Owner&);
-  void (*set)(Owner&, std::string);
 };
 
 /// The accessors of a member that is stored as it is shown.
@@ -122,25 +113,6 @@ class Form {
       picker->setCurrentIndex(picker->findData(field.get(owner)));
     });
     return picker;
-  }
-
-  [[nodiscard]] QLineEdit* add(const TextField<Owner>& field) {
-    auto* line = new QLineEdit;
-    line->setMaxLength(field.longest);
-    // Room for an ordinary name, even where the label leaves little.
-    line->setMinimumWidth(line->fontMetrics().averageCharWidth() * 18);
-    line->setAccessibleName(spokenName(field.label));
-    QObject::connect(line, &QLineEdit::textEdited, line, [this, field](const QString& text) {
-      edit_([&](Owner& owner) { field.set(owner, text.trimmed().toStdString()); });
-    });
-    loaders_.push_back([line, field](const Owner& owner) {
-      const QString shown = qtText(field.get(owner));
-      if (line->text().trimmed() != shown) {  // What is being typed stays, with its cursor.
-        const QSignalBlocker quiet(line);
-        line->setText(shown);
-      }
-    });
-    return line;
   }
 
   /// Brings the controls to the value.

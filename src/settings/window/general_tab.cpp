@@ -4,6 +4,8 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include "model/words.hpp"
+
 namespace vantora {
 namespace {
 
@@ -11,18 +13,17 @@ using C = AppConfiguration;
 
 constexpr SwitchField<C> pausedField = {"Pausar c&oleta", &Access<&C::paused>::get,
                                         &Access<&C::paused>::set};
-constexpr std::string_view loginLabel = "&Iniciar ao entrar na sessão do Mac";
 
 }  // namespace
 
 GeneralTab::GeneralTab(WindowModel& model)
     : SettingsTab(model),
       form_(configurationEdit()),
-      startAtLogin_(new QCheckBox(qtText(loginLabel))),
+      startAtLogin_(new QCheckBox(qtText(Words::startAtLoginLabel))),
       notice_(Controls::makeText()) {
   QVBoxLayout* column = Controls::makeScrollingColumn(this);
   column->addWidget(form_.add(pausedField));
-  startAtLogin_->setAccessibleName(spokenName(loginLabel));
+  startAtLogin_->setAccessibleName(spokenName(Words::startAtLoginLabel));
   column->addWidget(startAtLogin_);
   column->addWidget(
       Controls::makeNote("Leituras indisponíveis são mostradas como —. Nenhuma métrica usa valores "
@@ -66,8 +67,9 @@ void GeneralTab::askToRestore() {
       new QMessageBox(QMessageBox::Question, qtText("Restaurar padrão"),
                       qtText("Restaurar a configuração padrão?"), QMessageBox::NoButton, this);
   question->setInformativeText(
-      qtText("Módulos, aparência, coleta e integrações voltam aos valores iniciais. A configuração "
-             "atual fica na cópia de segurança até a próxima alteração."));
+      qtText("Módulos, aparência, coleta e integrações voltam aos valores iniciais. Até a próxima "
+             "alteração é possível desfazer, e a configuração atual fica na cópia de segurança:\n" +
+             state().backupPath));
   question->setAttribute(Qt::WA_DeleteOnClose);
   QPushButton* restore = question->addButton(qtText("Restaurar"), QMessageBox::DestructiveRole);
   QPushButton* cancel = question->addButton(qtText("Cancelar"), QMessageBox::RejectRole);

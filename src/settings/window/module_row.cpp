@@ -2,71 +2,43 @@
 #include "settings/window/module_row.hpp"
 
 #include <QGraphicsOpacityEffect>
-#include <QPushButton>
+#include <QMouseEvent>
 #include <QStyle>
 #include <algorithm>
 
 #include "model/metric.hpp"
+#include "settings/window/reading_text.hpp"
+#include "status/metric_formatter.hpp"
 
 namespace vantora {
 namespace {
 
 using M = ModuleConfiguration;
 
+constexpr int valueCharacters = 9;  // Room for the widest text of the bar, in bold.
+
 constexpr SwitchField<M> enabledField = {"Ati&vo", &Access<&M::enabled>::get,
                                          &Access<&M::enabled>::set};
-constexpr SwitchField<M> hideFansField = {
-    "&Ocultar na barra quando paradas ou sem leitura",
-    [](const M& module) { return module.hideInactiveFans.value_or(true); },
-    [](M& module, bool isHiding) { module.hideInactiveFans = isHiding; }};
 
-template <auto Member>
-constexpr NumberField<M> points(std::string_view label, Limits limits) {
-  return {label, limits, &Access<Member>::get, &Access<Member>::set};
-}
-constexpr auto widthField = points<&M::width>("&Largura", ConfigurationLimits::width);
-constexpr auto fontTopField = points<&M::fontTop>("&Fonte L1", ConfigurationLimits::font);
-constexpr auto fontBottomField = points<&M::fontBottom>("Fo&nte L2", ConfigurationLimits::font);
-
-template <auto Member>
-ChoiceField<M> metricField(std::string_view label) {
-  ChoiceField<M> field{label, {}, &Access<Member>::getChoice, &Access<Member>::setChoice};
+// The column of the names is as wide in every row.
+int nameWidth(const QFontMetrics& metrics) {
+  int width = 0;
   for (const MetricID metric : allMetrics) {
-    field.options.push_back({title(metric), static_cast<int>(metric)});
+    width = std::max(width, metrics.horizontalAdvance(ReadingText::shortName(metric)));
   }
-  return field;
+  return width;
 }
 
-const ChoiceField<M>& widthModeField() {
-  static const ChoiceField<M> field = {"Modo da largura",
-                                       {{"Fixa", static_cast<int>(WidthMode::fixed)},
-                                        {"Automática", static_cast<int>(WidthMode::automatic)}},
-                                       &Access<&M::widthMode>::getChoice,
-                                       &Access<&M::widthMode>::setChoice};
-  return field;
+LiveReading* makeCell() {
+  const QFontMetrics metrics{QFont()};
+  return new LiveReading(valueCharacters, nameWidth(metrics));
 }
 
-const ChoiceField<M>& alignmentField() {
-  static const ChoiceField<M> field = {"Alin&hamento",
-                                       {{"Esquerda", static_cast<int>(Alignment::left)},
-                                        {"Centro", static_cast<int>(Alignment::center)},
-                                        {"Direita", static_cast<int>(Alignment::right)}},
-                                       &Access<&M::alignment>::getChoice,
-                                       &Access<&M::alignment>::setChoice};
-  return field;
-}
-
-constexpr std::string_view ownGapLabel = "&Espaço próprio";
-
-QWidget* sideBySide(std::initializer_list<QWidget*> widgets) {
-  auto* row = new QWidget;
-  auto* layout = new QHBoxLayout(row);
-  layout->setContentsMargins(0, 0, 0, 0);
-  for (QWidget* widget : widgets) {
-    layout->addWidget(widget);
-  }
-  return row;
-}
+constexpr const char* hiddenMark = "oculto";
+constexpr const char* hiddenFans = "Oculto na barra agora: ventoinhas paradas ou sem leitura.";
+constexpr const char* hiddenLines = "Oculto na barra: as duas linhas estão vazias.";
+constexpr const char* shownText = "Visível na barra agora.";
+constexpr const char* inactiveText = "Inativo: não aparece na barra.";
 
 }  // namespace
 
@@ -75,77 +47,71 @@ ModuleRow::ModuleRow(WindowModel& model, const UUID& id)
       id_(id),
       form_([this](const std::function<void(M&)>& change) { edit(change); }),
       handle_(new DragHandle),
-      header_(new QHBoxLayout) {
+      line_(new QHBoxLayout),
+      cells_(new QBoxLayout(QBoxLayout::LeftToRight)),
+      top_(makeCell()),
+      bottom_(makeCell()),
+      hidden_(new LiveReading(7)),
+      open_(new QToolButton) {
   setFrameShape(QFrame::StyledPanel);
   auto* column = new QVBoxLayout(this);
+  const int margin = style()->pixelMetric(QStyle::PM_LayoutTopMargin, nullptr, this) / 2;
+  column->setContentsMargins(margin, margin, margin, margin);
   handle_->setAccessibleName(qtText("Mover"));
-  header_->addWidget(named(handle_));
-  header_->addWidget(named(form_.add(enabledField)));
-  header_->addStretch();
-  auto* duplicate = Controls::makeButton("&Duplicar", [this] { model_.duplicateModule(id_); });
-  auto* remove = Controls::makeButton("&Remover", [this] { model_.removeModule(UUID(id_)); });
+  line_->addWidget(named_.add(handle_));
+  line_->addWidget(named_.add(form_.add(enabledField)));
+  cells_->addWidget(top_, 1);
+  cells_->addWidget(bottom_, 1);
+  line_->addLayout(cells_, 1);
+  // Its place stays when it goes, so that nothing moves.
+  QSizePolicy keepsItsPlace(QSizePolicy::Fixed, QSizePolicy::Fixed);
+  keepsItsPlace.setRetainSizeWhenHidden(true);
+  hidden_->setSizePolicy(keepsItsPlace);
+  hidden_->hide();
+  line_->addWidget(hidden_);
+  open_->setAutoRaise(true);
+  open_->setArrowType(Qt::RightArrow);
+  open_->setAccessibleName(qtText("Editar"));
+  open_->setToolTip(qtText("Editar"));
+  open_->setFocusPolicy(Qt::StrongFocus);
+  line_->addWidget(named_.add(open_));
+  column->addLayout(line_);
+  QObject::connect(open_, &QToolButton::clicked, this, [this] { setOpen(!isOpen_); });
+}
 
-  QWidget* content = makeContentHalf();
-  QWidget* shape = makeShapeHalf();
-  // The lines of the two halves at the same heights, though a picker is higher than a stepper.
-  for (const auto& [control, own] : named_) {
-    if (control->parentWidget() == nullptr || control->parentWidget() == content ||
-        control->parentWidget() == shape) {
-      control->setMinimumHeight(firstPicker_->sizeHint().height());
-    }
+// The editor is made when it is first needed: most rows of a long list are never open.
+void ModuleRow::unfold() {
+  const QString action = qtText(isOpen_ ? "Recolher" : "Editar");
+  open_->setArrowType(isOpen_ ? Qt::DownArrow : Qt::RightArrow);
+  open_->setToolTip(action);
+  named_.rename(open_, action);
+  if (isOpen_ && editor_ == nullptr) {
+    editor_ = new ModuleEditor(model_, id_,
+                               [this](const std::function<void(M&)>& change) { edit(change); });
+    editor_->onQuotaTab = [this](MetricFamily wanted) {
+      if (onQuotaTab) {
+        onQuotaTab(wanted);
+      }
+    };
+    static_cast<QVBoxLayout*>(layout())->addWidget(editor_);
+    showReadings();
   }
-  halves_ = new QBoxLayout(QBoxLayout::LeftToRight);
-  halves_->setSpacing(2 * column->spacing());
-  halves_->addWidget(content, 1);
-  halves_->addWidget(shape);
-
-  column->addLayout(header_);
-  column->addLayout(halves_);
-  hideFans_ = named(form_.add(hideFansField));
-  column->addWidget(hideFans_);
-  header_->addWidget(named(duplicate));
-  header_->addWidget(named(remove));
+  nameAfterModule();
+  if (editor_ != nullptr) {
+    editor_->setVisible(isOpen_);
+  }
+  updateGeometry();
 }
 
-QWidget* ModuleRow::makeContentHalf() {
-  auto* half = new QWidget;
-  QFormLayout* rows = Controls::makeForm();
-  rows->setContentsMargins(0, 0, 0, 0);
-  const ChoiceField<M> top = metricField<&M::top>("Linha &1 (L1)");
-  const ChoiceField<M> bottom = metricField<&M::bottom>("Linha &2 (L2)");
-  firstPicker_ = named(form_.add(top));
-  Controls::addRow(rows, top.label, firstPicker_);
-  Controls::addRow(rows, bottom.label, named(form_.add(bottom)));
-  QComboBox* mode = named(form_.add(widthModeField()));
-  QSpinBox* width = named(form_.add(widthField));
-  QWidget* controls = sideBySide({mode, width});
-  Controls::addRow(rows, widthField.label, controls);
-  // The accelerator leads to the number.
-  static_cast<QLabel*>(rows->labelForField(controls))->setBuddy(width);
-  half->setLayout(rows);
-  return half;
-}
-
-QWidget* ModuleRow::makeShapeHalf() {
-  auto* half = new QWidget;
-  QFormLayout* rows = Controls::makeForm();
-  rows->setContentsMargins(0, 0, 0, 0);
-  Controls::addRow(rows, fontTopField.label, named(form_.add(fontTopField)));
-  Controls::addRow(rows, fontBottomField.label, named(form_.add(fontBottomField)));
-  Controls::addRow(rows, alignmentField().label, named(form_.add(alignmentField())));
-  hasOwnGap_ = new QCheckBox(qtText(ownGapLabel));
-  hasOwnGap_->setAccessibleName(spokenName(ownGapLabel));
-  ownGap_ = Controls::makeSpinBox(ConfigurationLimits::gap, qtText("Espaço próprio em pontos"));
-  rows->addRow(named(hasOwnGap_), named(ownGap_));
-  // An own gap begins as the one that it takes the place of.
-  QObject::connect(hasOwnGap_, &QCheckBox::toggled, this, [this](bool isOn) {
-    const double gap = model_.state().configuration.gap;
-    edit([&](M& module) { module.gapAfter = isOn ? std::optional(gap) : std::nullopt; });
-  });
-  QObject::connect(ownGap_, &QSpinBox::valueChanged, this,
-                   [this](int value) { edit([&](M& module) { module.gapAfter = value; }); });
-  half->setLayout(rows);
-  return half;
+void ModuleRow::setOpen(bool isOpen) {
+  if (isOpen == isOpen_) {
+    return;
+  }
+  isOpen_ = isOpen;
+  unfold();
+  if (onOpen) {
+    onOpen(isOpen);
+  }
 }
 
 void ModuleRow::edit(const std::function<void(M&)>& change) {
@@ -159,44 +125,87 @@ void ModuleRow::edit(const std::function<void(M&)>& change) {
 }
 
 void ModuleRow::load(const AppConfiguration& configuration, std::size_t index) {
-  const M& module = configuration.modules[index];
-  form_.load(module);
-  {
-    const QSignalBlocker quietBox(hasOwnGap_);
-    const QSignalBlocker quietSpin(ownGap_);
-    hasOwnGap_->setChecked(module.gapAfter.has_value());
-    ownGap_->setEnabled(module.gapAfter.has_value());
-    const int gap = static_cast<int>(std::lround(module.gapAfter.value_or(configuration.gap)));
-    if (ownGap_->value() != gap) {
-      ownGap_->setValue(gap);
-    }
-  }
-  hideFans_->setVisible(isFan(module.top) || isFan(module.bottom));
-  nameAfterModule(module, index);
+  module_ = configuration.modules[index];
+  index_ = index;
+  form_.load(module_);
+  handle_->setPlace(index == 0, index + 1 == configuration.modules.size());
+  nameAfterModule();
 }
 
-void ModuleRow::nameAfterModule(const M& module, std::size_t index) {
-  const MetricID shown = module.top != MetricID::none ? module.top : module.bottom;
-  const QString name = QStringLiteral("módulo %1 (%2)").arg(index + 1).arg(qtText(title(shown)));
+void ModuleRow::nameAfterModule() {
+  const MetricID shown = module_.top != MetricID::none ? module_.top : module_.bottom;
+  const QString name = QStringLiteral("módulo %1 (%2)").arg(index_ + 1).arg(qtText(title(shown)));
   setAccessibleName(name);
-  for (const auto& [control, own] : named_) {
-    const QString full = own + QStringLiteral(", ") + name;
-    if (control->accessibleName() != full) {
-      Controls::setSpokenName(control, full);
-    }
+  named_.nameAfter(name);
+  if (editor_ != nullptr) {
+    editor_->load(model_.state().configuration, module_, name);
   }
+}
+
+void ModuleRow::showReadings(const WindowState& state, MetricSet missing) {
+  state_ = &state;
+  missing_ = missing;
+  showReadings();
+}
+
+void ModuleRow::showReadings() {
+  if (state_ == nullptr) {
+    return;
+  }
+  top_->show(content(module_.top, true, "L1"));
+  bottom_->show(content(module_.bottom, true, "L2"));
+  const auto& blocks = state_->picture.blocks;
+  const bool isShown = std::any_of(blocks.begin(), blocks.end(),
+                                   [this](const PictureBlock& block) { return block.id == id_; });
+  const bool isEmpty = module_.top == MetricID::none && module_.bottom == MetricID::none;
+  const char* why = !module_.enabled ? inactiveText
+                    : isShown        ? shownText
+                    : isEmpty        ? hiddenLines
+                                     : hiddenFans;
+  const bool isHidden = module_.enabled && !isShown;
+  const QString mark = isHidden ? qtText(hiddenMark) : QString();
+  hidden_->show({{}, mark, isHidden ? qtText(why) : QString(), isHidden ? qtText(why) : QString()});
+  hidden_->setVisible(isHidden);
+  setAccessibleDescription(isShown && module_.enabled ? QString() : qtText(why));
+  if (editor_ != nullptr) {
+    editor_->showReadings(content(module_.top, false, "L1"), content(module_.bottom, false, "L2"),
+                          missing_);
+    editor_->showVisibility(qtText(why));
+  }
+}
+
+LiveReading::Content ModuleRow::content(MetricID metric, bool isInLine, const char* line) const {
+  LiveReading::Content content;
+  content.isFaint = !module_.enabled;
+  content.label = isInLine ? ReadingText::shortName(metric) : QString();
+  const QString name = isInLine ? qtText(title(metric)) : qtText(line);
+  const MetricReading* reading =
+      module_.enabled ? ReadingText::find(state_->readings, metric) : nullptr;
+  if (reading == nullptr) {
+    content.details = module_.enabled ? QString() : qtText(inactiveText);
+    content.text = !isInLine && !module_.enabled ? content.details : QString();
+    content.spoken = content.text.isEmpty() ? name : name + QStringLiteral(": ") + content.text;
+    return content;
+  }
+  content.text = ReadingText::line(*reading);
+  content.isStrong = MetricFormatter::isReading(reading->text) && reading->reason.empty();
+  content.spoken = name + QStringLiteral(": ") + content.text;
+  content.details =
+      (isInLine ? name + QStringLiteral(": ") : QString()) + ReadingText::details(*reading);
+  return content;
 }
 
 QList<QWidget*> ModuleRow::controls() const {
-  QList<QWidget*> controls;
-  for (const auto& [control, own] : named_) {
-    controls.append(control);
-  }
-  return controls;
+  return named_.list() + (editor_ != nullptr ? editor_->controls() : QList<QWidget*>());
 }
 
 void ModuleRow::focusFirstPicker() {
-  firstPicker_->setFocus(Qt::ShortcutFocusReason);  // With its ring shown.
+  setOpen(true);
+  editor_->focusFirstPicker();
+}
+
+void ModuleRow::focusLine() {
+  open_->setFocus(Qt::ShortcutFocusReason);
 }
 
 void ModuleRow::setLifted(bool isLifted) {
@@ -212,49 +221,48 @@ void ModuleRow::setLifted(bool isLifted) {
   }
 }
 
-// As narrow as the halves below each other allow: resizeEvent() puts them so.
-QSize ModuleRow::minimumSizeHint() const {
-  int width = header_->minimumSize().width();
-  for (int index = 0; index < halves_->count(); ++index) {
-    width = std::max(width, halves_->itemAt(index)->minimumSize().width());
+// The whole line unfolds the row, not only its button.
+void ModuleRow::mouseReleaseEvent(QMouseEvent* event) {
+  const bool isInLine =
+      line_->geometry().adjusted(0, -4, 0, 4).contains(event->position().toPoint());
+  if (event->button() == Qt::LeftButton && isInLine) {
+    setOpen(!isOpen_);
   }
-  if (!hideFans_->isHidden()) {
-    width = std::max(width, hideFansWidth(hideFansNarrowText()));
+}
+
+int ModuleRow::lineWidth(QBoxLayout::Direction direction) const {
+  const int cell = top_->minimumSizeHint().width();
+  const int cells = direction == QBoxLayout::LeftToRight ? 2 * cell + cells_->spacing() : cell;
+  int width = cells + line_->spacing() * (line_->count() - 1);
+  for (int index = 0; index < line_->count(); ++index) {
+    if (QWidget* widget = line_->itemAt(index)->widget()) {
+      width += widget->sizeHint().width();
+    }
+  }
+  return width;
+}
+
+QSize ModuleRow::minimumSizeHint() const {
+  int width = lineWidth(QBoxLayout::TopToBottom);
+  if (isOpen() && editor_ != nullptr) {
+    width = std::max(width, editor_->minimumSizeHint().width());
   }
   return {width + sideMargins(), QFrame::minimumSizeHint().height()};
 }
 
 void ModuleRow::resizeEvent(QResizeEvent* event) {
   QFrame::resizeEvent(event);
-  const int available = width() - sideMargins();
-  int sideBySideWidth = halves_->spacing() * (halves_->count() - 1);
-  for (int index = 0; index < halves_->count(); ++index) {
-    sideBySideWidth += halves_->itemAt(index)->sizeHint().width();
-  }
-  const auto direction =
-      available < sideBySideWidth ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight;
-  if (halves_->direction() != direction) {
-    halves_->setDirection(direction);
+  const bool isWide = width() - sideMargins() >= lineWidth(QBoxLayout::LeftToRight);
+  const auto direction = isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom;
+  if (cells_->direction() != direction) {
+    cells_->setDirection(direction);
     updateGeometry();
   }
-  const QString wide = qtText(hideFansField.label);
-  hideFans_->setText(hideFansWidth(wide) <= available ? wide : hideFansNarrowText());
 }
 
 int ModuleRow::sideMargins() const {
   const QMargins margins = layout()->contentsMargins();
   return margins.left() + margins.right() + 2 * frameWidth();
-}
-
-// On two lines.
-QString ModuleRow::hideFansNarrowText() {
-  return qtText(hideFansField.label).replace(qtText(" quando"), qtText("\nquando"));
-}
-
-int ModuleRow::hideFansWidth(const QString& text) const {
-  return fontMetrics().size(Qt::TextShowMnemonic, text).width() +
-         style()->pixelMetric(QStyle::PM_IndicatorWidth, nullptr, hideFans_) +
-         2 * style()->pixelMetric(QStyle::PM_CheckBoxLabelSpacing, nullptr, hideFans_);
 }
 
 }  // namespace vantora

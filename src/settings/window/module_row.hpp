@@ -4,15 +4,20 @@
 #include <QBoxLayout>
 #include <QFrame>
 #include <QList>
-#include <QPair>
+#include <QToolButton>
+#include <functional>
 
+#include "settings/conversation/window_model.hpp"
 #include "settings/window/drag_handle.hpp"
 #include "settings/window/form.hpp"
-#include "settings/window_model.hpp"
+#include "settings/window/live_reading.hpp"
+#include "settings/window/module_editor.hpp"
+#include "settings/window/named_controls.hpp"
 
 namespace vantora {
 
-/// One module in the list: every member of its configuration, its copy and its removal.
+/// One module in the list: a line with what it shows and reads, which unfolds to all of its
+/// configuration.
 class ModuleRow final : public QFrame {
  public:
   ModuleRow(WindowModel& model, const UUID& id);
@@ -20,9 +25,19 @@ class ModuleRow final : public QFrame {
   [[nodiscard]] const UUID& id() const { return id_; }
   [[nodiscard]] DragHandle& handle() const { return *handle_; }
 
-  /// Shows the module, which stands at `index` of the configuration.
+  /// The user folds or unfolds the row.
+  std::function<void(bool isOpen)> onOpen;
+  /// The tab of this integration is asked for.
+  std::function<void(MetricFamily)> onQuotaTab;
+
+  /// Shows the module, which is at `index` of the configuration.
   void load(const AppConfiguration& configuration, std::size_t index);
+  /// Shows what its lines read. `missing`: what this machine was found not to have.
+  void showReadings(const WindowState& state, MetricSet missing);
+  [[nodiscard]] bool isOpen() const { return isOpen_; }
+  void setOpen(bool isOpen);
   void focusFirstPicker();
+  void focusLine();
   /// In the order in which the tab key goes through them.
   [[nodiscard]] QList<QWidget*> controls() const;
   /// Faint while the row is dragged.
@@ -31,34 +46,37 @@ class ModuleRow final : public QFrame {
   [[nodiscard]] QSize minimumSizeHint() const override;
 
  protected:
+  void mouseReleaseEvent(QMouseEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
 
  private:
   void edit(const std::function<void(ModuleConfiguration&)>& change);
-  [[nodiscard]] QWidget* makeContentHalf();
-  [[nodiscard]] QWidget* makeShapeHalf();
+  void unfold();
+  void nameAfterModule();
+  void showReadings();
+  [[nodiscard]] LiveReading::Content content(MetricID metric, bool isInLine,
+                                             const char* line) const;
+  [[nodiscard]] int lineWidth(QBoxLayout::Direction direction) const;
   [[nodiscard]] int sideMargins() const;
-  [[nodiscard]] static QString hideFansNarrowText();
-  [[nodiscard]] int hideFansWidth(const QString& text) const;
-  void nameAfterModule(const ModuleConfiguration& module, std::size_t index);
-  // Notes the control as one that is named after the module.
-  template <typename Control>
-  Control* named(Control* control) {
-    named_.append({control, control->accessibleName()});
-    return control;
-  }
 
   WindowModel& model_;
   UUID id_;
   Form<ModuleConfiguration> form_;
-  QList<QPair<QWidget*, QString>> named_;
+  NamedControls named_;
   DragHandle* handle_;
-  QBoxLayout* header_;
-  QComboBox* firstPicker_ = nullptr;
-  QCheckBox* hasOwnGap_ = nullptr;
-  QSpinBox* ownGap_ = nullptr;
-  QCheckBox* hideFans_ = nullptr;
-  QBoxLayout* halves_ = nullptr;
+  QHBoxLayout* line_;
+  QBoxLayout* cells_;
+  LiveReading* top_;
+  LiveReading* bottom_;
+  LiveReading* hidden_;
+  QToolButton* open_;
+  bool isOpen_ = false;
+  ModuleEditor* editor_ = nullptr;  // From the first time that the row is open.
+
+  ModuleConfiguration module_;
+  std::size_t index_ = 0;
+  const WindowState* state_ = nullptr;
+  MetricSet missing_;
 };
 
 }  // namespace vantora

@@ -6,6 +6,8 @@
 #include <QShortcut>
 #include <algorithm>
 
+#include "settings/window/reading_text.hpp"
+
 namespace vantora {
 
 // Goes on scrolling while something is dragged over the list's edge.
@@ -21,6 +23,8 @@ class ModulesTab::RepeatingScrollBar final : public QScrollBar {
 
 ModulesTab::ModulesTab(WindowModel& model)
     : SettingsTab(model),
+      preview_(new StatusPreview(2)),
+      caption_(Controls::makeNote("")),
       area_(new QScrollArea),
       scrollBar_(new RepeatingScrollBar(area_)),
       list_(new QWidget),
@@ -28,21 +32,44 @@ ModulesTab::ModulesTab(WindowModel& model)
       empty_(Controls::makeText(
           qtText("Nenhum módulo: a barra mostra só a marca do Vantora. Adicione um abaixo."))),
       dropLine_(new QFrame(list_)) {
-  auto* column = new QVBoxLayout(this);
+  // All of it scrolls where the window is too low for a useful list.
+  QVBoxLayout* column = Controls::makeScrollingColumn(this);
   column->addWidget(Controls::makeHeading("Ordem, conteúdo e largura do bloco"));
+  addPreview(column);
+  addList(column);
+  addButtons(column);
+}
 
+void ModulesTab::addPreview(QVBoxLayout* column) {
+  preview_->describe = [this](const UUID& id) { return describe(id); };
+  preview_->onBlock = [this](const UUID& id) { goTo(id); };
+  column->addWidget(preview_->inScrollArea());
+  caption_->setText(previewCaption(false));
+  column->addWidget(caption_);
+}
+
+void ModulesTab::addList(QVBoxLayout* column) {
   area_->setVerticalScrollBar(scrollBar_);
   area_->setWidgetResizable(true);
   area_->setWidget(list_);
-  // The rows stand on the page's own ground.
+  area_->setMinimumHeight(fontMetrics().height() * 8);
+  // The rows have the page's own background.
   area_->viewport()->setAutoFillBackground(false);
   list_->setAutoFillBackground(false);
   area_->setFocusPolicy(Qt::NoFocus);
   list_->setAccessibleName(qtText("Módulos"));
+  layout_->setSpacing(layout_->spacing() / 2);
   layout_->addWidget(empty_);
   layout_->addStretch();
   column->addWidget(area_, 1);
+  dropLine_->setObjectName(QStringLiteral("dropLine"));
+  dropLine_->setAutoFillBackground(true);
+  dropLine_->setBackgroundRole(QPalette::Highlight);
+  dropLine_->hide();
+  QObject::connect(scrollBar_, &QScrollBar::valueChanged, this, [this] { showDropPlace(); });
+}
 
+void ModulesTab::addButtons(QVBoxLayout* column) {
   column->addWidget(Controls::makeNote("Arraste os módulos para ordenar."));
   auto* add = Controls::makeButton("&Adicionar módulo", [this] { this->model().addModule(); });
   auto* addCodex =
@@ -51,21 +78,72 @@ ModulesTab::ModulesTab(WindowModel& model)
       Controls::makeButton("Adic&ionar Claude", [this] { this->model().addClaudeModule(); });
   column->addWidget(Controls::makeButtonRow({add, addCodex, addClaude}));
   addButtons_ = {add, addCodex, addClaude};
-
-  dropLine_->setObjectName(QStringLiteral("dropLine"));
-  dropLine_->setAutoFillBackground(true);
-  dropLine_->setBackgroundRole(QPalette::Highlight);
-  dropLine_->hide();
-  QObject::connect(scrollBar_, &QScrollBar::valueChanged, this, [this] { showDropPlace(); });
 }
 
 void ModulesTab::refresh(WindowFields fields) {
   if (fields.contains(WindowField::configuration)) {
     showModules();
+    caption_->setText(previewCaption(state().configuration.paused));
+  }
+  if (fields.contains(WindowField::picture)) {
+    preview_->show(state().picture);
+  }
+  if (fields.intersects(
+          {WindowField::configuration, WindowField::picture, WindowField::readings})) {
+    showReadings();
   }
   if (fields.contains(WindowField::pendingScrollID)) {
     scrollToPending();
   }
+}
+
+void ModulesTab::showReadings() {
+  for (const MetricReading& reading : state().readings) {
+    if (ReadingText::isMissing(reading)) {
+      missing_.insert(reading.metric);
+    } else {
+      missing_.erase(reading.metric);
+    }
+  }
+  for (ModuleRow* row : rows_) {
+    row->showReadings(state(), missing_);
+  }
+}
+
+// One row is open at a time.
+void ModulesTab::opened(ModuleRow* row) {
+  for (ModuleRow* other : rows_) {
+    if (other != row) {
+      other->setOpen(false);
+    }
+  }
+  joinTabOrder();
+  bringIntoView(row);
+}
+
+void ModulesTab::goTo(const UUID& id) {
+  if (ModuleRow* row = rowOf(id)) {
+    row->setOpen(true);
+    row->focusLine();
+    bringIntoView(row);
+  }
+}
+
+QString ModulesTab::describe(const UUID& id) const {
+  const auto& modules = state().configuration.modules;
+  const auto found = std::find_if(modules.begin(), modules.end(),
+                                  [&](const auto& module) { return module.id == id; });
+  if (found == modules.end()) {
+    return {};
+  }
+  QString text = ReadingText::moduleName(*found);
+  for (const MetricID metric : {found->top, found->bottom}) {
+    if (const MetricReading* reading = ReadingText::find(state().readings, metric)) {
+      text += QStringLiteral("\n") + qtText(title(metric)) + QStringLiteral(": ") +
+              ReadingText::line(*reading);
+    }
+  }
+  return text;
 }
 
 void ModulesTab::showEvent(QShowEvent* event) {
@@ -107,7 +185,15 @@ void ModulesTab::showModules() {
   const bool isReordered = rows != rows_;
   rows_ = std::move(rows);
   empty_->setVisible(rows_.empty());
+  const bool isFull = rows_.size() >= ConfigurationLimits::modules;
+  for (QPushButton* button : addButtons_) {
+    Controls::setUsable(button, !isFull, tooManyModulesText);
+  }
   if (isReordered) {
+    // The order among the children is the order that assistive tools find.
+    for (ModuleRow* row : rows_) {
+      row->raise();
+    }
     joinTabOrder();
   }
 }
@@ -133,6 +219,16 @@ void ModulesTab::joinTabOrder() const {
 
 ModuleRow* ModulesTab::makeRow(const UUID& id) {
   auto* row = new ModuleRow(model(), id);
+  row->onOpen = [this, row](bool isOpen) {
+    if (isOpen) {
+      opened(row);
+    }
+  };
+  row->onQuotaTab = [this](MetricFamily wanted) {
+    if (onQuotaTab) {
+      onQuotaTab(wanted);
+    }
+  };
   DragHandle& handle = row->handle();
   handle.onStep = [this, row](DragHandle::Step step) { move(row, step); };
   handle.onDrag = [this, row](QPoint position) { drag(row, position); };
@@ -165,15 +261,18 @@ void ModulesTab::scrollToPending() {
   if (row == nullptr || !isVisible()) {
     return;
   }
-  bringIntoView(row);
   row->focusFirstPicker();
+  bringIntoView(row);
   model().scrolled();
 }
 
 void ModulesTab::bringIntoView(ModuleRow* row) {
   // A row has its place only once the list is laid out.
   QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
-  area_->ensureWidgetVisible(row, 0, layout_->spacing());
+  // Of a row that is higher than the list, the upper part.
+  const int visible = std::min(row->height(), area_->viewport()->height());
+  area_->ensureVisible(row->x(), row->y() + visible, 0, layout_->spacing());
+  area_->ensureVisible(row->x(), row->y(), 0, layout_->spacing());
 }
 
 void ModulesTab::move(ModuleRow* row, DragHandle::Step step) {

@@ -9,20 +9,32 @@
 
 #include "settings/window/module_row.hpp"
 #include "settings/window/settings_tab.hpp"
+#include "settings/window/status_preview.hpp"
 
 namespace vantora {
 
-/// "Módulos": the modules in their order, which the user changes by dragging.
+/// "Módulos": the bar enlarged, and the modules in their order, which the user changes by
+/// dragging. One of them is open for editing, the others are folded.
 class ModulesTab final : public SettingsTab {
  public:
   explicit ModulesTab(WindowModel& model);
   void refresh(WindowFields fields) override;
 
+  /// The tab of this integration is asked for.
+  std::function<void(MetricFamily)> onQuotaTab;
+
  protected:
   void showEvent(QShowEvent* event) override;
 
  private:
+  void addPreview(QVBoxLayout* column);
+  void addList(QVBoxLayout* column);
+  void addButtons(QVBoxLayout* column);
   void showModules();
+  void showReadings();
+  void opened(ModuleRow* row);
+  void goTo(const UUID& id);
+  [[nodiscard]] QString describe(const UUID& id) const;
   [[nodiscard]] ModuleRow* makeRow(const UUID& id);
   [[nodiscard]] ModuleRow* rowOf(const UUID& id) const;
   [[nodiscard]] std::size_t placeOf(const ModuleRow* row) const;
@@ -36,6 +48,8 @@ class ModulesTab final : public SettingsTab {
   void endDrag();
   void showDropPlace();
 
+  StatusPreview* preview_;
+  QLabel* caption_;
   QScrollArea* area_;
   class RepeatingScrollBar;
   RepeatingScrollBar* scrollBar_;
@@ -43,7 +57,8 @@ class ModulesTab final : public SettingsTab {
   QVBoxLayout* layout_;
   QLabel* empty_;
   QFrame* dropLine_;
-  std::vector<QWidget*> addButtons_;
+  std::vector<QPushButton*> addButtons_;
+  MetricSet missing_;             // What this machine was found not to have.
   std::vector<ModuleRow*> rows_;  // in the order of the modules
   ModuleRow* dragged_ = nullptr;
   QPoint dragPosition_;        // on the screen, while a row is dragged

@@ -3,8 +3,8 @@
 
 #include <QWidget>
 
+#include "settings/conversation/window_model.hpp"
 #include "settings/window/window_memory.hpp"
-#include "settings/window_model.hpp"
 
 class QFileDialog;
 

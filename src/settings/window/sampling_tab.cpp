@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "settings/window/sampling_tab.hpp"
 
+#include "model/words.hpp"
+
 namespace vantora {
 namespace {
 
@@ -14,67 +16,90 @@ const ChoiceField<C>& intervalField() {
   return field;
 }
 
-// An empty field is the automatic choice.
-constexpr TextField<C> interfaceField = {
-    "Interface de &rede (vazio = automática)",
-    static_cast<int>(ConfigurationLimits::networkInterfaceBytes),
-    [](const C& owner) { return owner.networkInterface.value_or(std::string()); },
-    [](C& owner, std::string name) {
-      owner.networkInterface = name.empty() ? std::nullopt : std::optional(std::move(name));
-    }};
+constexpr std::string_view linkLabel = "Interface de &rede (vazio = automática)";
 
 constexpr std::string_view automaticNote =
     "Automático escolhe uma interface física ativa; tráfego de túnel VPN não é somado. Interface "
     "atual: ";
 
-constexpr std::string_view rateNote =
+constexpr const char* rateNote =
     "Rede sempre em MB/s decimais, com M menor e sem setas: 125M ou 0,75M. Abaixo de 1 MB/s "
     "mostra duas casas decimais; valores menores que 0,005 MB/s arredondam para 0,00M. 1 Gbps "
     "equivale teoricamente a 125 MB/s.";
 
-constexpr std::string_view averageNote =
+constexpr const char* averageNote =
     "A cada intervalo selecionado, mede a média dos bytes transferidos desde a leitura anterior, "
     "usando o tempo real decorrido. Não executa teste de velocidade. A primeira leitura e a troca "
     "de interface mostram —.";
 
-constexpr std::string_view batteryNote =
-    "A porcentagem da bateria é calculada das capacidades informadas pela bateria interna. O tempo "
-    "vem da estimativa em minutos do IOKit.";
-
-constexpr std::string_view sensorNote =
-    "CPU mais quente: maior leitura de 18 chaves térmicas Tp* da família M5, via SMC experimental. "
-    "Ventoinhas: RPM atual e porcentagem de F0Mx/F1Mx. Estas leituras são somente leitura.";
-
-constexpr std::string_view powerNote =
+constexpr const char* powerNote =
     "Potência de entrada e potência de carga ainda aguardam validação com carregador conectado; "
     "não são substituídas pela potência nominal do adaptador.";
 
-constexpr std::string_view notes[] = {rateNote, averageNote, batteryNote, sensorNote, powerNote};
+constexpr const char* notes[] = {rateNote, averageNote, Words::batteryNote, Words::sensorNote,
+                                 powerNote};
 
 }  // namespace
 
 SamplingTab::SamplingTab(WindowModel& model)
-    : SettingsTab(model), form_(configurationEdit()), interface_(Controls::makeNote({})) {
+    : SettingsTab(model),
+      form_(configurationEdit()),
+      link_(new LinkPicker),
+      missing_(Controls::makeText()),
+      interface_(Controls::makeNote({})) {
   QVBoxLayout* column = Controls::makeScrollingColumn(this);
   QFormLayout* rows = Controls::makeForm();
   Controls::addRow(rows, intervalField().label, form_.add(intervalField()));
-  Controls::addRow(rows, interfaceField.label, form_.add(interfaceField));
+  Controls::setSpokenName(link_, spokenName(linkLabel));
+  Controls::addRow(rows, linkLabel, link_);
   column->addLayout(rows);
+  missing_->setObjectName(QStringLiteral("missingLink"));
+  column->addWidget(missing_);
   interface_->setObjectName(QStringLiteral("interface"));
   column->addWidget(interface_);
   Controls::addGroupGap(column);
-  for (const std::string_view note : notes) {
+  for (const char* note : notes) {
     column->addWidget(Controls::makeNote(note));
   }
   column->addStretch();
+
+  link_->onName = [edit = configurationEdit()](const std::optional<std::string>& name) {
+    edit([&](C& configuration) { configuration.networkInterface = name; });
+  };
 }
 
 void SamplingTab::refresh(WindowFields fields) {
   if (fields.contains(WindowField::configuration)) {
     form_.load(state().configuration);
+    link_->setName(state().configuration.networkInterface);
+  }
+  if (fields.contains(WindowField::links)) {
+    link_->setLinks(state().links);
+  }
+  if (fields.intersects({WindowField::configuration, WindowField::links})) {
+    showMissing();
   }
   if (fields.contains(WindowField::networkName)) {
+    if (isVisible()) {
+      model().listLinks();  // A link has come or gone.
+    }
     interface_->setText(qtText(automaticNote) + qtText(state().networkName.value_or("—")));
+  }
+}
+
+void SamplingTab::showEvent(QShowEvent* event) {
+  SettingsTab::showEvent(event);
+  if (model().hasState()) {
+    model().listLinks();
+  }
+}
+
+void SamplingTab::showMissing() {
+  const auto& name = state().configuration.networkInterface;
+  const bool isShown = name && isMissing(*name, state().links);
+  missing_->setVisible(isShown);
+  if (isShown) {
+    missing_->setText(QStringLiteral("⚠ ") + qtText("“" + *name + "” não existe nesta máquina."));
   }
 }
 

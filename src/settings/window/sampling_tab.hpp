@@ -3,6 +3,7 @@
 
 #include <QLabel>
 
+#include "settings/window/link_picker.hpp"
 #include "settings/window/settings_tab.hpp"
 
 namespace vantora {
@@ -13,8 +14,15 @@ class SamplingTab final : public SettingsTab {
   explicit SamplingTab(WindowModel& model);
   void refresh(WindowFields fields) override;
 
+ protected:
+  void showEvent(QShowEvent* event) override;
+
  private:
   Form<AppConfiguration> form_;
+  void showMissing();
+
+  LinkPicker* link_;
+  QLabel* missing_;
   QLabel* interface_;
 };
 

@@ -4,8 +4,8 @@
 #include <QWidget>
 #include <utility>
 
+#include "settings/conversation/window_model.hpp"
 #include "settings/window/form.hpp"
-#include "settings/window_model.hpp"
 
 namespace vantora {
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "settings/window/settings_view.hpp"
 
+#include <QGuiApplication>
+#include <QScreen>
 #include <QShortcut>
 #include <QVBoxLayout>
 
@@ -16,20 +18,54 @@ namespace {
 
 constexpr const char* activationVariable = "XDG_ACTIVATION_TOKEN";
 
+// Around everything, in points: less than the style's, so that the window fits into 300 x 200.
+constexpr int margin = 6;
+// What a window's frame may take of the screen, in points.
+constexpr QSize frameAllowance{8, 40};
+
+// No larger than what the screen's panels leave of it.
+QSize firstSize() {
+  const QSize wanted(640, 520);
+  const QScreen* screen = QGuiApplication::primaryScreen();
+  return screen == nullptr ? wanted : wanted.boundedTo(screen->availableSize() - frameAllowance);
+}
+
+// The tabs of the quota integrations, in the order of the tabs.
+constexpr int codexTab = 3;
+constexpr int claudeTab = 4;
+
 }  // namespace
 
 SettingsView::SettingsView(WindowModel& model)
-    : model_(model), tabs_(new QTabWidget), notice_(Controls::makeText()) {
+    : model_(model),
+      tabs_(new QTabWidget),
+      notice_(Controls::makeText()),
+      paused_(Controls::makeText()),
+      undo_(new UndoBar(model)) {
   setWindowTitle(qtText("Configurações do Vantora"));
-  resize(640, 520);
+  resize(firstSize());
   auto* content = new QWidget;
   setCentralWidget(content);
   auto* column = new QVBoxLayout(content);
+  column->setContentsMargins(margin, margin, margin, margin);
   column->addWidget(tabs_, 1);
   notice_->setObjectName(QStringLiteral("footerNotice"));
   column->addWidget(notice_);
+  paused_->setObjectName(QStringLiteral("footerPaused"));
+  paused_->setText(qtText("Coleta pausada"));
+  paused_->hide();
+  column->addWidget(paused_);
+  column->addWidget(undo_);
+  noticeTimer_.setObjectName(QStringLiteral("noticeTimer"));
+  noticeTimer_.setSingleShot(true);
+  noticeTimer_.setInterval(minNoticeDuration);
+  QObject::connect(&noticeTimer_, &QTimer::timeout, this, [this] { model_.releaseNotice(); });
 
-  addTab(new ModulesTab(model), "&Módulos");
+  auto* modules = new ModulesTab(model);
+  modules->onQuotaTab = [this](MetricFamily wanted) {
+    tabs_->setCurrentIndex(wanted == MetricFamily::codex ? codexTab : claudeTab);
+  };
+  addTab(modules, "&Módulos");
   addTab(new AppearanceTab(model), "A&parência");
   addTab(new SamplingTab(model), "Cole&ta");
   addTab(new CodexTab(model), "Code&x semanal");
@@ -50,6 +86,13 @@ SettingsView::SettingsView(WindowModel& model)
   }
 }
 
+// A field that has the focus while the window ends takes its text over, when nothing is left to
+// show it.
+SettingsView::~SettingsView() {
+  model_.onChange = nullptr;
+  model_.onRaise = nullptr;
+}
+
 void SettingsView::addTab(SettingsTab* tab, const char* title) {
   pages_.push_back(tab);
   tabs_->addTab(tab, qtText(title));
@@ -60,7 +103,16 @@ void SettingsView::refresh(WindowFields fields) {
     page->refresh(fields);
   }
   if (fields.contains(WindowField::notice)) {
+    if (model_.state().notice) {
+      noticeTimer_.start();
+    }
     showNotice();
+  }
+  if (fields.contains(WindowField::configuration)) {
+    paused_->setVisible(model_.state().configuration.paused);
+  }
+  if (fields.contains(WindowField::undoable)) {
+    undo_->refresh();
   }
 }
 

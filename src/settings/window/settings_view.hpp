@@ -4,24 +4,33 @@
 #include <QLabel>
 #include <QMainWindow>
 #include <QTabWidget>
+#include <QTimer>
 
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "settings/conversation/window_model.hpp"
 #include "settings/window/settings_tab.hpp"
-#include "settings/window_model.hpp"
+#include "settings/window/undo_bar.hpp"
 
 namespace vantora {
 
-/// "Configurações do Vantora": the six tabs, and the notice below them. Takes the model's
-/// callbacks.
+/// "Configurações do Vantora": the six tabs, and below them the notice, whether collecting is
+/// paused, and what can be undone. Takes the model's callbacks.
 class SettingsView final : public QMainWindow {
  public:
   explicit SettingsView(WindowModel& model);
+  ~SettingsView() override;
+  SettingsView(const SettingsView&) = delete;
+  SettingsView& operator=(const SettingsView&) = delete;
 
   [[nodiscard]] int currentTab() const { return tabs_->currentIndex(); }
   void setCurrentTab(int index) { tabs_->setCurrentIndex(index); }
+
+  /// How long a notice is shown at least, in milliseconds: the agent clears one as soon as
+  /// the next save has succeeded.
+  static constexpr int minNoticeDuration = 5'000;
 
   /// The window closes, or shows another tab: what is remembered of it is to be stored.
   std::function<void()> onPlaceChange;
@@ -39,6 +48,9 @@ class SettingsView final : public QMainWindow {
   WindowModel& model_;
   QTabWidget* tabs_;
   QLabel* notice_;
+  QLabel* paused_;
+  UndoBar* undo_;
+  QTimer noticeTimer_{this};
   std::vector<SettingsTab*> pages_;
 };
 

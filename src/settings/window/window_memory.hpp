@@ -5,6 +5,8 @@
 #include <QSettings>
 #include <QString>
 
+#include "settings/window/native_window.hpp"
+
 namespace vantora {
 
 /// What the window remembers from one opening to the next: its place and size, the tab and
@@ -12,9 +14,7 @@ namespace vantora {
 class WindowMemory {
  public:
   /// In the user's folder for configurations, beside the configuration.
-  WindowMemory()
-      : settings_(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("Vantora"),
-                  QStringLiteral("settings-window")) {}
+  WindowMemory() : WindowMemory(windowMemoryFile()) {}
   explicit WindowMemory(const QString& file) : settings_(file, QSettings::IniFormat) {}
 
   [[nodiscard]] QByteArray geometry() const {

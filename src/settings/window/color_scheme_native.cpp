@@ -1,9 +1,0 @@
-// SPDX-License-Identifier: MIT
-#include "settings/window/color_scheme.hpp"
-
-namespace vantora {
-
-// The toolkit follows the system here.
-void followColorScheme() {}
-
-}  // namespace vantora
