@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+//
+// What the panels that show status items can and cannot do: one row for each panel in
+// one table, panel.cpp. A panel's quirk is a field here. Code asks the row and never the
+// name.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "platform/linux/panels/ink.hpp"
+
+namespace vantora {
+
+/// What the item's picture is.
+enum class PictureForm : std::uint8_t {
+  wide,    ///< The whole picture: the panel keeps its proportions.
+  label,   ///< The application's mark, and all texts in the label beside it.
+  square,  ///< The first module with a reading; everything is in the tool tip.
+};
+
+/// One row of the table. The defaults are what a panel that is not in it gets.
+struct Panel {
+  std::string_view name;
+  /// The programs that own org.kde.StatusNotifierWatcher for it. '#' is a number, and
+  /// unused places are empty.
+  std::array<std::string_view, 3> programs{};
+
+  PictureForm form = PictureForm::square;
+  /// Heights in pixels, beside 22 and 44, of which the panel draws an offered picture as it
+  /// is when it has just that height itself; it stretches all others.
+  std::span<const int> exactHeights{};
+  bool hasToolTip = true;
+  bool readsMarkup = false;          ///< Takes the tool tip's text for Pango markup.
+  bool repeatsDescription = false;   ///< Puts the accessible description beneath the tool tip.
+  bool isAlwaysDark = false;         ///< Whatever colours the desktop prefers.
+  bool keepsTrayWindowWide = false;  ///< A window in its X11 tray, though not the item.
+};
+
+/// Every row, for tests and documents.
+[[nodiscard]] std::span<const Panel> knownPanels();
+
+/// The row of a panel that is not in the table.
+[[nodiscard]] const Panel& unknownPanel();
+
+/// The row by the name of the process that owns the watcher, as the kernel keeps it in
+/// /proc/PID/comm: cut to 15 bytes (proc_pid_comm(5)), with or without the line end.
+[[nodiscard]] const Panel& panelOf(std::string_view processName);
+
+/// The ink for the panel on a desktop that prefers `scheme`.
+[[nodiscard]] Ink inkFor(const Panel& panel, ColorScheme scheme);
+
+/// The tool tip's lines, escaped where the panel takes them for markup.
+[[nodiscard]] std::string toolTipFor(const Panel& panel, std::string_view lines);
+
+}  // namespace vantora

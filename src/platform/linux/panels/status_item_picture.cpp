@@ -1,0 +1,214 @@
+// SPDX-License-Identifier: MIT
+#include "platform/linux/panels/status_item_picture.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cassert>
+#include <cmath>
+#include <cstddef>
+#include <cstring>
+
+#include "status/line_style.hpp"
+#include "status/status_modules.hpp"
+
+namespace vantora {
+namespace {
+
+constexpr std::string_view moduleSeparator = " · ";
+
+StyledText styled(const StatusLine& line) {
+  return LineStyle::styled(line.text, line.font, line.metric);
+}
+
+double maxPointSize(const StyledText& text) {
+  double largest = 0;
+  for (const TextRun& run : text) {
+    largest = std::max(largest, run.font.pointSize);
+  }
+  return largest;
+}
+
+StyledText scaled(StyledText text, double factor) {
+  for (TextRun& run : text) {
+    run.font.pointSize *= factor;
+  }
+  return text;
+}
+
+// Puts the line into the middle of the row that begins at `bottom`.
+void placeLine(StatusImage& image, const StyledText& text, double bottom, double rowHeight,
+               double margin, TextEngine& engine) {
+  const double present = maxPointSize(text);
+  const double width = engine.width(text);
+  if (present <= 0 || width <= 0) {
+    return;
+  }
+  // Digits are about 0.72 of the point size high, and no descender shares their row.
+  constexpr double digitHeight = 0.72;
+  constexpr double rowFill = 0.82;
+  const double byHeight = rowHeight * rowFill / digitHeight / present;
+  const double byWidth = (image.width - 2 * margin) / width;
+  const double factor = std::min(byHeight, byWidth);
+  StyledText fitted = scaled(text, factor);
+  const double x = (image.width - engine.width(fitted)) / 2;
+  const double y = bottom + (rowHeight - present * factor * digitHeight) / 2;
+  image.texts.push_back({.x = x, .y = y, .text = std::move(fitted)});
+}
+
+/// A pixel as it is sent: alpha, red, green, blue.
+using Pixel = std::array<std::uint8_t, 4>;
+
+// Neutral greys that suit panels of either kind without being harsh.
+constexpr std::uint8_t lightInk = 0xF5;
+constexpr std::uint8_t darkInk = 0x1E;
+constexpr std::uint8_t plateGrey = 0x26;
+constexpr double plateOpacity = 0.92;
+
+constexpr std::uint8_t rounded(double value) {
+  // In halves, because std::lround is no constant expression.
+  return static_cast<std::uint8_t>(static_cast<int>(value * 2 + 1) / 2);
+}
+
+constexpr Pixel greyPixel(std::uint8_t alpha, std::uint8_t grey) {
+  return {alpha, grey, grey, grey};
+}
+
+// Ink over the plate, both without premultiplied colours.
+constexpr Pixel overPlate(std::uint8_t ink, double plateAlpha) {
+  const double inkAlpha = ink / 255.0;
+  const double alpha = inkAlpha + plateAlpha * (1 - inkAlpha);
+  if (alpha <= 0) {
+    return {};
+  }
+  const double grey = (lightInk * inkAlpha + plateGrey * plateAlpha * (1 - inkAlpha)) / alpha;
+  return greyPixel(rounded(alpha * 255), rounded(grey));
+}
+
+// Away from the corners the plate is the same everywhere: a pixel for each amount of ink.
+constexpr std::array<Pixel, 256> plainPlate = [] {
+  std::array<Pixel, 256> table{};
+  for (std::size_t ink = 0; ink < table.size(); ++ink) {
+    table[ink] = overPlate(static_cast<std::uint8_t>(ink), plateOpacity);
+  }
+  return table;
+}();
+
+// How much of a pixel of the plate's corner its rounding leaves, 0 to 1; counted from the
+// corner inwards.
+double cornerCoverage(int column, int row, double radius) {
+  const double dx = std::max(radius - column - 0.5, 0.0);
+  const double dy = std::max(radius - row - 0.5, 0.0);
+  return dx == 0 || dy == 0 ? 1 : std::clamp(radius - std::sqrt(dx * dx + dy * dy) + 0.5, 0.0, 1.0);
+}
+
+void put(std::span<std::uint8_t> pixels, std::size_t index, const Pixel& pixel) {
+  std::memcpy(&pixels[index * sizeof(Pixel)], pixel.data(), sizeof(Pixel));
+}
+
+void tintOverPlate(const AlphaBitmap& bitmap, double radius, std::span<std::uint8_t> pixels) {
+  for (std::size_t index = 0; index < bitmap.pixels.size(); ++index) {
+    put(pixels, index, plainPlate[bitmap.pixels[index]]);
+  }
+  // All four corners are alike, so each coverage is computed once.
+  const int reach = static_cast<int>(std::ceil(radius));
+  const int columns = std::min(reach, (bitmap.width + 1) / 2);
+  const int rows = std::min(reach, (bitmap.height + 1) / 2);
+  const auto width = static_cast<std::size_t>(bitmap.width);
+  for (int row = 0; row < rows; ++row) {
+    for (int column = 0; column < columns; ++column) {
+      const double coverage = cornerCoverage(column, row, radius);
+      if (coverage >= 1) {
+        continue;
+      }
+      for (const int y : {row, bitmap.height - 1 - row}) {
+        for (const int x : {column, bitmap.width - 1 - column}) {
+          const std::size_t index =
+              static_cast<std::size_t>(y) * width + static_cast<std::size_t>(x);
+          put(pixels, index, overPlate(bitmap.pixels[index], plateOpacity * coverage));
+        }
+      }
+    }
+  }
+}
+
+}  // namespace
+
+std::string labelText(const StatusPresentation& presentation) {
+  if (presentation.modules.empty()) {
+    return StatusPresentation::emptyMark;
+  }
+  std::string label;
+  for (const StatusModule& module : presentation.modules) {
+    if (!label.empty()) {
+      label += moduleSeparator;
+    }
+    label += StatusModules::joinedLines(module);
+  }
+  return label;
+}
+
+SquareContent squareContent(const StatusPresentation& presentation) {
+  const std::vector<StatusModule>& modules = presentation.modules;
+  if (modules.empty()) {
+    return {{{StatusPresentation::emptyMark, {FontFace::system, 9}}}, {}};
+  }
+  const auto reading = std::find_if(modules.begin(), modules.end(),
+                                    [](const StatusModule& module) { return module.hasReading(); });
+  const StatusModule& shown = reading != modules.end() ? *reading : modules.front();
+  return {styled(shown.top), styled(shown.bottom)};
+}
+
+StatusImage squareImage(const SquareContent& content, double side, TextEngine& engine) {
+  StatusImage image{.width = side, .height = side, .texts = {}};
+  const double margin = std::max(1.0, side / 16);
+  const double inner = side - 2 * margin;
+  if (content.top.empty() || content.bottom.empty()) {
+    placeLine(image, content.top.empty() ? content.bottom : content.top, margin, inner, margin,
+              engine);
+    return image;
+  }
+  placeLine(image, content.bottom, margin, inner / 2, margin, engine);
+  placeLine(image, content.top, margin + inner / 2, inner / 2, margin, engine);
+  return image;
+}
+
+ImageFrame centredFrame(const StatusImage& image, double width, double height) {
+  return {.width = width,
+          .height = height,
+          .left = std::floor((width - image.width) / 2),
+          .bottom = std::floor((height - image.height) / 2)};
+}
+
+AlphaBitmap applicationMark(int side) {
+  AlphaBitmap mark(side, side);
+  const int margin = std::max(1, side / 8);
+  const int inner = side - 2 * margin;
+  const int gap = std::max(1, side / 10);
+  const int bar = (inner - 2 * gap) / 3;
+  constexpr std::array<double, 3> heights{0.45, 1.0, 0.7};
+  for (int index = 0; index < 3; ++index) {
+    const int left = margin + index * (bar + gap);
+    const int height =
+        static_cast<int>(std::lround(inner * heights[static_cast<std::size_t>(index)]));
+    for (int y = side - margin - height; y < side - margin; ++y) {
+      for (int x = left; x < left + bar; ++x) {
+        mark.at(x, y) = 255;
+      }
+    }
+  }
+  return mark;
+}
+
+void tint(const AlphaBitmap& bitmap, Ink ink, double cornerRadius, std::span<std::uint8_t> pixels) {
+  assert(pixels.size() == bitmap.pixels.size() * sizeof(Pixel));
+  if (ink == Ink::lightOnPlate) {
+    tintOverPlate(bitmap, cornerRadius, pixels);
+    return;
+  }
+  const std::uint8_t grey = ink == Ink::light ? lightInk : darkInk;
+  for (std::size_t index = 0; index < bitmap.pixels.size(); ++index) {
+    put(pixels, index, greyPixel(bitmap.pixels[index], grey));
+  }
+}
+
+}  // namespace vantora

@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: MIT
+//
+// The status item on Linux: one StatusNotifierItem whose picture suits the panel that
+// shows it.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/linux/bus/bus_connection.hpp"
+#include "platform/linux/panels/panel.hpp"
+#include "platform/linux/panels/status_item_picture.hpp"
+#include "platform/linux/status_item/appearance_portal.hpp"
+#include "platform/linux/status_item/dbus_menu.hpp"
+#include "platform/linux/status_item/status_item_situation.hpp"
+#include "platform/linux/status_item/status_notifier_item.hpp"
+#include "platform/linux/status_item/status_notifier_watcher.hpp"
+#include "platform/linux/x11_tray/xembed_window.hpp"
+#include "ports/popup_menu.hpp"
+#include "ports/status_item.hpp"
+#include "ports/tool_tip.hpp"
+
+namespace vantora {
+
+/// Lives on the main thread. Nothing is drawn before a panel asks for the picture, and
+/// nothing is announced that has not changed.
+class LinuxStatusItem final : public StatusItem,
+                              private StatusNotifierContent,
+                              private StatusNotifierEvents {
+ public:
+  struct Options {
+    std::string processRoot = "/proc";
+    /// How long a session may be without a panel before that is reported: at login and when
+    /// a panel restarts it takes a while.
+    Seconds hostTimeout{5};
+  };
+
+  struct TrayPopups {
+    PopupMenu& menu;
+    ToolTip& toolTip;
+  };
+
+  /// `onSituation` comes when the situation has changed, "noHost" only after
+  /// `hostTimeout`. Everything given here outlives the item.
+  LinuxStatusItem(BusConnection& connection, TaskQueue& queue, TextEngine& engine, Options options,
+                  std::function<void(StatusItemSituation)> onSituation);
+  ~LinuxStatusItem() override;
+  LinuxStatusItem(const LinuxStatusItem&) = delete;
+  LinuxStatusItem& operator=(const LinuxStatusItem&) = delete;
+
+  /// Lets the item dock as a window in an X11 tray: where the panel keeps that wide but
+  /// not a StatusNotifierItem, and where no panel takes the latter. `display` as in
+  /// DISPLAY, spoken to on `thread`; `popups` open there what a panel would. Both outlive
+  /// the item. Once, before the loop runs.
+  void useTray(DisplayThread& thread, std::string display, TrayPopups popups);
+
+  [[nodiscard]] double thickness() const override;
+  void show(const StatusPresentation& presentation) override;
+  /// Once, before the loop runs: panels ask for the menu when the item registers.
+  void setActions(StatusItemActions actions) override;
+
+ private:
+  [[nodiscard]] std::size_t pictureCount() const override;
+  [[nodiscard]] Picture picture(std::size_t index) override;
+  [[nodiscard]] Ink ink() const override;
+  [[nodiscard]] std::string toolTip() const override;
+  [[nodiscard]] std::string accessibleDescription() const override;
+  [[nodiscard]] std::string label() const override;
+  void activated(std::string token) override;
+
+  void chosen(StatusMenuCommand command);
+  void watcherChanged(const StatusNotifierWatcher::State& state);
+  void colorSchemeChanged(ColorScheme scheme);
+  void hostTimedOut();
+  void stopTray();
+  void startTray();
+  void trayIsOverdue();
+  [[nodiscard]] bool awaitsTray() const;
+  void trayChanged(XEmbedWindow::State state);
+  [[nodiscard]] AlphaBitmap trayPicture(int width, int height, int scale);
+  void trayClicked(const XEmbedWindow::Click& click);
+  void openTrayMenu(const XEmbedWindow::Click& click);
+  void pointerEntered(ScreenPoint pointer);
+  void pointerLeft();
+  [[nodiscard]] bool isDark() const;
+  [[nodiscard]] bool isPaused() const;
+  [[nodiscard]] bool isInTray() const;
+  [[nodiscard]] bool isRegistered() const;
+  void reportStatus(StatusItemSituation situation);
+  [[nodiscard]] const Panel& panel() const { return *watcherState_.panel; }
+  void takeContent();
+
+  BusConnection& connection_;
+  TaskQueue& queue_;
+  TextEngine& engine_;
+  Options options_;
+  std::function<void(StatusItemSituation)> onSituation_;
+
+  // Tasks that will call them hold them weakly: they may come after the item's end.
+  std::shared_ptr<const StatusItemActions> actions_;
+
+  StatusPresentation presentation_;
+  SquareContent square_;  // of the square form; empty otherwise
+  std::string label_;     // of the label form; empty otherwise
+
+  StatusNotifierWatcher::State watcherState_;
+  ColorScheme colorScheme_ = ColorScheme::noPreference;
+  std::optional<StatusItemSituation> reported_;
+  TimerHandle hostTimeout_;
+  bool hasHostTimedOut_ = false;  // since the last host or tray, or since the bus came
+
+  // Ended first of all. It is here because the watcher reports its state at once.
+  std::unique_ptr<XEmbedWindow> tray_;
+  std::optional<TrayPopups> popups_;
+  TimerHandle hover_;
+  bool isTrayTooNarrow_ = false;  // for the panel that is there now
+  bool isTrayOverdue_ = false;    // of the panel that is there now
+  TimerHandle trayWait_;
+
+  // Destroyed before what they call.
+  StatusNotifierItem item_;
+  AppearancePortal portal_;
+  StatusNotifierWatcher watcher_;
+  std::unique_ptr<DBusMenu> menu_;
+};
+
+}  // namespace vantora

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+//
+// Follows org.kde.StatusNotifierWatcher, with which panels and status items meet
+// (freedesktop's StatusNotifierItem): registers our item whenever one appears, reports
+// which panel it is, and whether any panel listens.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/linux/bus/bus_connection.hpp"
+#include "platform/linux/bus/bus_slot.hpp"
+#include "platform/linux/panels/panel.hpp"
+
+namespace vantora {
+
+/// Lives on the main thread.
+class StatusNotifierWatcher final : public BusConnection::Listener {
+ public:
+  /// The watcher that is there now, and whether a panel shows its items.
+  struct State {
+    bool hasBus = false;
+    bool isPresent = false;                ///< A watcher runs and `panel` is known.
+    bool hasHost = false;                  ///< It says that a panel shows its items.
+    const Panel* panel = &unknownPanel();  ///< Never null.
+    bool operator==(const State&) const = default;
+  };
+
+  /// `processRoot` is "/proc" outside of tests. `onChange` comes with the first state
+  /// and whenever it has changed, before the item is registered with a new watcher.
+  StatusNotifierWatcher(BusConnection& connection, TaskQueue& queue, std::string processRoot,
+                        std::function<void(const State&)> onChange);
+  ~StatusNotifierWatcher() override;
+  StatusNotifierWatcher(const StatusNotifierWatcher&) = delete;
+  StatusNotifierWatcher& operator=(const StatusNotifierWatcher&) = delete;
+
+  [[nodiscard]] const State& state() const { return state_; }
+
+  /// Whether the item registers with watchers; true at first. Set to false
+  /// while it is registered, it is withdrawn. May be called from inside of `onChange`.
+  void setRegistering(bool isRegistering);
+
+  void busConnected(sd_bus& bus) override;
+  void busLost() override;
+
+ private:
+  using Reply = void (StatusNotifierWatcher::*)(sd_bus_message*);
+  template <Reply reply>
+  static int handle(sd_bus_message* message, void* self, sd_bus_error* error);
+
+  void requestName();
+  void subscribe();
+  void onOwner(sd_bus_message* reply);
+  void onOwnerChanged(sd_bus_message* signal);
+  void onProcess(sd_bus_message* reply);
+  void onRegistered(sd_bus_message* reply);
+  void onHasHost(sd_bus_message* reply);
+  void onHostAppeared(sd_bus_message* signal);
+  void onHostLeft(sd_bus_message* signal);
+  void onDropped(sd_bus_message* signal);
+
+  void follow(const char* owner);
+  void registerItem();
+  void registerLater();
+  void askForHost();
+  void setState(const State& state);
+
+  BusConnection& connection_;
+  TaskQueue& queue_;
+  std::string processRoot_;
+  std::function<void(const State&)> onChange_;
+  std::string itemName_;
+  State state_;
+  bool hasReported_ = false;
+  bool isRegistering_ = true;
+  sd_bus* bus_ = nullptr;
+  int failedRegistrations_ = 0;
+  TimerHandle retry_;
+  BusSlot nameRequest_;
+  BusSlot ownerMatch_;
+  BusSlot hostAppearedMatch_;
+  BusSlot hostLeftMatch_;
+  BusSlot droppedMatch_;
+  BusSlot ownerCall_;
+  BusSlot processCall_;
+  BusSlot registerCall_;
+  BusSlot hasHostCall_;
+};
+
+}  // namespace vantora
