@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "platform/macos/io_power_sources.hpp"
+#include "platform/macos/readings/io_power_sources.hpp"
 
 #include <IOKit/ps/IOPowerSources.h>
 
-#include "platform/macos/core_foundation.hpp"
+#include "platform/macos/base/core_foundation.hpp"
 
 namespace vantora {
 namespace {

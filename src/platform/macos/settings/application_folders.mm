@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "platform/macos/application_folders.hpp"
+#include "platform/macos/settings/application_folders.hpp"
 
-#include "platform/macos/foundation_text.hpp"
+#include "platform/macos/base/foundation_text.hpp"
 
 namespace vantora {
 
@@ -20,8 +20,9 @@ std::string homeFolder() {
   return textOf(NSHomeDirectory().stringByStandardizingPath);
 }
 
-std::filesystem::path bundledProgram(std::string_view name) {
-  return textOf([NSBundle.mainBundle pathForAuxiliaryExecutable:stringOf(name)]);
+std::filesystem::path bundledHelper(std::string_view name) {
+  const std::filesystem::path bundle = textOf(NSBundle.mainBundle.bundleURL.path);
+  return bundle / "Contents/Helpers" / (std::string(name) + ".app") / "Contents/MacOS" / name;
 }
 
 }  // namespace vantora

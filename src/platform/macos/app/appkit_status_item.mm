@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
-#include "platform/macos/appkit_status_item.hpp"
+#include "platform/macos/app/appkit_status_item.hpp"
 
 #import <AppKit/AppKit.h>
 
+#include <optional>
+#include <string>
 #include <utility>
 
-#include "platform/macos/appkit_text.hpp"
-#include "platform/macos/foundation_text.hpp"
+#include "platform/macos/app/appkit_text.hpp"
+#include "platform/macos/base/foundation_text.hpp"
 
 /// Whom the button and the menu send their actions to; controls hold it weakly.
 @interface VantoraStatusTarget : NSObject
@@ -100,9 +102,14 @@ constexpr double buttonMargin = 6;
 struct AppKitStatusItem::Item {
   NSStatusItem* item;
   VantoraStatusTarget* target;
+  std::string toolTip;                // what it is to say
+  std::string shownToolTip;           // what it says
+  std::optional<Seconds> toolTipSet;  // when it began to
+  TimerHandle toolTipDue;             // while the two differ
 };
 
-AppKitStatusItem::AppKitStatusItem() {
+AppKitStatusItem::AppKitStatusItem(TaskQueue& mainQueue, const Clock& clock)
+    : mainQueue_(mainQueue), clock_(clock) {
   NSStatusItem* item =
       [NSStatusBar.systemStatusBar statusItemWithLength:NSVariableStatusItemLength];
   VantoraStatusTarget* target = [[VantoraStatusTarget alloc] initWithItem:item];
@@ -111,7 +118,7 @@ AppKitStatusItem::AppKitStatusItem() {
   button.action = @selector(statusClicked:);
   // A button sends its action for the left button alone unless it is told otherwise.
   [button sendActionOn:NSEventMaskLeftMouseUp | NSEventMaskRightMouseUp];
-  item_ = std::make_unique<Item>(Item{item, target});
+  item_ = std::make_unique<Item>(Item{item, target, {}, {}, {}, {}});
 }
 
 AppKitStatusItem::~AppKitStatusItem() {
@@ -129,8 +136,30 @@ void AppKitStatusItem::show(const StatusPresentation& presentation) {
   item.length = presentation.width + buttonMargin;
   button.image = AppKitText::templateImage(presentation.image);
   button.imagePosition = NSImageOnly;
-  button.toolTip = description;
   [button setAccessibilityLabel:description];
+  item_->toolTip = presentation.accessibilityText;
+  setToolTip();
+}
+
+void AppKitStatusItem::setToolTip() {
+  if (item_->toolTip == item_->shownToolTip) {
+    item_->toolTipDue.reset();
+    return;
+  }
+  const Seconds now = clock_.uptime();
+  const Seconds left = item_->toolTipSet ? *item_->toolTipSet + toolTipInterval - now : Seconds{0};
+  if (left > Seconds{0}) {
+    if (item_->toolTipDue == nullptr) {
+      item_->toolTipDue = mainQueue_.runAfter(left, /*leeway=*/Seconds{1}, [this] {
+        const TimerHandle passed = std::move(item_->toolTipDue);
+        setToolTip();
+      });
+    }
+    return;
+  }
+  item_->shownToolTip = item_->toolTip;
+  item_->toolTipSet = now;
+  item_->item.button.toolTip = stringOf(item_->toolTip);
 }
 
 void AppKitStatusItem::setActions(StatusItemActions actions) {

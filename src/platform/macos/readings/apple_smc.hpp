@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "sampling/smc_connection.hpp"
+#include "sampling/apple/smc_connection.hpp"
 
 namespace vantora {
 

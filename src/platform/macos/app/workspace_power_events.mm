@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "platform/macos/workspace_power_events.hpp"
+#include "platform/macos/app/workspace_power_events.hpp"
 
 #import <AppKit/AppKit.h>
 #import <IOKit/ps/IOPowerSources.h>
 
 #include <utility>
 
-#include "platform/macos/core_foundation.hpp"
+#include "platform/macos/base/core_foundation.hpp"
 
 @interface VantoraSleepObserver : NSObject
 - (instancetype)initWithWillSleep:(std::function<void()>)willSleep
@@ -83,13 +83,15 @@ struct WorkspacePowerEvents::Observation : std::enable_shared_from_this<Observat
   Observation& operator=(const Observation&) = delete;
 
   static void powerSourceChanged(void* context) {
-    auto* self = static_cast<Observation*>(context);
-    self->mainQueue.post([weak = self->weak_from_this()] {
-      const auto alive = weak.lock();
-      if (alive && alive->handlers.onPowerSourceChange) {
-        alive->handlers.onPowerSourceChange();
-      }
-    });
+    @autoreleasepool {
+      auto* self = static_cast<Observation*>(context);
+      self->mainQueue.post([weak = self->weak_from_this()] {
+        const auto alive = weak.lock();
+        if (alive && alive->handlers.onPowerSourceChange) {
+          alive->handlers.onPowerSourceChange();
+        }
+      });
+    }
   }
 
   TaskQueue& mainQueue;

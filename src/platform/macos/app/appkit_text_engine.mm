@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "platform/macos/appkit_text_engine.hpp"
+#include "platform/macos/app/appkit_text_engine.hpp"
 
-#include "platform/macos/appkit_text.hpp"
-#include "platform/macos/core_foundation.hpp"
+#include "platform/macos/app/appkit_text.hpp"
+#include "platform/macos/base/core_foundation.hpp"
 
 namespace vantora {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "app/url_opener.hpp"
+#include "ports/url_opener.hpp"
 
 namespace vantora {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/macos/apple_smc.hpp"
+#include "platform/macos/readings/apple_smc.hpp"
 
 #include <IOKit/IOKitLib.h>
 #include <mach/mach.h>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "platform/macos/mach_tick_counters.hpp"
+#include "platform/macos/readings/mach_tick_counters.hpp"
 
 #include <mach/mach.h>
 
-#include "sampling/mach_ticks.hpp"
+#include "sampling/apple/mach_ticks.hpp"
 
 namespace vantora {
 namespace {

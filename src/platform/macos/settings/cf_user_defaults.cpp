@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "platform/macos/cf_user_defaults.hpp"
+#include "platform/macos/settings/cf_user_defaults.hpp"
 
-#include "platform/macos/core_foundation.hpp"
+#include "platform/macos/base/core_foundation.hpp"
 
 namespace vantora {
 namespace {

@@ -15,7 +15,8 @@ namespace vantora {
 /// The user's home folder, without a trailing separator.
 [[nodiscard]] std::string homeFolder();
 
-/// A program that lies beside this one in the bundle; empty when there is none.
-[[nodiscard]] std::filesystem::path bundledProgram(std::string_view name);
+/// The program `name` of the application "NAME.app" among the helpers inside of this
+/// program's bundle. Whether it is there shows when it is started.
+[[nodiscard]] std::filesystem::path bundledHelper(std::string_view name);
 
 }  // namespace vantora

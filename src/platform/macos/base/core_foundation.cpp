@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/macos/core_foundation.hpp"
+#include "platform/macos/base/core_foundation.hpp"
 
 namespace vantora {
 namespace {

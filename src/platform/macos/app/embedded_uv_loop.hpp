@@ -8,7 +8,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <dispatch/dispatch.h>
 
-#include "platform/macos/core_foundation.hpp"
+#include "platform/macos/base/core_foundation.hpp"
 #include "runtime/uv_loop.hpp"
 
 namespace vantora {

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "platform/macos/appkit_text.hpp"
+#include "platform/macos/app/appkit_text.hpp"
 
 #include <utility>
 #include <vector>
 
-#include "platform/macos/foundation_text.hpp"
+#include "platform/macos/base/foundation_text.hpp"
 
 namespace vantora::AppKitText {
 
@@ -24,7 +24,7 @@ NSAttributedString* attributed(const StyledText& text) {
   NSMutableAttributedString* line = [[NSMutableAttributedString alloc] initWithString:@""
                                                                            attributes:nil];
   for (const TextRun& run : text) {
-    NSDictionary<NSAttributedStringKey, id>* attributes = @{
+    NSDictionary<NSAttributedStringKey, ::id>* attributes = @{
       NSFontAttributeName : font(run.font),
       NSForegroundColorAttributeName : NSColor.blackColor
     };

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/macos/sysctl_network_source.hpp"
+#include "platform/macos/readings/sysctl_network_source.hpp"
 
 #include <SystemConfiguration/SystemConfiguration.h>
 #include <sys/types.h>
@@ -13,7 +13,7 @@
 #include <memory>
 #include <utility>
 
-#include "platform/macos/core_foundation.hpp"
+#include "platform/macos/base/core_foundation.hpp"
 
 namespace vantora {
 namespace {
@@ -44,7 +44,9 @@ bool isReachable(const sockaddr* address) {
 }  // namespace
 
 Result<std::span<const NetworkInterface>> SysctlNetworkSource::read() {
+  asked_ = 0;
   auto list = InterfaceListReader::read(*this);
+  names_.resize(asked_);
   if (!list) {
     list_ = {};
     return list.fault();
@@ -95,11 +97,16 @@ std::optional<std::size_t> SysctlNetworkSource::fill(std::span<std::byte> buffer
 }
 
 std::optional<std::string> SysctlNetworkSource::nameOfIndex(std::uint32_t index) {
-  char name[IF_NAMESIZE];
-  if (if_indextoname(index, name) == nullptr) {
-    return std::nullopt;
+  const std::size_t position = asked_++;
+  if (position < names_.size() && names_[position].index == index) {
+    return names_[position].name;
   }
-  return std::string(name);
+  // From here on the table is another one.
+  names_.resize(position);
+  char name[IF_NAMESIZE];
+  const bool hasName = if_indextoname(index, name) != nullptr;
+  names_.push_back({index, hasName ? std::optional<std::string>(name) : std::nullopt});
+  return names_.back().name;
 }
 
 }  // namespace vantora

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "app/power_events.hpp"
+#include "ports/power_events.hpp"
 #include "runtime/task_queue.hpp"
 
 namespace vantora {

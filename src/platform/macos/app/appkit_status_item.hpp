@@ -3,7 +3,9 @@
 
 #include <memory>
 
-#include "app/status_item.hpp"
+#include "ports/status_item.hpp"
+#include "runtime/clock.hpp"
+#include "runtime/task_queue.hpp"
 
 namespace vantora {
 
@@ -11,7 +13,13 @@ namespace vantora {
 /// opens the settings, a right click the menu.
 class AppKitStatusItem final : public StatusItem {
  public:
-  AppKitStatusItem();
+  /// A tool tip whose text is set anew starts its delay anew, and one that is shown goes
+  /// away: with readings that change every second it would never be seen. So its text
+  /// changes this often at most, which is about as long as a tool tip is shown.
+  static constexpr Seconds toolTipInterval{10};
+
+  /// Both must outlive it.
+  AppKitStatusItem(TaskQueue& mainQueue, const Clock& clock);
   ~AppKitStatusItem() override;
   AppKitStatusItem(const AppKitStatusItem&) = delete;
   AppKitStatusItem& operator=(const AppKitStatusItem&) = delete;
@@ -21,7 +29,11 @@ class AppKitStatusItem final : public StatusItem {
   void setActions(StatusItemActions actions) override;
 
  private:
+  void setToolTip();
+
   struct Item;
+  TaskQueue& mainQueue_;
+  const Clock& clock_;
   std::unique_ptr<Item> item_;
 };
 

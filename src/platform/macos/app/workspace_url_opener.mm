@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "platform/macos/workspace_url_opener.hpp"
+#include "platform/macos/app/workspace_url_opener.hpp"
 
 #import <AppKit/AppKit.h>
 
-#include "platform/macos/foundation_text.hpp"
+#include "platform/macos/base/foundation_text.hpp"
 
 namespace vantora {
 

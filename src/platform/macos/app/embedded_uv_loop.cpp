@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "platform/macos/embedded_uv_loop.hpp"
+#include "platform/macos/app/embedded_uv_loop.hpp"
+
+#include "platform/macos/base/autorelease_pool.hpp"
 
 namespace vantora {
 
@@ -46,6 +48,7 @@ void EmbeddedUvLoop::runOnce() {
   if (isRunning_) {
     return;
   }
+  const AutoreleasePool pool;
   isRunning_ = true;
   uv_run(&loop_.raw(), UV_RUN_NOWAIT);
   const int milliseconds = uv_backend_timeout(&loop_.raw());
