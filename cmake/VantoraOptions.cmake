@@ -1,5 +1,7 @@
 # Compiler settings, as interface targets that every target of ours links.
 
+include(CheckLinkerFlag)
+
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
@@ -19,12 +21,19 @@ target_compile_options(vantora_options INTERFACE
 add_library(vantora_lean INTERFACE)
 add_library(vantora::lean ALIAS vantora_lean)
 if(CMAKE_BUILD_TYPE STREQUAL "Release")
-  target_compile_options(vantora_options INTERFACE -ffunction-sections -fdata-sections
+  # For size: at one tick a second every tick begins with cold caches, so that less code is
+  # faster code, and the program's text is half as large as with -O3.
+  target_compile_options(vantora_options INTERFACE -Os -ffunction-sections -fdata-sections
     # GCC 12 takes inlined string and variant code for faulty (its bugs 105651 and 105562).
     $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict -Wno-maybe-uninitialized>)
   if(NOT APPLE)
     target_link_options(vantora_lean INTERFACE
       -Wl,--gc-sections -Wl,--as-needed -static-libstdc++ -static-libgcc)
+    # Relocations of tables in a bitmap (DT_RELR, glibc 2.36) instead of 24 bytes each.
+    check_linker_flag(CXX -Wl,-z,pack-relative-relocs VANTORA_PACKS_RELOCATIONS)
+    if(VANTORA_PACKS_RELOCATIONS)
+      target_link_options(vantora_lean INTERFACE -Wl,-z,pack-relative-relocs)
+    endif()
   endif()
 endif()
 

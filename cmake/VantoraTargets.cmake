@@ -1,17 +1,79 @@
-# vantora_library(NAME SOURCES ... [LINKS ...] [PRIVATE_LINKS ...])
-# One folder of src/ as a static library vantora::NAME. The link graph holds the
-# rule which folder may use which.
+# vantora_library(NAME [SOURCES ...] [LINKS ...] [PRIVATE_LINKS ...])
+# One folder of src/ as the static library vantora::NAME; without sources, its headers
+# alone. A folder may include what its library links, and nothing else: scripts/check-walls
+# holds that against vantora_write_walls().
 function(vantora_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
-  add_library(vantora_${name} STATIC ${ARG_SOURCES})
-  add_library(vantora::${name} ALIAS vantora_${name})
-  target_link_libraries(vantora_${name} PUBLIC vantora::options ${ARG_LINKS}
-                                        PRIVATE ${ARG_PRIVATE_LINKS})
-  if(VANTORA_FUZZ)
-    # The fuzzers follow what they reach; tests that link it take no notice.
-    target_compile_options(vantora_${name} PRIVATE -fsanitize=fuzzer-no-link)
+  if(ARG_SOURCES)
+    add_library(vantora_${name} STATIC ${ARG_SOURCES})
+    target_link_libraries(vantora_${name} PUBLIC vantora::options ${ARG_LINKS}
+                                          PRIVATE ${ARG_PRIVATE_LINKS})
+    if(VANTORA_FUZZ)
+      # The fuzzers follow what they reach; tests that link it take no notice.
+      target_compile_options(vantora_${name} PRIVATE -fsanitize=fuzzer-no-link)
+    endif()
+    set_property(GLOBAL APPEND PROPERTY VANTORA_LIBRARIES vantora_${name})
+  else()
+    add_library(vantora_${name} INTERFACE)
+    target_link_libraries(vantora_${name} INTERFACE vantora::options ${ARG_LINKS})
   endif()
-  set_property(GLOBAL APPEND PROPERTY VANTORA_LIBRARIES vantora_${name})
+  add_library(vantora::${name} ALIAS vantora_${name})
+  vantora_note_wall(library ${name})
+endfunction()
+
+# vantora_program(NAME [MACOSX_BUNDLE] SOURCES ... LINKS ...)
+# A program whose main file is in a folder of src/.
+function(vantora_program name)
+  cmake_parse_arguments(ARG "MACOSX_BUNDLE" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  set_target_properties(${name} PROPERTIES MACOSX_BUNDLE ${ARG_MACOSX_BUNDLE})
+  target_link_libraries(${name} PRIVATE vantora::options ${ARG_LINKS})
+  vantora_note_wall(program ${name})
+endfunction()
+
+# Keeps one line of the walls: kind, name, folder, and the folders' libraries that it links
+# publicly and privately, and its sources.
+macro(vantora_note_wall kind name)
+  file(RELATIVE_PATH folder "${CMAKE_SOURCE_DIR}/src" "${CMAKE_CURRENT_SOURCE_DIR}")
+  set(public ${ARG_LINKS})
+  set(private ${ARG_PRIVATE_LINKS})
+  list(FILTER public INCLUDE REGEX "^vantora::")
+  list(FILTER private INCLUDE REGEX "^vantora::")
+  list(JOIN public "," public)
+  list(JOIN private "," private)
+  list(JOIN ARG_SOURCES "," sources)
+  set_property(GLOBAL APPEND PROPERTY VANTORA_WALLS
+    "${kind}|${name}|${folder}|${public}|${private}|${sources}")
+endmacro()
+
+# Writes the walls for scripts/check-walls, a line for each library and program.
+function(vantora_write_walls)
+  get_property(walls GLOBAL PROPERTY VANTORA_WALLS)
+  string(REPLACE ";" "\n" lines "${walls}")
+  file(WRITE "${CMAKE_BINARY_DIR}/walls.txt" "${lines}\n")
+endfunction()
+
+# vantora_test_headers: the headers that every test includes, compiled once. They take longer to
+# compile than most tests.
+function(vantora_add_test_headers)
+  if(TARGET vantora_test_headers)
+    return()
+  endif()
+  set(source "${CMAKE_BINARY_DIR}/test_headers.cpp")
+  file(CONFIGURE OUTPUT "${source}" CONTENT "")
+  add_library(vantora_test_headers OBJECT "${source}")
+  target_link_libraries(vantora_test_headers PRIVATE vantora::options GTest::gmock GTest::gtest)
+  target_precompile_headers(vantora_test_headers PRIVATE
+    <chrono> <filesystem> <functional> <map> <memory> <optional> <string> <string_view> <vector>
+    <gmock/gmock.h> <gtest/gtest.h>)
+  vantora_set_test_options(vantora_test_headers)
+endfunction()
+
+# Instrumented tests take Clang twice as long to optimise as to compile, and run once.
+function(vantora_set_test_options target)
+  if(VANTORA_SANITIZE)
+    target_compile_options(${target} PRIVATE -O0)
+  endif()
 endfunction()
 
 # vantora_tests(NAME SOURCES ... [LINKS ...])
@@ -25,15 +87,45 @@ function(vantora_tests name)
     VANTORA_TEST_DATA="${CMAKE_SOURCE_DIR}/tests")
   target_link_libraries(vantora_${name}_tests PRIVATE
     ${ARG_LINKS} vantora::test_support GTest::gmock GTest::gtest_main)
-  if(VANTORA_SANITIZE)
-    # Instrumented tests take Clang twice as long to optimise as to compile, and run once.
-    target_compile_options(vantora_${name}_tests PRIVATE -O0)
-  endif()
+  vantora_set_test_options(vantora_${name}_tests)
+  vantora_add_test_headers()
+  target_precompile_headers(vantora_${name}_tests REUSE_FROM vantora_test_headers)
   gtest_discover_tests(vantora_${name}_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
   foreach(source IN LISTS ARG_SOURCES)
     get_filename_component(absolute "${source}" ABSOLUTE)
     set_property(GLOBAL APPEND PROPERTY VANTORA_TEST_SOURCES "${absolute}")
   endforeach()
+endfunction()
+
+# vantora_missing_test(NAME REASON): says why the tests NAME are not built or registered; an
+# error with VANTORA_REQUIRE_TESTS.
+function(vantora_missing_test name reason)
+  if(VANTORA_REQUIRE_TESTS)
+    message(FATAL_ERROR "${name} cannot run, and VANTORA_REQUIRE_TESTS is set: ${reason}")
+  endif()
+  message(STATUS "${name} is not run: ${reason}")
+endfunction()
+
+# vantora_python_module(OUTVAR STATEMENT): whether the system's Python can run STATEMENT. The
+# modules of Debian's packages are found by that Python alone.
+function(vantora_python_module out statement)
+  execute_process(COMMAND /usr/bin/python3 -c "${statement}"
+                  RESULT_VARIABLE status OUTPUT_QUIET ERROR_QUIET)
+  if(status EQUAL 0)
+    set(${out} TRUE PARENT_SCOPE)
+  else()
+    set(${out} FALSE PARENT_SCOPE)
+  endif()
+endfunction()
+
+# vantora_python_test(NAME SCRIPT [ARGUMENT ...]): a test in Python, without third parties.
+function(vantora_python_test name script)
+  if(NOT EXISTS /usr/bin/python3)
+    vantora_missing_test("${name}" "it needs /usr/bin/python3")
+    return()
+  endif()
+  add_test(NAME ${name} COMMAND /usr/bin/python3 -B "${script}" ${ARGN})
+  set_tests_properties(${name} PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 180)
 endfunction()
 
 # Fails the configuration when a *_test.cpp below tests/ is in no target: a test
@@ -44,7 +136,7 @@ function(vantora_check_every_test_is_built)
     return()
   endif()
   file(GLOB_RECURSE present CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/tests/*_test.cpp")
-  list(FILTER present EXCLUDE REGEX "/tests/platform/macos/")
+  list(FILTER present EXCLUDE REGEX "/tests/(platform/macos|macos/run)/")
   get_property(built GLOBAL PROPERTY VANTORA_TEST_SOURCES)
   foreach(source IN LISTS present)
     if(NOT source IN_LIST built)
