@@ -3,7 +3,7 @@
 // The order of the processor's tick counters and the flavour that fetches them.
 #include <mach/mach.h>
 
-#include "sampling/mach_ticks.hpp"
+#include "sampling/apple/mach_ticks.hpp"
 
 static_assert(HOST_CPU_LOAD_INFO == 3);
 static_assert(HOST_CPU_LOAD_INFO_COUNT == vantora::MachTicks::counterCount);

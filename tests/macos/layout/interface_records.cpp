@@ -13,7 +13,7 @@
 
 #include <cstddef>
 
-#include "sampling/interface_list.hpp"
+#include "sampling/apple/interface_list.hpp"
 
 static_assert(sizeof(if_msghdr2) == 160);
 static_assert(offsetof(if_msghdr2, ifm_msglen) == 0);

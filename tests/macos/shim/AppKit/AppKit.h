@@ -130,10 +130,17 @@ static const CGFloat NSVariableStatusItemLength = -1.0;
 
 // The application.
 
+typedef NS_ENUM(NSUInteger, NSApplicationTerminateReply) {
+  NSTerminateCancel = 0,
+  NSTerminateNow = 1,
+  NSTerminateLater = 2
+};
+
 @protocol NSApplicationDelegate <NSObject>
 @optional
 - (void)applicationDidFinishLaunching:(NSNotification*)notification;
 - (void)applicationWillTerminate:(NSNotification*)notification;
+- (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication*)sender;
 - (BOOL)applicationShouldHandleReopen:(NSApplication*)sender
                     hasVisibleWindows:(BOOL)hasVisibleWindows;
 - (BOOL)applicationSupportsSecureRestorableState:(NSApplication*)application
@@ -146,6 +153,10 @@ static const CGFloat NSVariableStatusItemLength = -1.0;
 @property(nullable, readonly, strong) NSEvent* currentEvent;
 - (void)run;
 - (void)terminate:(nullable id)sender;
+- (void)activate API_AVAILABLE(macos(14.0));
+- (void)activateIgnoringOtherApps:(BOOL)ignoresOtherApps;
+- (void)yieldActivationToApplicationWithBundleIdentifier:(NSString*)bundleIdentifier
+    API_AVAILABLE(macos(14.0));
 @end
 APPKIT_EXTERN __kindof NSApplication* _Null_unspecified NSApp;
 

@@ -49,10 +49,15 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 
 @interface NSURL : NSObject <NSCopying>
 + (nullable instancetype)URLWithString:(NSString*)string;
++ (NSURL*)fileURLWithPath:(NSString*)path;
+- (nullable NSURL*)URLByAppendingPathComponent:(NSString*)component;
+@property(nullable, readonly, copy) NSString* absoluteString;
 @property(nullable, readonly, copy) NSString* path;
 @end
 
 @interface NSNumber : NSObject <NSCopying>
++ (NSNumber*)numberWithBool:(BOOL)value;
+@property(readonly) BOOL boolValue;
 @end
 
 typedef struct {
@@ -115,6 +120,23 @@ typedef NSString* NSNotificationName;
 - (void)removeObserver:(id)observer;
 @end
 
+typedef NS_ENUM(NSUInteger, NSNotificationSuspensionBehavior) {
+  NSNotificationSuspensionBehaviorDeliverImmediately = 4
+};
+
+@interface NSDistributedNotificationCenter : NSNotificationCenter
+@property(class, readonly, strong) NSDistributedNotificationCenter* defaultCenter;
+- (void)addObserver:(id)observer
+              selector:(SEL)selector
+                  name:(nullable NSNotificationName)name
+                object:(nullable NSString*)object
+    suspensionBehavior:(NSNotificationSuspensionBehavior)suspensionBehavior;
+- (void)postNotificationName:(NSNotificationName)name
+                      object:(nullable NSString*)object
+                    userInfo:(nullable NSDictionary*)userInfo
+          deliverImmediately:(BOOL)deliverImmediately;
+@end
+
 FOUNDATION_EXPORT NSString* NSHomeDirectory(void);
 
 typedef NS_ENUM(NSUInteger, NSSearchPathDirectory) { NSApplicationSupportDirectory = 14 };
@@ -128,7 +150,20 @@ typedef NS_OPTIONS(NSUInteger, NSSearchPathDomainMask) { NSUserDomainMask = 1 };
 
 @interface NSBundle : NSObject
 @property(class, readonly, strong) NSBundle* mainBundle;
-- (nullable NSString*)pathForAuxiliaryExecutable:(NSString*)name;
+@property(readonly, copy) NSURL* bundleURL;
+@end
+
+typedef NS_OPTIONS(uint64_t, NSActivityOptions) {
+  NSActivityIdleSystemSleepDisabled = 1ULL << 20,
+  NSActivityUserInitiated = 0x00FFFFFFULL | NSActivityIdleSystemSleepDisabled,
+  NSActivityUserInitiatedAllowingIdleSystemSleep =
+      NSActivityUserInitiated & ~NSActivityIdleSystemSleepDisabled
+};
+
+@interface NSProcessInfo : NSObject
+@property(class, readonly, strong) NSProcessInfo* processInfo;
+- (id<NSObject>)beginActivityWithOptions:(NSActivityOptions)options reason:(NSString*)reason;
+- (void)endActivity:(id<NSObject>)activity;
 @end
 
 NS_ASSUME_NONNULL_END

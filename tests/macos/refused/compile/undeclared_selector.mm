@@ -1,0 +1,6 @@
+// expect: undeclared selector 'statusWasClicked:'
+#import <AppKit/AppKit.h>
+
+void listen(NSControl* control) {
+  control.action = @selector(statusWasClicked:);
+}

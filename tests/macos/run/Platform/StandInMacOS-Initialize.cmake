@@ -1,0 +1,2 @@
+# SPDX-License-Identifier: MIT
+set(CMAKE_EFFECTIVE_SYSTEM_NAME Linux)
