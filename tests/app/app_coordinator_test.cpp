@@ -59,7 +59,7 @@ TEST_F(AppCoordinatorTest, DrawsTwoRoundsOfTheSameTextsOnce) {
   EXPECT_EQ(item_.shown.size(), 3U);
 }
 
-TEST_F(AppCoordinatorTest, TellsOfEverySamplingRoundEvenWhenNothingIsDrawn) {
+TEST_F(AppCoordinatorTest, ReportsEverySamplingRoundEvenWhenNothingIsDrawn) {
   start(showing({{MetricID::cpuUsage, MetricID::none}}));
   int rounds = 0;
   coordinator->onUpdate = [&] { ++rounds; };
@@ -123,16 +123,16 @@ TEST_F(AppCoordinatorTest, DrawsAQuotaStateThatChangesAText) {
   start(withQuotas());
   ASSERT_EQ(clients.codex.size(), 1U);
   ASSERT_EQ(clients.claude.size(), 1U);
-  EXPECT_TRUE(clients.codex[0]->isStarted);
-  clients.codex[0]->completion(codex_result::NeedsAuthentication());
+  EXPECT_EQ(clients.codex[0]->starts, 1);
+  clients.codex[0]->completion(quota_result::NeedsAuthentication());
   EXPECT_THAT(lastText(), testing::HasSubstr("Codex · tempo até renovar: LOGIN"));
-  clients.claude[0]->completion(claude_result::NeedsAuthentication());
+  clients.claude[0]->completion(quota_result::NeedsAuthentication());
   EXPECT_THAT(lastText(), testing::HasSubstr("Claude · janela de 5 horas (%): LOGIN"));
 }
 
 TEST_F(AppCoordinatorTest, OpensTheLoginPageInTheBrowser) {
   start(withQuotas());
-  clients.codex[0]->completion(codex_result::NeedsAuthentication());
+  clients.codex[0]->completion(quota_result::NeedsAuthentication());
   coordinator->model().onQuotaConnect();
   ASSERT_EQ(clients.codex.size(), 2U);
   EXPECT_EQ(clients.codex[1]->mode, CodexClientMode::login);
@@ -142,15 +142,15 @@ TEST_F(AppCoordinatorTest, OpensTheLoginPageInTheBrowser) {
 
 TEST_F(AppCoordinatorTest, PassesTheWindowsIntentsToTheProviders) {
   start(withQuotas());
-  clients.codex[0]->completion(codex_result::Failure{"x"});
-  clients.claude[0]->completion(claude_result::Failure{"x"});
+  clients.codex[0]->completion(quota_result::Failure{"x"});
+  clients.claude[0]->completion(quota_result::Failure{"x"});
   time.advance(Seconds{30});
   coordinator->model().onQuotaRefresh();
   coordinator->model().onClaudeRefresh();
   EXPECT_EQ(clients.codex.size(), 2U);
   EXPECT_EQ(clients.claude.size(), 2U);
   coordinator->model().onCodexExecutableChange();
-  EXPECT_TRUE(clients.codex[1]->isCancelled);
+  EXPECT_EQ(clients.codex[1]->cancels, 1);
   EXPECT_EQ(clients.codex.size(), 3U);
 }
 
@@ -158,7 +158,7 @@ TEST_F(AppCoordinatorTest, ConfiguresTheProvidersOnEveryChange) {
   start(withQuotas());
   change([](auto& configuration) { configuration.codexSettings->enabled = false; });
   EXPECT_EQ(coordinator->snapshot().codex.status, CodexQuotaStatus::disabled);
-  EXPECT_TRUE(clients.codex[0]->isCancelled);
+  EXPECT_EQ(clients.codex[0]->cancels, 1);
   change([](auto& configuration) { configuration.paused = true; });
   EXPECT_EQ(coordinator->snapshot().claude.status, ClaudeQuotaStatus::disabled);
 }
@@ -197,7 +197,7 @@ TEST_F(AppCoordinatorTest, StopsBeforeSleepAndStartsAfresh) {
   time.advance(Seconds{10});
   EXPECT_EQ(ticks->reads(), before);
   EXPECT_EQ(coordinator->snapshot().codex.status, CodexQuotaStatus::disabled);
-  EXPECT_TRUE(clients.claude[0]->isCancelled);
+  EXPECT_EQ(clients.claude[0]->cancels, 1);
   power.onDidWake();
   time.runPosted();
   EXPECT_EQ(ticks->reads(), before + 1);
@@ -225,6 +225,7 @@ TEST_F(AppCoordinatorTest, OpensTheSettingsAtAClickWithTheReadingsOfTheMoment) {
   item_.actions.openSettings("token");
   EXPECT_THAT(window->tokens, testing::ElementsAre("token"));
   EXPECT_EQ(coordinator->model().snapshot(), coordinator->snapshot());
+  time.runPosted();
   EXPECT_EQ(coordinator->model().loginItemStatus(), LoginItemStatus::enabled);
 }
 
@@ -237,10 +238,10 @@ TEST_F(AppCoordinatorTest, CopiesReadingsToTheModelOnlyWhileTheWindowIsVisible) 
   setUsage(30);
   time.advance(Seconds{1});
   EXPECT_EQ(coordinator->model().snapshot(), coordinator->snapshot());
-  clients.codex[0]->completion(codex_result::NeedsAuthentication());
+  clients.codex[0]->completion(quota_result::NeedsAuthentication());
   EXPECT_EQ(coordinator->model().snapshot().codex.status, CodexQuotaStatus::needsAuthentication);
   window->isOpen = false;
-  clients.claude[0]->completion(claude_result::NeedsAuthentication());
+  clients.claude[0]->completion(quota_result::NeedsAuthentication());
   EXPECT_NE(coordinator->model().snapshot(), coordinator->snapshot());
 }
 
@@ -289,8 +290,8 @@ TEST_F(AppCoordinatorTest, EndsItsChildrenAndItsListeningAtTermination) {
   coordinator->model().setConfiguration(withQuotas());
   window->isOpen = true;
   coordinator->terminate();
-  EXPECT_TRUE(clients.codex.back()->isCancelled);
-  EXPECT_TRUE(clients.claude.back()->isCancelled);
+  EXPECT_EQ(clients.codex.back()->cancels, 1);
+  EXPECT_EQ(clients.claude.back()->cancels, 1);
   EXPECT_FALSE(power.onDidWake);
   EXPECT_FALSE(window->isOpen);
 }

@@ -22,6 +22,7 @@
 #include "support/fake_tick_counters.hpp"
 #include "support/temporary_folder.hpp"
 #include "support/virtual_time.hpp"
+#include "support/virtual_worker.hpp"
 
 namespace vantora::test {
 
@@ -53,14 +54,21 @@ struct AppWorld {
     window = fakeWindow.get();
     coordinator = AppCoordinator::create(
         {*main, time, item, engine,
-         std::make_unique<SettingsModel>(*main, ConfigurationStore(folder.path()), loginItem,
-                                         defaults),
+         std::make_unique<SettingsModel>(*main, worker, ConfigurationStore(folder.path()),
+                                         loginItem, defaults),
          SamplingCoordinator::create(*sampling, *main, time, std::move(sources)),
-         std::make_unique<CodexQuotaProvider>(CodexQuotaProvider::Ports{
-             *main, time, clients.codexFactory(), [] { return "/bin/codex"; }, [] { return 0.0; }}),
+         std::make_unique<CodexQuotaProvider>(
+             CodexQuotaProvider::Ports{*main, time, clients.codexFactory(),
+                                       [] {
+                                         return AssistantExecutable{"/bin/codex", "/bin/codex"};
+                                       },
+                                       [] { return 0.0; }}),
          std::make_unique<ClaudeQuotaProvider>(
              ClaudeQuotaProvider::Ports{*main, time, clients.claudeFactory(),
-                                        [] { return "/bin/claude"; }, [] { return 0.0; }}),
+                                        [] {
+                                          return AssistantExecutable{"/bin/claude", "/bin/claude"};
+                                        },
+                                        [] { return 0.0; }}),
          std::make_unique<FakePowerEvents>(power), hasWindow ? std::move(fakeWindow) : nullptr,
          hasWindow ? &urlOpener : nullptr, [this] { ++quits; }});
   }
@@ -82,6 +90,7 @@ struct AppWorld {
   VirtualTime time;
   std::unique_ptr<VirtualQueue> main = time.makeQueue();
   std::unique_ptr<VirtualQueue> sampling = time.makeQueue();
+  VirtualWorker worker{*main};
   TemporaryFolder folder;
   FakeLoginItem loginItem;
   FakeUserDefaults defaults;

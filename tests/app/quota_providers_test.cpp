@@ -36,9 +36,7 @@ class QuotaProvidersTest : public testing::Test {
     std::filesystem::permissions(path, std::filesystem::perms::owner_all);
     return std::filesystem::canonical(path).string();
   }
-  [[nodiscard]] ConversationHost host() {
-    return {*main, *main, launcher, (folder / "Vantora").string()};
-  }
+  [[nodiscard]] ConversationHost host() { return {*main, launcher, (folder / "Vantora").string()}; }
   [[nodiscard]] std::vector<std::string> startedPrograms() const {
     std::vector<std::string> programs;
     for (const auto& process : launcher.started()) {

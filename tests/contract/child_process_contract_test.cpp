@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "runtime/child_process.hpp"
+#include "process/child_process.hpp"
 #include "support/real_processes.hpp"
 #include "support/scripted_process.hpp"
 #include "support/virtual_time.hpp"
@@ -179,7 +179,7 @@ TEST_P(ChildProcessContract, DeliversTheOutputBeforeTheExit) {
   EXPECT_EQ(lastExit, (ChildExit{3, 0}));
 }
 
-TEST_P(ChildProcessContract, TellsEachEndOnce) {
+TEST_P(ChildProcessContract, ReportsEachEndOnce) {
   {
     const auto child = start("exit", {"0"});
     runUntilOver();
@@ -190,7 +190,7 @@ TEST_P(ChildProcessContract, TellsEachEndOnce) {
   EXPECT_EQ(outputEnds, 1);
 }
 
-TEST_P(ChildProcessContract, TellsTheSignalThatEndedTheChild) {
+TEST_P(ChildProcessContract, ReportsTheSignalThatEndedTheChild) {
   const auto child = start("die");
   runUntilOver();
   EXPECT_EQ(lastExit, (ChildExit{0, SIGUSR1}));
@@ -221,7 +221,7 @@ TEST_P(ChildProcessContract, RefusesAWriteToAChildThatClosedItsInput) {
   EXPECT_EQ(exits, 0);
 }
 
-TEST_P(ChildProcessContract, TellsTheEndOfTheOutputWhileTheChildLives) {
+TEST_P(ChildProcessContract, ReportsTheEndOfTheOutputWhileTheChildLives) {
   const auto child = start("close-output");
   runUntil([this] { return outputEnds == 1; });
   EXPECT_EQ(exits, 0);
@@ -273,7 +273,7 @@ TEST_P(ChildProcessContract, MayBeDestroyedByItsOwnEvents) {
   EXPECT_EQ(calls, 2);
 }
 
-TEST_P(ChildProcessContract, TakesChildrenThatNobodyListensTo) {
+TEST_P(ChildProcessContract, AcceptsChildrenWithoutListeners) {
   {
     auto result = launcher().start(helperOptions("complain", {"nobody"}), {});
     ASSERT_TRUE(result.hasValue());

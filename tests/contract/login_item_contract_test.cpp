@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 //
-// What every LoginItem promises, asked of the real one and of the fake.
-#include <gtest/gtest.h>
-
-#include "platform/linux/autostart_login_item.hpp"
+// The contract, kept by the real ones of Linux and by the fake.
+#include "contract/login_item_contract.hpp"
+#include "platform/linux/desktop/autostart_login_item.hpp"
 #include "support/fake_settings_ports.hpp"
 #include "support/temporary_folder.hpp"
 
-namespace vantora {
+namespace vantora::test {
 namespace {
 
 namespace fs = std::filesystem;
@@ -36,45 +35,8 @@ struct Autostart {
   AutostartLoginItem item{places()};
 };
 
-template <typename System>
-class LoginItemContract : public testing::Test {
- protected:
-  System system_;
-  LoginItem& item_ = system_.item;
-};
 using Systems = testing::Types<Fake, Autostart>;
-TYPED_TEST_SUITE(LoginItemContract, Systems);
-
-TYPED_TEST(LoginItemContract, IsNotRegisteredBeforeAnybodyAsked) {
-  EXPECT_EQ(this->item_.status(), LoginItemStatus::notRegistered);
-  EXPECT_EQ(this->item_.status(), LoginItemStatus::notRegistered);
-}
-
-TYPED_TEST(LoginItemContract, IsEnabledOnceItIsRegisteredAndUntilItIsNoMore) {
-  EXPECT_EQ(this->item_.setRegistered(true), std::nullopt);
-  EXPECT_EQ(this->item_.status(), LoginItemStatus::enabled);
-  EXPECT_EQ(this->item_.setRegistered(false), std::nullopt);
-  EXPECT_EQ(this->item_.status(), LoginItemStatus::notRegistered);
-  EXPECT_EQ(this->item_.setRegistered(true), std::nullopt);
-  EXPECT_EQ(this->item_.status(), LoginItemStatus::enabled);
-}
-
-TYPED_TEST(LoginItemContract, TakesTheSameRequestTwice) {
-  for (const bool registered : {false, true, false}) {
-    EXPECT_EQ(this->item_.setRegistered(registered), std::nullopt);
-    EXPECT_EQ(this->item_.setRegistered(registered), std::nullopt);
-    EXPECT_EQ(this->item_.status(),
-              registered ? LoginItemStatus::enabled : LoginItemStatus::notRegistered);
-  }
-}
-
-TYPED_TEST(LoginItemContract, SaysWhyItCouldNotBeRegisteredAndStaysAsItWas) {
-  this->system_.refuse();
-  const std::optional<Fault> fault = this->item_.setRegistered(true);
-  ASSERT_TRUE(fault);
-  EXPECT_FALSE(fault->detail.empty());
-  EXPECT_EQ(this->item_.status(), LoginItemStatus::notRegistered);
-}
+INSTANTIATE_TYPED_TEST_SUITE_P(Linux, LoginItemContract, Systems);
 
 }  // namespace
-}  // namespace vantora
+}  // namespace vantora::test

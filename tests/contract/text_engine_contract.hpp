@@ -112,7 +112,7 @@ TEST_P(TextEngineContract, HasALineBoxOfAboutTheFontsSize) {
   }
 }
 
-TEST_P(TextEngineContract, StandsItsTextOnTheBaseline) {
+TEST_P(TextEngineContract, PutsItsTextOnTheBaseline) {
   for (const FontFace face : faces) {
     for (const int scale : {1, 2, 3}) {
       AlphaBitmap bitmap(60 * scale, 30 * scale);

@@ -15,10 +15,10 @@ import signal
 import subprocess
 import sys
 import tempfile
-import time
 
-PATIENCE = 20  # seconds: for a loaded machine, never for the program
-SKIPPED = 77
+from stage import SKIPPED, start_bus, start_display, until
+
+TIMEOUT = 20  # seconds: allows for a loaded machine
 
 SWAY = """
 xwayland disable
@@ -33,15 +33,6 @@ for_window [app_id="local.vantora.Vantora"] floating enable, move position 300 1
 def skip(reason):
     print(f"activation_test: skipped: {reason}", file=sys.stderr)
     sys.exit(SKIPPED)
-
-
-def until(what, look):
-    deadline = time.monotonic() + PATIENCE
-    while not (found := look()):
-        if time.monotonic() > deadline:
-            raise SystemExit(f"activation_test: never came: {what}")
-        time.sleep(0.05)
-    return found
 
 
 def launcher():
@@ -77,15 +68,8 @@ class Session:
             HOME=self.home, XDG_RUNTIME_DIR=runtime, XDG_CONFIG_HOME=self.home + "/config",
             XDG_CACHE_HOME=self.home + "/cache", XDG_DATA_HOME=self.home + "/data",
             GSETTINGS_BACKEND="memory", NO_AT_BRIDGE="1", LIBGL_ALWAYS_SOFTWARE="1")
-        read, write = os.pipe()
-        self.start(["Xvfb", "-displayfd", str(write), "-noreset", "-screen", "0",
-                    "1000x700x24", "-nolisten", "tcp"], pass_fds=[write])
-        os.close(write)
-        with os.fdopen(read) as answer:
-            display = ":" + answer.readline().strip()
-        bus = self.start(["dbus-daemon", "--session", "--nofork", "--print-address"],
-                         stdout=subprocess.PIPE, text=True)
-        os.environ["DBUS_SESSION_BUS_ADDRESS"] = bus.stdout.readline().strip()
+        _, display = start_display(self.start, "1000x700")
+        _, os.environ["DBUS_SESSION_BUS_ADDRESS"] = start_bus(self.start, runtime + "/bus")
         with open(self.home + "/sway.conf", "w", encoding="utf-8") as file:
             file.write(SWAY)
         self.start(["sway", "-c", self.home + "/sway.conf"],
@@ -148,13 +132,15 @@ class Window:
                                     XDG_ACTIVATION_TOKEN=token, DESKTOP_STARTUP_ID=token))
         if self.hears().get("type") != "ready":
             raise SystemExit("activation_test: the window did not come")
-        quota = {"message": "", "lastSuccess": None, "executable": "", "candidates": []}
+        quota = {"message": "", "lastSuccess": None, "executable": "", "candidates": [],
+                 "needsLogin": False}
         self.state(
             configuration={"schemaVersion": 1, "intervalSeconds": 2, "modules": [], "gap": 4,
                            "horizontalPadding": 3, "verticalPadding": 0, "lineGap": 0,
                            "paused": False},
             networkName=None, codex=quota, claude=quota, loginItemStatus="notRegistered",
-            pendingScrollID=None, notice=None, picture={
+            pendingScrollID=None, notice=None, undoable=None, links=[], backupPath="", readings=[],
+            picture={
                 "width": 0, "scale": 1, "columns": 0, "rows": 0, "alpha": "", "warning": None})
 
     def say(self, **message):
@@ -165,7 +151,7 @@ class Window:
         return json.loads(self.program.stdout.readline() or "{}")
 
     def state(self, **fields):
-        """Tells the window something and waits until it has shown it."""
+        """Sends the window a state and waits until it has shown it."""
         self.sequence += 1
         self.say(type="state", sequence=self.sequence, revision=0, **fields)
         while (answer := self.hears()).get("type") == "ready":
@@ -205,7 +191,7 @@ def run(session):
         print(f"{round_}. the window came to the front with a fresh token")
 
     window.program.stdin.close()
-    if window.program.wait(PATIENCE) != 0:
+    if window.program.wait(TIMEOUT) != 0:
         raise SystemExit(f"activation_test: the window ended with {window.program.returncode}")
     print("activation_test: all steps passed")
 

@@ -40,8 +40,8 @@ class BusLossTest(stage.StageTest):
         self.assertEqual(agent.said(), said)
 
     def assert_waits_quietly(self, agent):
-        # A reading every two seconds, and an attempt now and then: neither does it wake up all
-        # the time nor never go to sleep.
+        # A reading every two seconds and an attempt to connect now and then: few wake-ups, and
+        # little processor time.
         before = stage.switches(agent.pid), stage.processor_seconds(agent.pid), time.monotonic()
         time.sleep(3)
         now = stage.switches(agent.pid), stage.processor_seconds(agent.pid), time.monotonic()
@@ -93,7 +93,7 @@ class BusLossTest(stage.StageTest):
             panel.wait()
             panel = self.start_panel()
             until("the registration", lambda wanted=count: len(self.registered()) == wanted)
-        # A panel that is back at once is nothing that anybody has to be told.
+        # A panel that is back at once is not worth a message.
         self.assertEqual(agent.said(), [SHOWN])
         self.assertEqual(agent.end(), 0)
 

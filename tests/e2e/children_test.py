@@ -33,7 +33,7 @@ class ChildrenTest(stage.StageTest):
     def assert_nothing_is_left(self, agent, family):
         # They are given a quarter of a second.
         until("the end of the children", lambda: not any(map(stage.is_running, family)),
-              patience=8)
+              limit=8)
         until("the end of the guards", lambda: agent.guards() == [])
 
     def test_sigterm_ends_the_agent_and_all_of_them(self):
@@ -44,7 +44,7 @@ class ChildrenTest(stage.StageTest):
     def test_the_menus_quit_ends_all_of_them(self):
         agent, family = self.start_stubborn()
         agent.choose("Sair")
-        self.assertEqual(agent.process.wait(stage.PATIENCE), 0)
+        self.assertEqual(agent.process.wait(stage.TIMEOUT), 0)
         self.assert_nothing_is_left(agent, family)
 
     def test_a_killed_agent_leaves_none_of_them(self):
@@ -53,12 +53,12 @@ class ChildrenTest(stage.StageTest):
         self.assert_nothing_is_left(agent, family)
 
     def test_a_session_that_ends_impatiently_leaves_none_of_them(self):
-        # As a service manager ends a session: everybody is asked, the bus goes away, and
-        # who is still there is killed. Here the agent alone, in the midst of its end.
+        # As a service manager ends a session: every process is asked to end, the bus
+        # goes away, and what still runs is killed: here the agent alone, while it ends.
         agent, family = self.start_stubborn()
-        everybody = [agent.pid] + agent.guards() + family
+        processes = [agent.pid] + agent.guards() + family
         self.stop_bus(self.bus)
-        for pid in everybody:
+        for pid in processes:
             os.kill(pid, signal.SIGTERM)
         agent.kill()
         self.assert_nothing_is_left(agent, family)
@@ -77,7 +77,7 @@ class ChildrenTest(stage.StageTest):
                 self.setUp()
                 agent, family = self.start_stubborn()
                 agent.process.send_signal(number)
-                self.assertEqual(agent.process.wait(stage.PATIENCE), 0)
+                self.assertEqual(agent.process.wait(stage.TIMEOUT), 0)
                 self.assert_nothing_is_left(agent, family)
 
     def test_there_is_a_guard_for_each_running_child_and_none_besides(self):

@@ -46,6 +46,7 @@ class EditingTest(stage.StageTest):
         window = self.open_window(agent)
 
         # Edits that are nothing to the query, and one of how its answer is shown.
+        window.press("push button", lambda name: name.startswith("Editar, módulo 1 ("))
         self.set_width(window, 77)
         window.tab("Claude")
         window.find("label", "Estado: Consultando os limites pelo Claude Code.")

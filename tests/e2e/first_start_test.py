@@ -16,8 +16,10 @@ class FirstStartTest(stage.StageTest):
         self.start_bus()
         agent = self.start_agent().wait_until_owner()
         text = until("the readings", lambda: "uso total: —" not in agent.text() and agent.text())
-        for name in ("Bateria", "upload", "download", "CPU"):
+        for name in ("upload", "download", "CPU"):
             self.assertIn(name, text)
+        # No dashes of a battery that the machine does not have.
+        self.assertEqual("Bateria" in text, stage.has_battery())
         width, height, drawn = agent.picture()
         self.assertGreaterEqual(width, height)
         self.assertGreater(drawn, 20)
@@ -33,6 +35,16 @@ class FirstStartTest(stage.StageTest):
         for folder, mode in (("config/Vantora", 0o700),
                              ("config/Vantora/configuration.json", 0o600)):
             self.assertEqual(os.stat(os.path.join(self.home, folder)).st_mode & 0o777, mode)
+
+    def test_keeps_every_module_of_the_default_in_the_first_document(self):
+        self.start_bus()
+        agent = self.start_agent().wait_until_owner()
+        agent.choose("Pausar")
+        until("the first document", lambda: self.saved()["paused"])
+        self.assertEqual([(module["top"], module["enabled"]) for module in self.saved()["modules"]],
+                         [("batteryPercent", stage.has_battery()), ("upload", True),
+                          ("cpuUsage", True)])
+        self.assertEqual(agent.end(), 0)
 
     def test_an_end_without_a_change_leaves_the_home_empty(self):
         self.start_bus()
@@ -68,10 +80,23 @@ class FirstStartTest(stage.StageTest):
         self.write("Vantora/configuration.json", {"schemaVersion": 7})
         agent = self.start_agent().wait_until_owner()
         self.assertIn("CPU", agent.text())
-        self.assertEqual(
-            agent.said(), ["vantora: Configuração inválida preservada em disco; padrão carregado."])
+        self.assertEqual(len(agent.said()), 1)
+        self.assertRegex(
+            agent.said()[0],
+            "^vantora: Configuração inválida preservada em disco; padrão carregado. Na primeira "
+            "gravação, ela será guardada em /.*/Vantora/configuration.unreadable.json.$")
         self.assertEqual(agent.end(), 0)
         self.assertEqual(self.saved(), {"schemaVersion": 7})
+
+    def test_says_when_it_may_open_too_few_files(self):
+        # A leak checker could not open what it reads.
+        self.environment["ASAN_OPTIONS"] = "detect_leaks=0"
+        for limit in range(4, 19):
+            agent = stage.Agent(self, "/usr/bin/prlimit", f"--nofile={limit}", self.program)
+            self.assertEqual(agent.process.wait(stage.TIMEOUT), 1)
+            self.assertEqual(agent.said(), [
+                "vantora: não é possível iniciar: o limite de arquivos abertos do processo é baixo "
+                "demais (ulimit -n)"])
 
 
 if __name__ == "__main__":

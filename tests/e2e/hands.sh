@@ -26,14 +26,14 @@ shows_another_below() {
   [ "$now" != "$1" ] && shows_below "$now" # and it is drawn to its end
 }
 # dismiss: closes whatever is open, by a click beside it, until the screen is as it was at
-# first. What does not close in time is met again by whoever clicks next.
+# first. What does not close in time is handled by the next click.
 dismiss() {
   until_true 3 shows_below "$empty" && return
   xdotool key Escape mousemove $((x - 60)) $((y + 120)) click 1 mousemove "$x" "$y"
   until_true 3 shows_below "$empty"
 }
-# choose N: the Nth entry of the item's menu; fails where that does not follow. waybar's menus take no keys; its entries are
-# 24 pixels high and begin left of and below the pointer.
+# choose N: the Nth entry of the item's menu; fails where that does not follow. waybar's menus
+# take no keys; its entries are 24 pixels high and begin left of and below the pointer.
 choose() {
   local before
   dismiss

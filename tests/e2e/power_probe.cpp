@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Tells on its standard output what the Linux power adapters see on the machine it runs on:
+// Prints what the Linux power adapters see on the machine it runs on:
 // a line for battery and sensors at the start and after each change of the power source, a
 // line for each sleep and wake. Ends when its standard input does.
 #include <uv.h>
@@ -8,9 +8,9 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "platform/linux/linux_battery_source.hpp"
-#include "platform/linux/linux_power_events.hpp"
-#include "platform/linux/linux_sensor_source.hpp"
+#include "platform/linux/battery/linux_battery_source.hpp"
+#include "platform/linux/power/linux_power_events.hpp"
+#include "platform/linux/sensors/linux_sensor_source.hpp"
 #include "runtime/system_clock.hpp"
 #include "runtime/uv_loop.hpp"
 

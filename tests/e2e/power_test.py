@@ -24,8 +24,10 @@ from gi.repository import UMockdev  # noqa: E402
 
 import dbusmock  # noqa: E402
 
+import stage  # noqa: E402
+
 PROBE, PRINT, MACHINES = "", "", ""
-PATIENCE = 10  # seconds
+TIMEOUT = 10  # seconds
 
 
 def read_machine(name):
@@ -77,9 +79,9 @@ class Program:
         )
         self.pending = b""
 
-    def line(self, patience=PATIENCE):
+    def line(self, timeout=TIMEOUT):
         while b"\n" not in self.pending:
-            if not select.select([self.process.stdout], [], [], patience)[0]:
+            if not select.select([self.process.stdout], [], [], timeout)[0]:
                 return None
             read = os.read(self.process.stdout.fileno(), 4096)
             if not read:
@@ -90,7 +92,7 @@ class Program:
 
     def end(self):
         self.process.stdin.close()
-        status = self.process.wait(PATIENCE)
+        status = self.process.wait(TIMEOUT)
         self.process.stdout.close()
         return status
 
@@ -123,9 +125,9 @@ class Following(Program):
             HOME=home, XDG_CONFIG_HOME=home,
         )
 
-    def quality(self, patience=PATIENCE):
+    def quality(self, timeout=TIMEOUT):
         """Of the CPU sample in the next line; nothing when none comes."""
-        line = self.line(patience)
+        line = self.line(timeout)
         if line is None:
             return None
         printed = json.loads(line)
@@ -197,15 +199,20 @@ class PowerTest(unittest.TestCase):
         self.machine.announce("macsmc-battery")
         self.assertTrue(probe.line().startswith("battery "))
         self.assertTrue(probe.line().startswith("sensors "))
-        self.assertIsNone(probe.line(patience=0.3))
+        self.assertIsNone(probe.line(timeout=0.3))
 
 
 class PrintTest(unittest.TestCase):
     """The same through vantora-print, with the configuration of the first start."""
 
-    def samples(self, machine):
+    def samples(self, machine, document=None):
         mocked = Machine(machine)
         with tempfile.TemporaryDirectory() as home:
+            if document is not None:
+                os.mkdir(os.path.join(home, "Vantora"))
+                with open(os.path.join(home, "Vantora/configuration.json"), "w",
+                          encoding="utf-8") as file:
+                    json.dump(document, file)
             environment = dict(
                 os.environ,
                 UMOCKDEV_DIR=mocked.testbed.get_root_dir(),
@@ -227,8 +234,15 @@ class PrintTest(unittest.TestCase):
         self.assertEqual(samples["cpuTemperature"]["value"], 52)
         self.assertTrue(printed["batteryOnAC"] and printed["batteryCharging"])
 
+    def test_begins_without_the_module_of_a_battery_that_cannot_be(self):
+        printed = self.samples("raspberry-pi-4")
+        self.assertNotIn("batteryPercent", printed["samples"])
+        self.assertEqual([module["top"]["metric"] for module in printed["modules"]],
+                         ["upload", "cpuUsage"])
+
     def test_prints_reasons_where_a_machine_has_nothing(self):
-        samples = self.samples("raspberry-pi-4")["samples"]
+        samples = self.samples("raspberry-pi-4", stage.configuration(
+            ("batteryPercent", "cpuTemperature")))["samples"]
         self.assertEqual(samples["batteryPercent"]["quality"], "unavailable")
         self.assertEqual(samples["batteryPercent"]["source"], "Bateria interna indisponível")
         self.assertEqual(samples["cpuTemperature"]["value"], 47.712)
@@ -271,8 +285,8 @@ class SleepTest(unittest.TestCase):
         )
 
     def wait_for_lock(self, present=True):
-        """Until somebody holds the machine awake for us, or nobody does."""
-        deadline = time.monotonic() + PATIENCE
+        """Until an inhibitor of ours is held, or none is."""
+        deadline = time.monotonic() + TIMEOUT
         while time.monotonic() < deadline:
             locks = self.logind.ListInhibitors(dbus_interface="org.freedesktop.login1.Manager")
             if present == any(
@@ -322,9 +336,9 @@ class SleepTest(unittest.TestCase):
             self.wait_for_lock()
             self.sleep(True)
             self.wait_for_lock(present=False)  # everything has stopped
-            while printer.line(patience=0) is not None:
+            while printer.line(timeout=0) is not None:
                 pass  # what was printed before
-            self.assertIsNone(printer.line(patience=2.5))
+            self.assertIsNone(printer.line(timeout=2.5))
             self.sleep(False)
             self.assertEqual(printer.qualities_until("valid"), ["waiting", "valid"])
 

@@ -10,15 +10,31 @@ import fcntl
 import json
 import os
 import pathlib
+import resource
+import select
+import signal
+import struct
 import subprocess
 import sys
 import tempfile
+import termios
 import unittest
+
+import stage
 
 PROGRAM = sys.argv.pop(1)
 NOTICE = "Configuração inválida preservada em disco; padrão carregado."
 VALID = ('{"schemaVersion":1,"intervalSeconds":1,"modules":[],"gap":4,"horizontalPadding":3,'
          '"verticalPadding":0,"lineGap":0,"paused":false}')
+
+
+def resize(terminal, columns):
+    fcntl.ioctl(terminal, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
+
+
+def layout(*metrics):
+    """A document that shows these metrics."""
+    return json.dumps(stage.configuration(*((metric, "none") for metric in metrics)))
 
 
 class PrintTest(unittest.TestCase):
@@ -42,9 +58,20 @@ class PrintTest(unittest.TestCase):
         self.document.parent.mkdir(exist_ok=True)
         self.document.write_text(content)
 
+    def test_says_when_it_may_open_too_few_files(self):
+        # A leak checker could not open what it reads.
+        self.environment["ASAN_OPTIONS"] = "detect_leaks=0"
+        for limit in range(4, 19):
+            result = self.start(preexec_fn=lambda: resource.setrlimit(
+                resource.RLIMIT_NOFILE, (limit, limit)))
+            self.assertEqual(
+                (result.returncode, result.stdout, result.stderr.decode()),
+                (1, b"", "vantora-print: não é possível iniciar: o limite de arquivos abertos do "
+                         "processo é baixo demais (ulimit -n)\n"), limit)
+
     def test_starts_from_the_defaults_without_a_document(self):
         report = self.report()
-        self.assertEqual(len(report["modules"]), 3)
+        self.assertEqual(len(report["modules"]), 3 if stage.has_battery() else 2)
         self.assertIsNone(report["notice"])
         self.assertEqual(os.listdir(self.home), [])
 
@@ -78,6 +105,63 @@ class PrintTest(unittest.TestCase):
             result = self.start("--format", form, "--timeout", "0.05")
             self.assertEqual(result.stderr.decode(), f"vantora-print: {NOTICE}\n")
         self.assertEqual(self.start("--format", "json", "--timeout", "0.05").stderr, b"")
+
+    def start_on_terminal(self, *arguments):
+        """A running program on a terminal of 24 lines of 60 characters: the process, and what
+        the terminal has shown so far by a call."""
+        screen, terminal = os.openpty()
+        self.addCleanup(os.close, screen)
+        resize(terminal, 60)
+        child = subprocess.Popen([PROGRAM, *arguments], stdout=terminal, stderr=subprocess.PIPE,
+                                 env=self.environment)
+        self.addCleanup(child.wait)
+        self.addCleanup(child.kill)
+        self.addCleanup(child.stderr.close)
+        self.addCleanup(os.close, terminal)
+        seen = bytearray()
+
+        def shown():
+            while select.select([screen], [], [], 0)[0]:
+                seen.extend(os.read(screen, 4096))
+            return seen.decode("utf-8", "replace").replace("\r\n", "\n")
+        return child, terminal, shown
+
+    def test_prints_a_line_with_the_reason_for_each_metric_on_a_terminal(self):
+        self.store(layout("cpuUsage", "inputWatts"))
+        child, _, shown = self.start_on_terminal("--timeout", "0.05")
+        self.assertEqual(child.wait(30), 0)
+        lines = shown().splitlines()
+        self.assertEqual(len(lines), 2)
+        self.assertTrue(lines[0].startswith("CPU · uso total "), lines)
+        self.assertRegex(lines[1], "^Entrada · potência .não validada. +—  Fonte ainda não")
+        for line in lines:
+            self.assertLessEqual(len(line), 60)
+
+    def test_prints_the_named_format_on_a_terminal(self):
+        self.store(layout("inputWatts"))
+        child, _, shown = self.start_on_terminal("--timeout", "0.05", "--format", "text")
+        self.assertEqual(child.wait(30), 0)
+        self.assertEqual(shown(), "—\n")
+
+    def test_prints_the_list_into_a_pipe_where_it_is_asked_for(self):
+        self.store(layout("inputWatts"))
+        result = self.start("--timeout", "0.05", "--format", "list")
+        self.assertEqual(result.stdout.decode(),
+                         "Entrada · potência (não validada)  —  Fonte ainda não validada neste "
+                         "computador\n")
+
+    def test_draws_the_list_anew_when_the_terminal_has_another_size(self):
+        self.store(layout("inputWatts"))
+        child, terminal, shown = self.start_on_terminal("--follow")
+        stage.until("the list", lambda: "potência" in shown())
+        self.assertNotIn("\x1b[H", shown())
+        resize(terminal, 40)
+        # The program has no controlling terminal here, which would tell it.
+        child.send_signal(signal.SIGWINCH)
+        stage.until("the list in its new width", lambda: shown().endswith(
+            "\x1b[H\x1b[J\x1b[2KEntrada · potência (não validada)  —  F…\x1b[J"))
+        child.send_signal(signal.SIGINT)
+        self.assertEqual(child.wait(30), 0)
 
     def test_refuses_bad_arguments_in_one_line(self):
         result = self.start("--format", "xml")

@@ -3,7 +3,7 @@
 """quota_tool.py claude|codex patient|stubborn NOTES
 
 A command-line assistant for tests: answers what the agent asks once the file NOTES/answer
-stands there (patient), or neither answers nor ends when it is asked to or when its input
+exists (patient), or neither answers nor ends when it is asked to or when its input
 ends, and starts a child that is no better (stubborn). Notes its number, its child's and its
 environment. It ends by itself after a minute, so that a failed test leaves nothing behind.
 """

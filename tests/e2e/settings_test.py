@@ -17,25 +17,9 @@ import tempfile
 import threading
 import time
 
-PATIENCE = 20  # seconds: for a loaded machine, never for the program
+from stage import start_bus, start_display, until
 
-
-def until(what, look):
-    """What `look` answers once that is neither false nor an error."""
-    deadline = time.monotonic() + PATIENCE
-    while True:
-        try:
-            found = look()
-        except Exception as error:  # the tree changes under the one who reads it
-            found = None
-            problem = error
-        else:
-            problem = found
-        if found:
-            return found
-        if time.monotonic() > deadline:
-            raise SystemExit(f"settings_test: never came: {what} ({problem!r})")
-        time.sleep(0.05)
+TIMEOUT = 20  # seconds: allows for a loaded machine
 
 
 class Session:
@@ -50,17 +34,8 @@ class Session:
         os.environ.update(
             HOME=self.home, XDG_CONFIG_HOME=self.home + "/config", XDG_RUNTIME_DIR=self.home,
             NO_AT_BRIDGE="0", QT_ACCESSIBILITY="1", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
-        read, write = os.pipe()
-        # Without -noreset the server begins anew, deaf for a moment, when the agent has
-        # looked for a tray and left.
-        self.start(["Xvfb", "-displayfd", str(write), "-noreset", "-screen", "0",
-                    "1000x800x24", "-nolisten", "tcp"], pass_fds=[write])
-        os.close(write)
-        with os.fdopen(read) as answer:
-            os.environ["DISPLAY"] = ":" + answer.readline().strip()
-        bus = self.start(["dbus-daemon", "--session", "--nofork", "--print-address"],
-                         stdout=subprocess.PIPE, text=True)
-        os.environ["DBUS_SESSION_BUS_ADDRESS"] = bus.stdout.readline().strip()
+        _, os.environ["DISPLAY"] = start_display(self.start)
+        _, os.environ["DBUS_SESSION_BUS_ADDRESS"] = start_bus(self.start, self.home + "/bus")
 
     def start(self, command, **options):
         options.setdefault("stdout", subprocess.DEVNULL)
@@ -168,7 +143,7 @@ class Portal:
 
 
 class Window:
-    """The settings window as the accessibility bus tells it."""
+    """The settings window, through the accessibility bus."""
 
     def __init__(self, atspi):
         self.atspi = atspi
@@ -221,7 +196,7 @@ class Window:
 
     def choose(self, entry):
         """The entry of the open menu: the toolkit leads assistive tools there by focus alone."""
-        time.sleep(0.5)  # until the menu has the keyboard, which nobody tells
+        time.sleep(0.5)  # the menu takes the keyboard without a sign of it
         for key in [0xff54] * entry + [0xff0d]:  # Down, Return
             self.atspi.generate_keyboard_event(key, None, self.atspi.KeySynthType.SYM)
             time.sleep(0.1)
@@ -306,17 +281,18 @@ def run(session, program, pictures):
     step(f"the window opened within {time.monotonic() - began:.2f} s of the click")
 
     def bar_width():
-        """What the window tells of the agent's picture."""
+        """The accessible description of the picture in the window."""
         window.tab("Aparência")
         text = window.find("label", lambda n: n.startswith("Largura atual do bloco: ")).get_name()
         window.tab("Módulos")
         return float(text.split()[-2].replace(",", "."))
 
     narrow = bar_width()
-    width = window.find("spin button", lambda n: n.startswith("Largura, módulo 1 ("))
+    window.press("push button", lambda n: n.startswith("Editar, módulo 2 ("))
+    width = window.find("spin button", lambda n: n.startswith("Largura, módulo 2 ("))
     Atspi.Value.set_current_value(width, 77)
-    until("the wider picture", lambda: bar_width() == narrow + 77 - 34)
-    until("the width saved", lambda: saved()["modules"][0]["width"] == 77)
+    until("the wider picture", lambda: bar_width() == narrow + 77 - 39)
+    until("the width saved", lambda: saved()["modules"][1]["width"] == 77)
     step("a width was edited, drawn and saved")
 
     def order():
@@ -351,9 +327,12 @@ def run(session, program, pictures):
         Atspi.Action.do_action(add, 0)
         until(f"{count} modules saved", lambda: len(order()) == count)
     full = order()
-    Atspi.Action.do_action(add, 0)
-    window.find("label", "A barra já tem 24 módulos, o máximo. Remova um para adicionar outro.")
-    step("the 25th module was refused")
+    until("the disabled button",
+          lambda: not add.get_state_set().contains(Atspi.StateType.ENABLED))
+    if add.get_description() != ("A barra já tem 24 módulos, o máximo. Remova um para adicionar "
+                                 "outro."):
+        raise SystemExit(f"settings_test: the full list says {add.get_description()!r}")
+    step("a 25th module was not offered")
 
     if window.ground() < 200:
         raise SystemExit(f"settings_test: a light desktop's window is {window.ground()} light")
@@ -419,7 +398,7 @@ def run(session, program, pictures):
 
     child = window.application().get_process_id()
     agent.send_signal(signal.SIGTERM)
-    agent.wait(PATIENCE)
+    agent.wait(TIMEOUT)
     if agent.returncode != 0:
         raise SystemExit(f"settings_test: the agent ended with {agent.returncode}")
     until("the window's end", lambda: not os.path.exists(f"/proc/{child}"))

@@ -18,7 +18,7 @@ class SingleAgentTest(stage.StageTest):
     def start_second(self):
         """A start that is not the first: its status and what it said."""
         second = self.start_agent()
-        second.process.wait(stage.PATIENCE)
+        second.process.wait(stage.TIMEOUT)
         return second.process.returncode, second.said()
 
     def test_a_second_start_asks_the_first_and_ends(self):
@@ -26,8 +26,8 @@ class SingleAgentTest(stage.StageTest):
         first = self.start_agent().wait_until_owner()
         self.assertEqual(
             self.start_second(),
-            (0, ["vantora: já está em execução nesta sessão; o pedido de abertura foi passado "
-                 "adiante"]))
+            (0, ["vantora: já está em execução nesta sessão e acabou de iniciar; abra-o de novo "
+                 "para ver as configurações"]))
         self.assertIsNone(first.process.poll())
         self.assertEqual(self.owner(), first.pid)
         self.assertEqual(first.end(), 0)
@@ -48,9 +48,11 @@ class SingleAgentTest(stage.StageTest):
         self.environment["XDG_ACTIVATION_TOKEN"] = "token-of-the-launcher"
 
         def start_again():
-            self.assertEqual(self.start_second()[0], 0)
-            return os.path.exists(noted)
-        until("the window's program", start_again)
+            status, said = self.start_second()
+            self.assertEqual(status, 0)
+            return "passado adiante" in said[0]
+        until("the request's answer", start_again)
+        until("the window's program", lambda: os.path.exists(noted))
         self.assertGreaterEqual(time.monotonic() - before, 3.0)
         with open(noted, encoding="utf-8") as token:
             self.assertEqual(token.read(), "token-of-the-launcher")

@@ -69,7 +69,7 @@ class SocketsTest(stage.StageTest):
     def traced(self, *command):
         log = os.path.join(self.folder, "trace")
         child = self.start([*TRACE, "-o", log, *command])
-        child.wait(stage.PATIENCE)
+        child.wait(stage.TIMEOUT)
         with open(log, encoding="utf-8", errors="replace") as trace:
             text = trace.read()
         return text, text.split(None, 1)[0]

@@ -5,54 +5,39 @@ test's own, all of which end with it. Conditions are waited for, with a limit.
 Packages: dbus-daemon, python3-dbus; python3-dbusmock for logind.
 """
 
+import glob
 import json
 import os
+import re
 import shutil
 import signal
 import subprocess
 import sys
 import tempfile
-import time
 import unittest
 import uuid
 
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../support"))
+from session.servers import is_running, start_bus, start_display, until
+
 NAME = "local.vantora.Vantora"
 MANAGER = "org.freedesktop.login1.Manager"
-PATIENCE = 30  # seconds: for a loaded machine, never for the program
+TIMEOUT = 30  # seconds: allows for a loaded machine
+SANITIZER_REPORT = re.compile(r"(ERROR|WARNING): \w+Sanitizer|runtime error:")
+SKIPPED = 77  # the exit status of a test that was skipped
 TOOL = os.path.join(os.path.dirname(os.path.abspath(__file__)), "quota_tool.py")
 
 
-def until(what, look, patience=PATIENCE):
-    """What `look` answers once that is true; it may fail until then."""
-    deadline = time.monotonic() + patience
-    while True:
-        try:
-            found = problem = look()
-        except Exception as error:  # not there yet
-            found, problem = None, error
-        if found:
-            return found
-        if time.monotonic() > deadline:
-            raise AssertionError(f"never came: {what} ({problem!r})")
-        time.sleep(0.02)
-
-
-def is_running(pid):
-    """Whether the process exists and is no zombie."""
-    try:
-        with open(f"/proc/{pid}/stat", encoding="utf-8", errors="replace") as stat:
-            return stat.read().rsplit(")", 1)[1].split()[0] not in "ZX"
-    except OSError:
-        return False
-
-
 def switches(pid):
-    """How often the threads of a process went to sleep so far."""
-    total = 0
-    for thread in os.listdir(f"/proc/{pid}/task"):
+    """How often the threads of a process went to sleep so far. ThreadSanitizer has a thread of
+    its own that never rests: it keeps the program's name, while ours have names."""
+    total, main_name = 0, None
+    for thread in sorted(os.listdir(f"/proc/{pid}/task"), key=int):
         with open(f"/proc/{pid}/task/{thread}/status", encoding="utf-8") as status:
-            total += sum(int(line.split()[1]) for line in status
-                         if line.startswith("voluntary_ctxt_switches"))
+            fields = dict(line.split(":", 1) for line in status)
+        main_name = main_name or fields["Name"]
+        if int(thread) == pid or fields["Name"] != main_name:
+            total += int(fields["voluntary_ctxt_switches"])
     return total
 
 
@@ -61,6 +46,23 @@ def processor_seconds(pid):
     with open(f"/proc/{pid}/stat", encoding="utf-8", errors="replace") as stat:
         fields = stat.read().rsplit(")", 1)[1].split()
     return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
+
+def has_battery():
+    """Whether the machine has a place for a battery of its own."""
+    for kind in glob.glob("/sys/class/power_supply/*/type"):
+        scope = os.path.join(os.path.dirname(kind), "scope")
+        if _text(kind) == "Battery" and _text(scope) != "Device":
+            return True
+    return False
+
+
+def _text(path):
+    try:
+        with open(path, encoding="utf-8") as file:
+            return file.read().strip()
+    except OSError:
+        return ""
 
 
 def module(top, bottom="none", width=60):
@@ -91,6 +93,7 @@ class Agent:
     def __init__(self, stage, *command):
         self.stage = stage
         self.log = tempfile.NamedTemporaryFile(dir=stage.folder, prefix="agent-", delete=False)
+        stage.addCleanup(self.assert_no_sanitizer_report)  # runs after the agent's end
         # A session of its own, by which all that it starts can be found.
         self.process = stage.start(command, stderr=self.log, start_new_session=True)
         self.pid = self.process.pid
@@ -108,10 +111,22 @@ class Agent:
         until("the agent's menu", self.menu)  # it comes after the name
         return self
 
+    def reading(self, name):
+        """What the item says of the metric whose name begins so: "7%" of "CPU · uso"."""
+        for part in re.split(r"; |\. |\n", self.text()):
+            if part.startswith(name) and ": " in part:
+                return part.split(": ", 1)[1]
+        return None
+
+    def assert_no_sanitizer_report(self):
+        report = [line for line in self.said() if SANITIZER_REPORT.search(line)]
+        if report:
+            raise AssertionError("\n".join(self.said()))
+
     def end(self):
         """Asks it to end; the status that it ended with."""
         self.process.terminate()
-        return self.process.wait(PATIENCE)
+        return self.process.wait(TIMEOUT)
 
     def kill(self):
         self.process.kill()
@@ -126,7 +141,7 @@ class Agent:
                           "org.kde.StatusNotifierItem", name)
 
     def text(self):
-        """What the item tells assistive tools: all that it shows."""
+        """The text for assistive tools: all that the item shows."""
         return str(self._property("ToolTip")[2])
 
     def picture(self):
@@ -162,19 +177,23 @@ class Agent:
     def guards(self):
         """The processes that see to the end of the children, with the agent or without it."""
         found = []
+        # They have left the agent's session, but are forks of it with its environment.
+        home = f"HOME={self.stage.home}".encode()
         for pid in filter(str.isdigit, os.listdir("/proc")):
             try:
                 with open(f"/proc/{pid}/comm", encoding="utf-8") as name:
                     is_guard = name.read() == "vantora-guard\n"
-                if is_guard and os.getsid(int(pid)) == self.pid and is_running(pid):
-                    found.append(int(pid))
+                if is_guard and is_running(pid):
+                    with open(f"/proc/{pid}/environ", "rb") as environment:
+                        if home in environment.read().split(b"\0"):
+                            found.append(int(pid))
             except OSError:  # it has just ended
                 pass
         return found
 
 
 class Session:
-    """A connection to a message bus that is closed behind whoever used it."""
+    """A connection to a message bus that is closed after its use."""
 
     def __init__(self, address):
         import dbus
@@ -188,7 +207,7 @@ class Session:
 
 
 class QuotaTool:
-    """A command-line assistant that does as it is told, in the agent's place for it."""
+    """A command-line assistant with a given behaviour, where the agent looks for it."""
 
     def __init__(self, stage, kind, manner):
         self.notes = os.path.join(stage.folder, kind)
@@ -281,13 +300,7 @@ class StageTest(unittest.TestCase):
 
     def start_display(self):
         """An X server of the test's own."""
-        read, write = os.pipe()
-        # Without -noreset it begins anew, deaf for a moment, when its last client left.
-        self.start(["Xvfb", "-displayfd", str(write), "-noreset", "-nolisten", "tcp", "-screen",
-                    "0", "1000x800x24"], pass_fds=[write], stderr=subprocess.DEVNULL)
-        os.close(write)
-        with os.fdopen(read) as answer:
-            self.environment["DISPLAY"] = ":" + answer.readline().strip()
+        _, self.environment["DISPLAY"] = start_display(self.start)
 
     def windows(self, title):
         """Whether the display shows a window with that title."""
@@ -299,12 +312,7 @@ class StageTest(unittest.TestCase):
         return Agent(self, self.program)
 
     def _start_daemon(self, name):
-        address = "unix:path=" + os.path.join(self.runtime, name)
-        daemon = self.start(["dbus-daemon", "--session", "--nofork", "--print-address",
-                             "--address=" + address],
-                            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
-        self.assertTrue(daemon.stdout.readline(), "no message bus")
-        return daemon, address
+        return start_bus(self.start, os.path.join(self.runtime, name))
 
     def start_bus(self):
         """The session's message bus, always at the same address."""
@@ -374,12 +382,21 @@ class StageTest(unittest.TestCase):
         return QuotaTool(self, kind, manner)
 
     def files(self):
-        """All that stands in the home."""
+        """Every file and folder in the home."""
         return sorted(os.path.relpath(os.path.join(folder, name), self.home)
                       for folder, folders, names in os.walk(self.home)
                       for name in folders + names)
 
 
+def run_tests():
+    """Runs the tests of the program that was started. Ends with 77 where one was skipped, so
+    that CTest sees it."""
+    program = unittest.main(exit=False)
+    if not program.result.wasSuccessful():
+        sys.exit(1)
+    sys.exit(SKIPPED if program.result.skipped else 0)
+
+
 def main():
     StageTest.program = os.path.abspath(sys.argv.pop(1))
-    unittest.main()
+    run_tests()

@@ -1,22 +1,21 @@
 // SPDX-License-Identifier: MIT
 //
-// status_item_stand [SECONDS [SCALE [MENU]]]: the real status item with readings that a
+// status_item_stand [SECONDS [MENU]]: the real status item with readings that a
 // test knows beforehand, for trying panels and for counting what a change of the picture
-// costs. MENU is the program that shows menu and tool tip of a docked window. Prints where the
-// item stands and what is clicked, a line each, and ends with "Sair" or SIGTERM.
+// costs. MENU is the program that shows menu and tool tip of a docked window. Prints the
+// item's situation and what is clicked, a line each, and ends with "Sair" or SIGTERM.
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <utility>
 
-#include "platform/linux/bus_address.hpp"
-#include "platform/linux/bus_connection.hpp"
-#include "platform/linux/fontconfig_lookup.hpp"
-#include "platform/linux/freetype_text_engine.hpp"
-#include "platform/linux/linux_status_item.hpp"
+#include "platform/linux/bus/bus_connection.hpp"
+#include "platform/linux/fonts/fontconfig_lookup.hpp"
+#include "platform/linux/fonts/freetype_text_engine.hpp"
+#include "platform/linux/status_item/linux_status_item.hpp"
+#include "process/uv_child_process.hpp"
 #include "runtime/system_clock.hpp"
-#include "runtime/uv_child_process.hpp"
 #include "runtime/uv_loop.hpp"
 #include "settings/agent/menu_process.hpp"
 #include "settings/agent/tool_tip_process.hpp"
@@ -42,28 +41,25 @@ MetricSnapshot readings(int round, WallTime now) {
   return snapshot;
 }
 
-int run(double interval, int scale, std::string menuProgram) {
+int run(double interval, std::string menuProgram) {
   std::setvbuf(stdout, nullptr, _IOLBF, 0);
   const SystemClock clock;
   UvLoop loop;
   FreetypeTextEngine engine(lookUpFonts());
-  const std::string busAddress =
-      sessionBusAddress(std::getenv("DBUS_SESSION_BUS_ADDRESS"), std::getenv("XDG_RUNTIME_DIR"));
-  BusConnection connection(loop.raw(), loop.queue(), busAddress);
+  const char* busAddress = std::getenv("DBUS_SESSION_BUS_ADDRESS");
+  BusConnection connection(loop.raw(), loop.queue(), {});
   UvChildProcessLauncher launcher(loop.raw(), loop.queue());
   const MenuProcess::Parts popupParts{loop.queue(), launcher, std::move(menuProgram),
-                                      MenuProcess::onX11(busAddress)};
+                                      MenuProcess::onX11(busAddress != nullptr ? busAddress : "")};
   MenuProcess menu(popupParts);
   ToolTipProcess toolTip(popupParts);
   menu.onFailure = [](const std::string& message) { std::printf("menu: %s\n", message.c_str()); };
-  LinuxStatusItem::Options options;
-  options.largestScale = scale;
-  LinuxStatusItem item(connection, loop.queue(), engine, options,
-                       [](StatusItemSituation situation) {
-                         std::printf("situation: %s\n", std::string(describe(situation)).c_str());
-                       });
+  OwnDisplayThread displayThread;
+  LinuxStatusItem item(connection, loop.queue(), engine, {}, [](StatusItemSituation situation) {
+    std::printf("situation: %s\n", std::string(describe(situation)).c_str());
+  });
   if (const char* display = std::getenv("DISPLAY")) {
-    item.useTray(loop.raw(), display, {menu, toolTip});
+    item.useTray(displayThread, display, {menu, toolTip});
   }
   int round = 0;
   bool isPaused = false;
@@ -106,6 +102,5 @@ int run(double interval, int scale, std::string menuProgram) {
 
 int main(int argc, char** argv) {
   const double interval = argc > 1 ? std::atof(argv[1]) : 1;
-  const int scale = argc > 2 ? std::atoi(argv[2]) : 1;
-  return run(interval > 0 ? interval : 1, scale > 0 ? scale : 1, argc > 3 ? argv[3] : "");
+  return run(interval > 0 ? interval : 1, argc > 2 ? argv[2] : "");
 }

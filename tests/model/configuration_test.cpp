@@ -242,7 +242,7 @@ TEST(ModuleConfiguration, ShowsTwoFansWhileEitherSpins) {
   EXPECT_TRUE(fans.isVisible(withFans(900, 0)));
 }
 
-TEST(ModuleConfiguration, ShowsTwoFansWhenOneStandsStillAndTheOtherHasNoReading) {
+TEST(ModuleConfiguration, ShowsTwoFansWhenOneIsStillAndTheOtherHasNoReading) {
   // One valid reading, and not every one of them is a valid zero.
   const auto fans = module(MetricID::fan1RPM, MetricID::fan2RPM);
   EXPECT_TRUE(fans.isVisible(withFans(0, std::nullopt)));
@@ -252,6 +252,13 @@ TEST(ModuleConfiguration, TakesAStaleFanForNoReading) {
   auto snapshot = withFans(1200);
   snapshot.samples.set(MetricID::fan1RPM, {1200, Quality::stale, WallTime{}, ""});
   EXPECT_FALSE(module(MetricID::fan1RPM, MetricID::none).isVisible(snapshot));
+}
+
+TEST(ModuleConfiguration, TakesAValidSampleWithoutAValueForNoReading) {
+  MetricSnapshot snapshot;
+  snapshot.samples.set(MetricID::fan1RPM, {std::nullopt, Quality::valid, WallTime{}, ""});
+  EXPECT_FALSE(module(MetricID::fan1RPM, MetricID::none).isVisible(snapshot));
+  EXPECT_FALSE(module(MetricID::fan1RPM, MetricID::fan2RPM).isVisible(snapshot));
 }
 
 }  // namespace

@@ -24,6 +24,12 @@ TEST(FixedDecimal, RoundsTheExactValueToTheNearestAndTiesToEven) {
   EXPECT_EQ(fixedDecimal(0.994999, 2), "0.99");
 }
 
+TEST(FixedDecimal, WritesNothingWhereThereIsNoRoomForAllOfIt) {
+  EXPECT_EQ(fixedDecimal(1e37, 1).size(), 39U);
+  EXPECT_EQ(fixedDecimal(1e38, 1), "");  // 40 characters and the end of the string
+  EXPECT_EQ(fixedDecimal(1e300, 0), "");
+}
+
 TEST(FixedDecimal, FollowsNoLocale) {
   const std::string before = std::setlocale(LC_NUMERIC, nullptr);
   int tried = 0;

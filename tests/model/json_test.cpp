@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include <string>
 
 namespace vantora {
@@ -41,8 +43,8 @@ TEST(ParseJson, RefusesBytesThatAreNotUtf8) {
 }
 
 TEST(ParseJson, LimitsTheDepth) {
-  EXPECT_TRUE(parseJson(nested(deepestJson)));
-  EXPECT_FALSE(parseJson(nested(deepestJson + 1)));
+  EXPECT_TRUE(parseJson(nested(maxJsonDepth)));
+  EXPECT_FALSE(parseJson(nested(maxJsonDepth + 1)));
   EXPECT_FALSE(parseJson(nested(100'000)));
   EXPECT_FALSE(parseJson(std::string(100'000, '[')));
 }
@@ -51,8 +53,8 @@ TEST(ParseJson, CountsNoBracketsInsideOfTexts) {
   const std::string brackets(1000, '[');
   EXPECT_TRUE(parseJson("\"" + brackets + "\""));
   EXPECT_TRUE(parseJson("{\"" + brackets + "\":\"\\\"" + brackets + "\"}"));
-  EXPECT_TRUE(parseJson("[\"\\\\\"," + nested(deepestJson - 1) + "]"));
-  EXPECT_FALSE(parseJson("[\"\\\\\"," + nested(deepestJson) + "]"));
+  EXPECT_TRUE(parseJson("[\"\\\\\"," + nested(maxJsonDepth - 1) + "]"));
+  EXPECT_FALSE(parseJson("[\"\\\\\"," + nested(maxJsonDepth) + "]"));
   EXPECT_FALSE(parseJson("\"\\"));
 }
 
@@ -70,7 +72,7 @@ TEST(ParseJson, LetsTheLastOfTwoEqualMembersCount) {
   EXPECT_EQ(asInteger(*member(*value, "a")), 2);
 }
 
-TEST(Member, TellsNullFromAbsence) {
+TEST(Member, DistinguishesNullFromAbsence) {
   const auto value = parseJson(R"({"a":null})");
   EXPECT_NE(member(*value, "a"), nullptr);
   EXPECT_EQ(presentMember(*value, "a"), nullptr);
@@ -103,6 +105,49 @@ TEST(AsScalars, TakeTheirOwnTypeOnly) {
 
 TEST(WriteJson, RefusesTextsThatAreNotUtf8) {
   EXPECT_EQ(writeJson(Json("\xff")), std::nullopt);
+}
+
+TEST(WriteJson, ReplacesBytesThatAreNotUtf8WhereTheTextMustBeWritten) {
+  EXPECT_EQ(writeJsonLossy(Json{{"a", "\xffz"}}), "{\"a\":\"\xEF\xBF\xBDz\"}");
+}
+
+TEST(Json, IsAnObjectWhenEveryElementIsAPairWithAText) {
+  EXPECT_EQ(writeJson(Json{{"b", 1}, {"a", nullptr}}), R"({"a":null,"b":1})");
+  EXPECT_EQ(writeJson(Json{{"a", 1}, 2}), R"([["a",1],2])");
+  EXPECT_EQ(writeJson(Json{{1, "a"}}), R"([[1,"a"]])");
+  EXPECT_EQ(writeJson(Json{{{"a", 1}}, {{"b", 2.5}}}), R"([{"a":1},{"b":2.5}])");
+  EXPECT_EQ(writeJson(Json::object()), "{}");
+  EXPECT_EQ(writeJson(Json::array()), "[]");
+}
+
+TEST(Json, ComparesNumbersByTheirValue) {
+  EXPECT_EQ(Json(2), Json(2U));
+  EXPECT_EQ(Json(2), Json(2.0));
+  EXPECT_NE(Json(2), Json(2.5));
+  EXPECT_NE(Json(-1), Json(std::numeric_limits<std::uint64_t>::max()));
+  EXPECT_EQ(Json(std::numeric_limits<std::uint64_t>::max()), Json(0x1p64));
+  EXPECT_NE(Json(1), Json(true));
+  EXPECT_NE(Json("1"), Json(1));
+}
+
+TEST(Json, AnswersWhatIsNotThereWithNull) {
+  const Json value{{"a", Json::array()}};
+  EXPECT_TRUE(value["b"].isNull());
+  EXPECT_TRUE(value["a"][0].isNull());
+  EXPECT_TRUE(value["a"]["c"].isNull());
+  EXPECT_TRUE(Json(1).empty());
+  EXPECT_FALSE(Json("a").contains("a"));
+}
+
+TEST(Json, TakesMembersInAndOut) {
+  Json value;
+  value["a"] = 1;
+  value["list"].append("x");
+  EXPECT_EQ(value, *parseJson(R"({"a":1,"list":["x"]})"));
+  EXPECT_EQ(value.erase("a"), 1U);
+  EXPECT_EQ(value.erase("a"), 0U);
+  EXPECT_EQ(Json(1).erase("a"), 0U);
+  EXPECT_EQ(value.size(), 1U);
 }
 
 }  // namespace

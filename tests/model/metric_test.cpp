@@ -7,6 +7,8 @@
 #include <set>
 #include <vector>
 
+#include "model/words.hpp"
+
 namespace vantora {
 namespace {
 
@@ -36,23 +38,22 @@ TEST(MetricID, IsListedUnderItsTitleWithItsFamilyAndItsWidestText) {
        MetricFamily::battery},
       {"batteryTime", "Bateria · tempo estimado", "166:39", MetricID::batteryTime,
        MetricFamily::battery},
-      {"batteryTemperature", "Bateria · temperatura média (SMC)", "999°C",
-       MetricID::batteryTemperature, MetricFamily::sensors},
+      {"batteryTemperature", Words::batteryTemperatureTitle, "999°C", MetricID::batteryTemperature,
+       MetricFamily::sensors},
       {"upload", "Rede · upload", "0,99M", MetricID::upload, MetricFamily::network},
       {"download", "Rede · download", "0,99M", MetricID::download, MetricFamily::network},
       {"cpuUsage", "CPU · uso total", "100%", MetricID::cpuUsage, MetricFamily::cpu},
-      {"cpuTemperature", "CPU · maior temperatura (SMC experimental)", "999°C",
-       MetricID::cpuTemperature, MetricFamily::sensors},
-      {"fan1Percent", "Ventoinha 1 · % do RPM máximo (SMC)", "100%", MetricID::fan1Percent,
+      {"cpuTemperature", Words::cpuTemperatureTitle, "999°C", MetricID::cpuTemperature,
        MetricFamily::sensors},
-      {"fan2Percent", "Ventoinha 2 · % do RPM máximo (SMC)", "100%", MetricID::fan2Percent,
+      {"fan1Percent", Words::fan1PercentTitle, "100%", MetricID::fan1Percent,
        MetricFamily::sensors},
-      {"fan1RPM", "Ventoinha 1 · RPM (SMC)", "99999", MetricID::fan1RPM, MetricFamily::sensors},
-      {"fan2RPM", "Ventoinha 2 · RPM (SMC)", "99999", MetricID::fan2RPM, MetricFamily::sensors},
+      {"fan2Percent", Words::fan2PercentTitle, "100%", MetricID::fan2Percent,
+       MetricFamily::sensors},
+      {"fan1RPM", Words::fan1RPMTitle, "99999", MetricID::fan1RPM, MetricFamily::sensors},
+      {"fan2RPM", Words::fan2RPMTitle, "99999", MetricID::fan2RPM, MetricFamily::sensors},
       {"adapterWatts", "Adaptador · potência informada", ">9999W", MetricID::adapterWatts,
        MetricFamily::battery},
-      {"inputWatts", "Entrada no Mac · potência (não validada)", ">9999W", MetricID::inputWatts,
-       std::nullopt},
+      {"inputWatts", Words::inputWattsTitle, ">9999W", MetricID::inputWatts, std::nullopt},
       {"batteryChargeWatts", "Bateria · potência de carga (não validada)", ">9999W",
        MetricID::batteryChargeWatts, std::nullopt},
       {"codexWeeklyPercent", "Codex · cota semanal (%)", "100%*", MetricID::codexWeeklyPercent,
@@ -89,7 +90,7 @@ TEST(MetricID, CallsExactlyTheFourFanMetricsFans) {
   }
 }
 
-TEST(MetricID, GivesNoFamilyToWhatNobodyProduces) {
+TEST(MetricID, GivesNoFamilyToWhatNothingProduces) {
   EXPECT_EQ(family(MetricID::none), std::nullopt);
   EXPECT_EQ(family(MetricID::inputWatts), std::nullopt);
   EXPECT_EQ(family(MetricID::batteryChargeWatts), std::nullopt);

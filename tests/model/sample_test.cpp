@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "model/words.hpp"
+
 namespace vantora {
 namespace {
 
@@ -38,7 +40,7 @@ TEST(MetricSnapshot, ReadsEveryMetricAsUnavailableWhileItIsEmpty) {
     EXPECT_EQ(sample.value, std::nullopt);
     EXPECT_EQ(sample.quality, Quality::unavailable);
     EXPECT_EQ(sample.sampledAt, std::nullopt);
-    EXPECT_EQ(sample.source, "Fonte ainda não validada neste Mac");
+    EXPECT_EQ(sample.source, Words::sourceNotValidated);
   }
 }
 

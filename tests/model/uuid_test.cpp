@@ -3,6 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <string>
+#include <string_view>
+
 namespace vantora {
 namespace {
 
@@ -37,6 +41,29 @@ TEST(UUID, IsRandomOfVersionFour) {
   EXPECT_EQ(text[14], '4');
   EXPECT_NE(std::string_view("89AB").find(text[19]), std::string_view::npos);
   EXPECT_EQ(UUID::parse(text), first);
+}
+
+TEST(UUID, IsRandomInEveryBitButThoseOfVersionAndVariant) {
+  // Of 256 draws, a bit is the same in all with a probability of 2^-255.
+  std::string ones(36, '0');
+  std::string zeros(36, 'F');
+  const auto combine = [](char left, char right, auto operation) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    return left == '-' || right == '-' ? '-'
+                                       : digits[operation(digits.find(left), digits.find(right))];
+  };
+  bool hasUnequalNeighbours = false;
+  for (int draw = 0; draw < 256; ++draw) {
+    const std::string text = UUID::random().text();
+    for (std::size_t place = 0; place < text.size(); ++place) {
+      ones[place] = combine(ones[place], text[place], std::bit_or<>());
+      zeros[place] = combine(zeros[place], text[place], std::bit_and<>());
+    }
+    hasUnequalNeighbours = hasUnequalNeighbours || text.substr(0, 2) != text.substr(2, 2);
+  }
+  EXPECT_EQ(ones, "FFFFFFFF-FFFF-4FFF-BFFF-FFFFFFFFFFFF");
+  EXPECT_EQ(zeros, "00000000-0000-4000-8000-000000000000");
+  EXPECT_TRUE(hasUnequalNeighbours);
 }
 
 }  // namespace

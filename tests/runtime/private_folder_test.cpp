@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <fstream>
 
 #include "support/real_processes.hpp"
@@ -21,7 +22,7 @@ unsigned permissionsOf(const std::string& path) {
 TEST(PrivateFolder, CreatesTheFolderAndItsParentsForTheUserAlone) {
   const HelperFolder home;
   const mode_t previous = umask(0);
-  EXPECT_TRUE(makePrivateFolder(home.path() + "/.config/Vantora"));
+  EXPECT_EQ(makePrivateFolder(home.path() + "/.config/Vantora"), 0);
   umask(previous);
   EXPECT_EQ(permissionsOf(home.path() + "/.config"), 0700U);
   EXPECT_EQ(permissionsOf(home.path() + "/.config/Vantora"), 0700U);
@@ -32,8 +33,8 @@ TEST(PrivateFolder, LeavesAFolderThatExistsAsItIs) {
   const std::string path = home.path() + "/Vantora";
   ASSERT_EQ(mkdir(path.c_str(), 0755), 0);
   ASSERT_EQ(chmod(path.c_str(), 0755), 0);
-  EXPECT_TRUE(makePrivateFolder(path));
-  EXPECT_TRUE(makePrivateFolder(path + "/"));
+  EXPECT_EQ(makePrivateFolder(path), 0);
+  EXPECT_EQ(makePrivateFolder(path + "/"), 0);
   EXPECT_EQ(permissionsOf(path), 0755U);
 }
 
@@ -41,12 +42,12 @@ TEST(PrivateFolder, AnswersThatAFileIsInTheWay) {
   const HelperFolder home;
   const std::string path = home.path() + "/Vantora";
   std::ofstream(path) << "a file";
-  EXPECT_FALSE(makePrivateFolder(path));
-  EXPECT_FALSE(makePrivateFolder(path + "/below"));
+  EXPECT_EQ(makePrivateFolder(path), ENOTDIR);
+  EXPECT_EQ(makePrivateFolder(path + "/below"), ENOTDIR);
 }
 
 TEST(PrivateFolder, AnswersThatTheSystemRefuses) {
-  EXPECT_FALSE(makePrivateFolder("/proc/vantora/folder"));
+  EXPECT_NE(makePrivateFolder("/proc/vantora/folder"), 0);
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ using testing::IsEmpty;
 
 // The sensors.
 
-TEST_F(SamplingCoordinatorTest, TellsTheSensorsTheDemand) {
+TEST_F(SamplingCoordinatorTest, PassesTheDemandToTheSensors) {
   configure(showing({moduleOf(MetricID::cpuUsage, MetricID::fan1RPM)}));
   EXPECT_THAT(sensors_->configured, ElementsAre(MetricSet{MetricID::cpuUsage, MetricID::fan1RPM}));
   EXPECT_EQ(sensors_->resets, 0);
@@ -200,6 +200,19 @@ TEST_F(SamplingCoordinatorTest, DoesNotLetAWakeUndoAConfigurationThatCameMeanwhi
   time_.runPosted();
   EXPECT_EQ(last().samples.metrics(), MetricSet{MetricID::upload});
   EXPECT_EQ(time_.pendingCount(), 1U);
+}
+
+TEST_F(SamplingCoordinatorTest, SaysThatItHasStoppedOnceNoTimerIsLeft) {
+  configure(showing(MetricID::cpuUsage));
+  EXPECT_EQ(time_.pendingCount(), 1U);
+  int calls = 0;
+  coordinator_->prepareForSleep([&] {
+    ++calls;
+    EXPECT_EQ(time_.pendingCount(), 0U);
+  });
+  EXPECT_EQ(calls, 0);
+  time_.runPosted();
+  EXPECT_EQ(calls, 1);
 }
 
 }  // namespace

@@ -221,7 +221,7 @@ TEST_F(SamplingCoordinatorTest, EndsTheNetworkBackOffWhenTheInterfaceChanges) {
   EXPECT_EQ(last().networkName, "en1");
 }
 
-TEST_F(SamplingCoordinatorTest, TellsAnAbsentInterfaceFromAnEmptyOne) {
+TEST_F(SamplingCoordinatorTest, DistinguishesAnAbsentInterfaceFromAnEmptyOne) {
   AppConfiguration configuration = showing(MetricID::upload);
   configure(configuration);
   time_.advance(Seconds{2});
@@ -371,6 +371,22 @@ TEST_F(SamplingCoordinatorTest, StaysUntilAConfigurationThatWasScheduledHasRun) 
   time_.runPosted();
   EXPECT_TRUE(weak.expired());
   EXPECT_EQ(time_.pendingCount(), 0U);
+}
+
+TEST_F(SamplingCoordinatorTest, ListsTheLinksWithoutTakingAReading) {
+  network_->setPhysical("en0", false);
+  network_->setUp("en0", false);
+  network_->setAddressed("en0", false);
+  std::vector<NetworkLink> links;
+  coordinator_->listLinks([&](std::vector<NetworkLink> listed) { links = std::move(listed); });
+  time_.runPosted();
+  ASSERT_FALSE(links.empty());
+  EXPECT_EQ(links[0], (NetworkLink{"en0", false, false, false}));
+  EXPECT_EQ(network_->counterReads(), 0);
+  network_->failRead("rtnetlink RTM_GETLINK falhou");
+  coordinator_->listLinks([&](std::vector<NetworkLink> listed) { links = std::move(listed); });
+  time_.runPosted();
+  EXPECT_TRUE(links.empty());
 }
 
 }  // namespace

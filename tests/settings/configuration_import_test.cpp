@@ -22,6 +22,7 @@
 #include "support/fake_settings_ports.hpp"
 #include "support/temporary_folder.hpp"
 #include "support/virtual_time.hpp"
+#include "support/virtual_worker.hpp"
 
 namespace vantora {
 namespace {
@@ -148,7 +149,8 @@ TEST_F(ConfigurationImportTest, LeavesTheConfigurationInForceWhateverTheFileIs) 
   const auto queue = time.makeQueue();
   test::FakeLoginItem loginItem;
   test::FakeUserDefaults defaults;
-  SettingsModel model(*queue, ConfigurationStore(folder_.path()), loginItem, defaults);
+  test::VirtualWorker worker(*queue);
+  SettingsModel model(*queue, worker, ConfigurationStore(folder_.path()), loginItem, defaults);
   int changes = 0;
   model.onConfigurationChange = [&](const AppConfiguration&) { ++changes; };
   const AppConfiguration before = model.configuration();
@@ -209,6 +211,7 @@ TEST_F(ConfigurationImportTest, LeavesTheConfigurationInForceWhateverTheFileIs) 
     fs::remove_all(file_);
     make();
     model.importJSON(file_);
+    time.runPosted();
     EXPECT_THAT(model.notice().value_or(""), StartsWith("Arquivo inválido ou não suportado: "))
         << name;
     EXPECT_EQ(model.configuration(), before) << name;

@@ -78,6 +78,16 @@ TEST_F(ConfigurationStoreTest, LoadsTheDefaultWithoutANoticeWhereNoFileIs) {
   EXPECT_TRUE(namesIn(folder_.path()).empty());
 }
 
+TEST_F(ConfigurationStoreTest, LoadsTheInitialConfigurationOnlyWhereNoFileIs) {
+  const test::TemporaryFolder folder;
+  const ConfigurationStore store(folder.path(), [] { return paddedBy(7); });
+  EXPECT_EQ(store.load().configuration.horizontalPadding, 7);
+  EXPECT_TRUE(fs::is_empty(folder.path()));
+  fs::create_directories(store.fileURL().parent_path());
+  writeBytes(store.fileURL(), "no JSON");
+  expectDefault(store.load().configuration);
+}
+
 TEST_F(ConfigurationStoreTest, LoadsWhatItSaved) {
   const AppConfiguration configuration = paddedBy(7);
   EXPECT_EQ(store_.save(configuration), std::nullopt);
@@ -210,13 +220,13 @@ TEST_F(ConfigurationStoreTest, LosesNothingWhereTheDocumentDoesNotFit) {
               ElementsAre("configuration.backup.json", "configuration.json"));
 }
 
-TEST_F(ConfigurationStoreTest, SaysThatAFolderStandsInThePlaceOfTheFile) {
+TEST_F(ConfigurationStoreTest, ReportsAFolderInThePlaceOfTheFile) {
   fs::create_directories(store_.fileURL() / "inside");
   EXPECT_EQ(store_.save(paddedBy(1)), "Falha ao salvar: " + systemErrorText(EISDIR));
   EXPECT_TRUE(fs::exists(store_.fileURL() / "inside"));
 }
 
-TEST_F(ConfigurationStoreTest, SaysThatAFileStandsInThePlaceOfTheFolder) {
+TEST_F(ConfigurationStoreTest, ReportsAFileInThePlaceOfTheFolder) {
   writeBytes(folder_ / "Vantora", "in the way");
   EXPECT_EQ(store_.save(paddedBy(1)), "Falha ao salvar: " + systemErrorText(ENOTDIR));
   EXPECT_EQ(readBytes(folder_ / "Vantora"), "in the way");

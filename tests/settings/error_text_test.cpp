@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <clocale>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -42,13 +43,28 @@ class Variable {
 TEST(SystemErrorText, DescribesAnErrorAndLeavesErrnoAlone) {
   const Variable locale("LC_ALL", "C");
   errno = EPERM;
-  EXPECT_EQ(systemErrorText(ENOENT), "No such file or directory");
+  EXPECT_EQ(systemErrorText(ENOENT), "Arquivo ou pasta inexistente");
   EXPECT_EQ(errno, EPERM);
 }
 
 TEST(SystemErrorText, FallsBackWhereTheUsersLocaleIsNotInstalled) {
   const Variable locale("LC_ALL", "xx_YY.UTF-8");
-  EXPECT_EQ(systemErrorText(ENOSPC), "No space left on device");
+  EXPECT_EQ(systemErrorText(ENOSPC), "Não há espaço no dispositivo");
+}
+
+TEST(SystemErrorText, SpeaksPortugueseOfEveryErrorOfAFileWhereTheSystemHasNoTranslation) {
+  const Variable locale("LC_ALL", "C.UTF-8");
+  for (const int error :
+       {EPERM,  ENOENT,  EIO,          ENXIO,  EAGAIN,    ENOMEM,       EACCES,  EBUSY, EEXIST,
+        ENODEV, ENOTDIR, EISDIR,       EINVAL, ENFILE,    EMFILE,       ETXTBSY, EFBIG, ENOSPC,
+        EROFS,  EPIPE,   ENAMETOOLONG, ELOOP,  ETIMEDOUT, ECONNREFUSED, EDQUOT,  ESTALE}) {
+    EXPECT_NE(systemErrorText(error), std::strerror(error));
+  }
+}
+
+TEST(SystemErrorText, KeepsTheSystemsTextOfAnErrorThatHasNoWordsHere) {
+  const Variable locale("LC_ALL", "C");
+  EXPECT_EQ(systemErrorText(ENOTTY), std::strerror(ENOTTY));
 }
 
 TEST(SystemErrorText, SpeaksTheUsersLanguageInUTF8) {

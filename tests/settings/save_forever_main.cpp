@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Saves one configuration after the other into the folder named on the command line until
-// somebody kills it, one byte on its output for each that is saved. Each is recognisable
+// it is killed, one byte on its output for each that is saved. Each is recognisable
 // by its interface name, the number of its save.
 #include <unistd.h>
 

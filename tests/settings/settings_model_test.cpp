@@ -8,10 +8,12 @@
 #include <vector>
 
 #include "model/configuration_codec.hpp"
+#include "model/words.hpp"
 #include "settings/error_text.hpp"
 #include "support/fake_settings_ports.hpp"
 #include "support/temporary_folder.hpp"
 #include "support/virtual_time.hpp"
+#include "support/virtual_worker.hpp"
 
 namespace vantora {
 namespace {
@@ -25,7 +27,7 @@ class SettingsModelTest : public testing::Test {
  protected:
   SettingsModelTest() { open(); }
   void open() {
-    model_.emplace(*queue_, ConfigurationStore(folder_.path()), loginItem_, defaults_);
+    model_.emplace(*queue_, worker_, ConfigurationStore(folder_.path()), loginItem_, defaults_);
   }
   AppConfiguration paddedBy(double padding) {
     AppConfiguration configuration = model_->configuration();
@@ -33,6 +35,10 @@ class SettingsModelTest : public testing::Test {
     return configuration;
   }
   void padBy(double padding) { model_->setConfiguration(paddedBy(padding)); }
+  void setStartAtLogin(bool enabled) {
+    model_->setStartAtLogin(enabled);
+    time_.runPosted();
+  }
   bool isSaved() { return fs::exists(file_); }
 
   test::TemporaryFolder folder_;
@@ -40,6 +46,7 @@ class SettingsModelTest : public testing::Test {
   const fs::path backup_ = folder_ / "Vantora/configuration.backup.json";
   test::VirtualTime time_;
   std::unique_ptr<test::VirtualQueue> queue_ = time_.makeQueue();
+  test::VirtualWorker worker_{*queue_};
   test::FakeLoginItem loginItem_;
   test::FakeUserDefaults defaults_;
   std::optional<SettingsModel> model_;
@@ -66,6 +73,29 @@ TEST_F(SettingsModelTest, StartsWithANoticeOverACorruptFileThatTheFirstSaveBacks
   EXPECT_EQ(model_->notice(), std::nullopt);
 }
 
+TEST_F(SettingsModelTest, KeepsACorruptFileUnderANameOfItsOwnHoweverOftenItSaves) {
+  const fs::path unreadable = folder_ / "Vantora/configuration.unreadable.json";
+  fs::create_directories(file_.parent_path());
+  writeBytes(file_, "corrupt");
+  open();
+  EXPECT_EQ(model_->keepAs(), unreadable);
+  EXPECT_FALSE(fs::exists(unreadable));
+  for (const double padding : {1, 2, 3}) {
+    padBy(padding);
+    time_.advance(SettingsModel::saveDelay);
+    EXPECT_EQ(readBytes(unreadable), "corrupt");
+  }
+  EXPECT_EQ(model_->keepAs(), std::nullopt);
+  EXPECT_EQ(ConfigurationCodec::decode(readBytes(backup_))->horizontalPadding, 2);
+  // A second one does not take the place of the first.
+  writeBytes(file_, "worse");
+  open();
+  padBy(4);
+  time_.advance(SettingsModel::saveDelay);
+  EXPECT_EQ(readBytes(unreadable), "corrupt");
+  EXPECT_EQ(readBytes(folder_ / "Vantora/configuration.unreadable-2.json"), "worse");
+}
+
 TEST_F(SettingsModelTest, SavesFourTenthsOfASecondAfterTheChange) {
   padBy(9);
   time_.advance(Seconds{0.399});
@@ -89,6 +119,125 @@ TEST_F(SettingsModelTest, SavesABurstOfChangesOnceAfterTheLast) {
   EXPECT_EQ(time_.pendingCount(), 0U);
 }
 
+TEST_F(SettingsModelTest, TakesEditsWhileTheDiskHangsAndSavesTheLatestAfterwards) {
+  worker_.hang();
+  for (const double padding : {1, 2, 3}) {
+    padBy(padding);
+    time_.advance(Seconds{60});
+  }
+  EXPECT_EQ(model_->configuration().horizontalPadding, 3);
+  EXPECT_FALSE(isSaved());
+  EXPECT_EQ(worker_.heldCount(), 1U);
+  worker_.resume();
+  time_.runPosted();
+  EXPECT_EQ(readBytes(file_), ConfigurationCodec::encode(model_->configuration()));
+  // The first of the three and the last.
+  EXPECT_EQ(ConfigurationCodec::decode(readBytes(backup_))->horizontalPadding, 1);
+  EXPECT_EQ(time_.pendingCount(), 0U);
+}
+
+class FailingSaveTest : public SettingsModelTest {
+ protected:
+  FailingSaveTest() {
+    model_->onSaveFailure = [this](const std::string& message) { messages_.push_back(message); };
+    block();
+  }
+  // No folder can be made where a file is.
+  void block() { writeBytes(file_.parent_path(), "in the way"); }
+  void unblock() { fs::remove(file_.parent_path()); }
+
+  const std::string failure_ = "Falha ao salvar: " + systemErrorText(ENOTDIR);
+  std::vector<std::string> messages_;
+};
+
+TEST_F(FailingSaveTest, IsToldOnceUntilOneSucceeds) {
+  for (const double padding : {1, 2, 3}) {
+    padBy(padding);
+    time_.advance(SettingsModel::saveDelay);
+  }
+  EXPECT_EQ(model_->notice(), failure_);
+  EXPECT_THAT(messages_, ElementsAre(failure_));
+  unblock();
+  padBy(4);
+  time_.advance(SettingsModel::saveDelay);
+  EXPECT_EQ(model_->notice(), std::nullopt);
+  fs::remove_all(file_.parent_path());
+  block();
+  padBy(5);
+  time_.advance(SettingsModel::saveDelay);
+  EXPECT_THAT(messages_, ElementsAre(failure_, failure_));
+}
+
+TEST_F(FailingSaveTest, IsTriedAgainEverLessOften) {
+  padBy(1);
+  time_.advance(SettingsModel::saveDelay);
+  std::vector<double> intervals;
+  for (int attempt = 0; attempt < 9; ++attempt) {
+    const auto interval = time_.untilNext();
+    ASSERT_TRUE(interval);
+    intervals.push_back(interval->count());
+    time_.advance(*interval);
+  }
+  EXPECT_THAT(intervals, ElementsAre(10, 20, 40, 80, 160, 320, 600, 600, 600));
+  EXPECT_THAT(messages_, ElementsAre(failure_));
+  unblock();
+  time_.advance(SettingsModel::maxRetryInterval);
+  EXPECT_EQ(readBytes(file_), ConfigurationCodec::encode(model_->configuration()));
+  EXPECT_EQ(time_.pendingCount(), 0U);
+  // And anew from the start.
+  fs::remove_all(file_.parent_path());
+  block();
+  padBy(2);
+  time_.advance(SettingsModel::saveDelay);
+  EXPECT_EQ(time_.untilNext(), SettingsModel::minRetryInterval);
+}
+
+TEST_F(FailingSaveTest, IsTriedAgainWhenAPauseEnds) {
+  AppConfiguration configuration = model_->configuration();
+  configuration.paused = true;
+  model_->setConfiguration(configuration);
+  time_.advance(SettingsModel::saveDelay);
+  EXPECT_EQ(model_->notice(), failure_);
+  unblock();
+  configuration.paused = false;
+  model_->setConfiguration(configuration);
+  time_.advance(SettingsModel::saveDelay);
+  EXPECT_TRUE(isSaved());
+  EXPECT_EQ(time_.pendingCount(), 0U);
+}
+
+TEST_F(FailingSaveTest, WaitsForTheDelayOfAnEditAndNotForTheRetry) {
+  worker_.hang();
+  padBy(1);
+  time_.advance(SettingsModel::saveDelay);
+  padBy(2);
+  worker_.resume();
+  time_.runPosted();
+  EXPECT_THAT(messages_, ElementsAre(failure_));
+  EXPECT_EQ(time_.untilNext(), SettingsModel::saveDelay);
+}
+
+TEST_F(FailingSaveTest, IsNoneWhereTheConfigurationIsOutOfBounds) {
+  padBy(17);
+  time_.advance(SettingsModel::saveDelay);
+  EXPECT_THAT(messages_, ElementsAre());
+  EXPECT_EQ(time_.pendingCount(), 0U);
+}
+
+TEST_F(SettingsModelTest, HearsNothingOfASaveThatOutlivesIt) {
+  worker_.hang();
+  padBy(9);
+  time_.advance(SettingsModel::saveDelay);
+  model_->exportJSON(folder_ / "out.json");
+  model_->importJSON(folder_ / "out.json");
+  model_->setStartAtLogin(true);
+  model_->selectCodexExecutable("codex");
+  model_.reset();
+  worker_.resume();
+  time_.runPosted();
+  EXPECT_TRUE(isSaved());
+}
+
 TEST_F(SettingsModelTest, DoesNothingForAnEqualConfiguration) {
   int calls = 0;
   model_->onConfigurationChange = [&](const AppConfiguration&) { ++calls; };
@@ -98,7 +247,7 @@ TEST_F(SettingsModelTest, DoesNothingForAnEqualConfiguration) {
   EXPECT_EQ(time_.pendingCount(), 0U);
 }
 
-TEST_F(SettingsModelTest, TellsTheCoordinatorBeforeAnythingIsScheduled) {
+TEST_F(SettingsModelTest, NotifiesTheCoordinatorBeforeAnythingIsScheduled) {
   std::vector<double> seen;
   model_->onConfigurationChange = [&](const AppConfiguration& configuration) {
     seen.push_back(configuration.horizontalPadding);
@@ -142,6 +291,7 @@ TEST_F(SettingsModelTest, ImportsThroughTheChangeHookAndSavesAfterTheDelay) {
   int calls = 0;
   model_->onConfigurationChange = [&](const AppConfiguration&) { ++calls; };
   model_->importJSON(layout);
+  time_.runPosted();
   EXPECT_EQ(calls, 1);
   EXPECT_EQ(model_->configuration(), wanted);
   EXPECT_EQ(model_->notice(), "Configuração importada.");
@@ -150,11 +300,62 @@ TEST_F(SettingsModelTest, ImportsThroughTheChangeHookAndSavesAfterTheDelay) {
   EXPECT_TRUE(isSaved());
 }
 
+TEST_F(SettingsModelTest, TakesBackARemovalAndBringsTheModuleIntoView) {
+  const AppConfiguration before = model_->configuration();
+  AppConfiguration edited = before;
+  const UUID removed = edited.modules[1].id;
+  edited.modules.erase(edited.modules.begin() + 1);
+  model_->setConfiguration(edited, UndoableEdit::removal);
+  EXPECT_EQ(model_->undoable(), UndoableEdit::removal);
+  model_->undo();
+  EXPECT_EQ(model_->configuration(), before);
+  EXPECT_EQ(model_->pendingScrollID(), removed);
+  EXPECT_EQ(model_->undoable(), std::nullopt);
+  model_->undo();
+  EXPECT_EQ(model_->configuration(), before);
+  time_.advance(SettingsModel::saveDelay);
+  EXPECT_TRUE(isSaved());
+}
+
+TEST_F(SettingsModelTest, TakesBackAnImportAndTheDefaults) {
+  padBy(9);
+  const AppConfiguration before = model_->configuration();
+  const fs::path layout = folder_ / "layout.json";
+  writeBytes(layout, *ConfigurationCodec::encode(paddedBy(11)));
+  model_->importJSON(layout);
+  time_.runPosted();
+  EXPECT_EQ(model_->undoable(), UndoableEdit::importing);
+  model_->undo();
+  EXPECT_EQ(model_->configuration(), before);
+  model_->restoreDefaults();
+  EXPECT_EQ(model_->undoable(), UndoableEdit::restoring);
+  model_->undo();
+  EXPECT_EQ(model_->configuration(), before);
+  EXPECT_EQ(model_->pendingScrollID(), std::nullopt);
+}
+
+TEST_F(SettingsModelTest, UndoesNothingAfterTheNextChange) {
+  padBy(9);
+  int tellings = 0;
+  model_->onFieldChange = [&](SettingsModel::Field field) {
+    tellings += field == SettingsModel::Field::undoable ? 1 : 0;
+  };
+  model_->restoreDefaults();
+  EXPECT_EQ(tellings, 1);
+  padBy(10);
+  EXPECT_EQ(tellings, 2);
+  EXPECT_EQ(model_->undoable(), std::nullopt);
+  const AppConfiguration after = model_->configuration();
+  model_->undo();
+  EXPECT_EQ(model_->configuration(), after);
+}
+
 TEST_F(SettingsModelTest, KeepsItsConfigurationWhenAnImportIsRefused) {
   const AppConfiguration before = model_->configuration();
   const fs::path layout = folder_ / "layout.json";
   writeBytes(layout, *ConfigurationCodec::encode(paddedBy(17)));
   model_->importJSON(layout);
+  time_.runPosted();
   EXPECT_EQ(model_->configuration(), before);
   EXPECT_EQ(model_->notice(),
             "Arquivo inválido ou não suportado: Verifique a versão e os limites dos campos.");
@@ -163,38 +364,41 @@ TEST_F(SettingsModelTest, KeepsItsConfigurationWhenAnImportIsRefused) {
 
 TEST_F(SettingsModelTest, ExportsToTheChosenPath) {
   model_->exportJSON(folder_ / "out.json");
+  time_.runPosted();
   EXPECT_EQ(readBytes(folder_ / "out.json"), ConfigurationCodec::encode(model_->configuration()));
   EXPECT_EQ(model_->notice(), "Configuração exportada.");
 }
 
 TEST_F(SettingsModelTest, LeavesEverythingWhenAPanelIsCancelled) {
   model_->exportJSON(folder_ / "out.json");
+  time_.runPosted();
   const auto notice = model_->notice();
   model_->exportJSON(std::nullopt);
   model_->importJSON(std::nullopt);
   model_->selectCodexExecutable(std::nullopt);
+  time_.runPosted();
   EXPECT_EQ(model_->notice(), notice);
   EXPECT_TRUE(defaults_.texts.empty());
 }
 
 TEST_F(SettingsModelTest, FollowsTheSystemAndNotTheRequestAboutTheLoginItem) {
-  model_->setStartAtLogin(true);
+  setStartAtLogin(true);
   EXPECT_EQ(model_->loginItemStatus(), LoginItemStatus::enabled);
-  EXPECT_EQ(model_->notice(), "Vantora iniciará ao entrar na sessão do Mac.");
-  model_->setStartAtLogin(false);
+  EXPECT_EQ(model_->notice(), Words::loginItemEnabled);
+  setStartAtLogin(false);
   EXPECT_EQ(model_->loginItemStatus(), LoginItemStatus::notRegistered);
   EXPECT_EQ(model_->notice(), "Início automático desativado.");
   loginItem_.forced = LoginItemStatus::enabled;
-  model_->setStartAtLogin(false);
-  EXPECT_EQ(model_->notice(), "Vantora iniciará ao entrar na sessão do Mac.");
+  setStartAtLogin(false);
+  EXPECT_EQ(model_->notice(), Words::loginItemEnabled);
   loginItem_.forced = LoginItemStatus::requiresApproval;
-  model_->setStartAtLogin(true);
-  EXPECT_EQ(model_->notice(), "Aprovação pendente em Ajustes do Sistema → Itens de Início.");
+  setStartAtLogin(true);
+  EXPECT_EQ(model_->notice(), Words::loginItemNeedsApproval);
   for (const auto status : {LoginItemStatus::notRegistered, LoginItemStatus::notFound}) {
     loginItem_.forced = status;
-    model_->setStartAtLogin(true);
+    setStartAtLogin(true);
     EXPECT_EQ(model_->notice(), "O item de início ainda não foi habilitado.");
-    model_->setStartAtLogin(false);
+    setStartAtLogin(false);
     EXPECT_EQ(model_->notice(), "Início automático desativado.");
   }
 }
@@ -202,7 +406,7 @@ TEST_F(SettingsModelTest, FollowsTheSystemAndNotTheRequestAboutTheLoginItem) {
 TEST_F(SettingsModelTest, ShowsTheRealLoginStatusAfterAFailure) {
   loginItem_.current = LoginItemStatus::requiresApproval;
   loginItem_.fault = Fault::failed("Sem espaço");
-  model_->setStartAtLogin(true);
+  setStartAtLogin(true);
   EXPECT_EQ(model_->loginItemStatus(), LoginItemStatus::requiresApproval);
   EXPECT_EQ(model_->notice(), "Falha ao ajustar início automático: Sem espaço");
 }
@@ -210,8 +414,28 @@ TEST_F(SettingsModelTest, ShowsTheRealLoginStatusAfterAFailure) {
 TEST_F(SettingsModelTest, ReadsTheLoginStatusWhenAskedAndLeavesTheNotice) {
   loginItem_.current = LoginItemStatus::notFound;
   model_->refreshLoginStatus();
+  time_.runPosted();
   EXPECT_EQ(model_->loginItemStatus(), LoginItemStatus::notFound);
   EXPECT_EQ(model_->notice(), std::nullopt);
+}
+
+TEST_F(SettingsModelTest, WaitsForNoDiskThatHoldsTheLoginItemOrTheUserDefaults) {
+  worker_.hang();
+  const fs::path codex = folder_ / "codex";
+  writeBytes(codex, "#!/bin/sh\n");
+  fs::permissions(codex, fs::perms(0755));
+  model_->setStartAtLogin(true);
+  model_->refreshLoginStatus();
+  model_->selectCodexExecutable(codex);
+  time_.advance(Seconds{60});
+  EXPECT_EQ(loginItem_.current, LoginItemStatus::notRegistered);
+  EXPECT_TRUE(defaults_.texts.empty());
+  EXPECT_EQ(model_->notice(), std::nullopt);
+  worker_.resume();
+  time_.runPosted();
+  EXPECT_EQ(model_->loginItemStatus(), LoginItemStatus::enabled);
+  EXPECT_EQ(defaults_.text(codexExecutablePathKey), codex.string());
+  EXPECT_EQ(model_->notice(), Words::codexExecutableSelected);
 }
 
 class CodexSelectionTest : public SettingsModelTest {
@@ -228,8 +452,12 @@ class CodexSelectionTest : public SettingsModelTest {
     fs::permissions(path, mode);
     return path;
   }
-  void expectRefused(const fs::path& path) {
+  void select(const fs::path& path) {
     model_->selectCodexExecutable(path);
+    time_.runPosted();
+  }
+  void expectRefused(const fs::path& path) {
+    select(path);
     EXPECT_EQ(model_->notice(), "Selecione um executável codex válido.");
     EXPECT_EQ(calls_, 0);
     EXPECT_TRUE(defaults_.texts.empty());
@@ -239,10 +467,10 @@ class CodexSelectionTest : public SettingsModelTest {
 
 TEST_F(CodexSelectionTest, StoresAnExecutableNamedCodex) {
   const fs::path codex = makeFile("codex", fs::perms(0755));
-  model_->selectCodexExecutable(codex);
+  select(codex);
   EXPECT_EQ(defaults_.text(codexExecutablePathKey), codex.string());
   EXPECT_EQ(calls_, 1);
-  EXPECT_EQ(model_->notice(), "Executável Codex selecionado para este Mac.");
+  EXPECT_EQ(model_->notice(), Words::codexExecutableSelected);
 }
 
 TEST_F(CodexSelectionTest, RefusesEverythingElse) {
@@ -259,12 +487,12 @@ TEST_F(CodexSelectionTest, RefusesEverythingElse) {
 
 TEST_F(CodexSelectionTest, SaysThatTheChoiceCouldNotBeStored) {
   defaults_.fault = Fault::failed("Disco cheio");
-  model_->selectCodexExecutable(makeFile("codex", fs::perms(0755)));
+  select(makeFile("codex", fs::perms(0755)));
   EXPECT_EQ(calls_, 0);
   EXPECT_EQ(model_->notice(), "Falha ao salvar: Disco cheio");
 }
 
-TEST_F(SettingsModelTest, TellsWhoeverShowsItWhichFieldChanged) {
+TEST_F(SettingsModelTest, ReportsWhichFieldChanged) {
   using Field = SettingsModel::Field;
   std::vector<Field> fields;
   model_->onFieldChange = [&](Field field) { fields.push_back(field); };
@@ -275,7 +503,7 @@ TEST_F(SettingsModelTest, TellsWhoeverShowsItWhichFieldChanged) {
   model_->setSnapshot(snapshot);
   model_->setPendingScrollID(model_->configuration().modules[0].id);
   model_->setPendingScrollID(std::nullopt);
-  model_->setStartAtLogin(true);
+  setStartAtLogin(true);
   EXPECT_THAT(fields, ElementsAre(Field::configuration, Field::snapshot, Field::pendingScrollID,
                                   Field::pendingScrollID, Field::loginItemStatus, Field::notice));
 }

@@ -30,7 +30,7 @@ bool write(const char* path, const std::string& text) {
   return isWritten;
 }
 
-// As root at once; as somebody else through a user namespace, in which one is the user and
+// As root at once; as another user through a user namespace, in which one is the user and
 // the group 0 (user_namespaces(7)).
 bool enterMountNamespace() {
   const std::string user = "0 " + std::to_string(::getuid()) + " 1";

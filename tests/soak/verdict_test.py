@@ -62,7 +62,7 @@ class Verdict(unittest.TestCase):
         self.assertIn("children", self.faults(
             children=lambda second, sample: 40 if second == 2000 else sample["children"]))
 
-    def test_finds_a_child_that_nobody_ended(self):
+    def test_finds_a_child_that_was_not_ended(self):
         self.assertIn("a quota child of 90 s", self.faults(
             oldest_assistant=lambda second, sample: 90 if second == 2000 else 0))
 

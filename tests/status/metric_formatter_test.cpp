@@ -43,7 +43,7 @@ TEST(MetricFormatter, ShowsNothingForAnEmptyLine) {
   EXPECT_EQ(validText(MetricID::none, 7), "");
 }
 
-TEST(MetricFormatter, ShowsADashForWhatNobodyMeasured) {
+TEST(MetricFormatter, ShowsADashForWhatWasNotMeasured) {
   for (const MetricID metric : sampledMetrics) {
     EXPECT_EQ(MetricFormatter::text(metric, MetricSnapshot(), now), "—") << id(metric);
   }
@@ -163,7 +163,9 @@ TEST(MetricFormatter, ShowsACForNoOtherMetric) {
 
 TEST(MetricFormatter, NeverCrashesOnAbsurdValues) {
   EXPECT_EQ(validText(MetricID::fan1RPM, 1e300), "—");
+  EXPECT_EQ(validText(MetricID::fan1RPM, 9e18), "9000000000000000000");
   EXPECT_EQ(validText(MetricID::batteryTime, 1e300), "—");
+  EXPECT_EQ(validText(MetricID::batteryTime, 9e18), "150000000000000000:00");
   EXPECT_EQ(validText(MetricID::batteryTime, -5), "—");
   EXPECT_EQ(validText(MetricID::adapterWatts, -1e300), "—");
 }

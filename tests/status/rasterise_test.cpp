@@ -62,5 +62,23 @@ TEST(Rasterise, MakesNoPictureOfNoSizeOrScale) {
   EXPECT_EQ(rasterise(imageOf(-5, -5), engine, -1), AlphaBitmap());
 }
 
+TEST(Rasterise, MakesPicturesFromOnePixelToItsLimit) {
+  test::FakeTextEngine engine;
+  EXPECT_EQ(rasterise(imageOf(1, 1), engine, 1), AlphaBitmap(1, 1));
+  EXPECT_EQ(rasterise(imageOf(16'384, 1), engine, 1).width, 16'384);
+  EXPECT_EQ(rasterise(imageOf(16'385, 1), engine, 1), AlphaBitmap());
+  EXPECT_EQ(rasterise(imageOf(1, 16'385), engine, 1), AlphaBitmap());
+}
+
+TEST(Rasterise, PutsAnImageIntoAFrame) {
+  test::FakeTextEngine engine;
+  StatusImage image = imageOf(20, 10);
+  image.texts.push_back({2, 1, {{"7%", {FontFace::system, 5}}}});
+  StatusImage moved = imageOf(26, 15);
+  moved.texts.push_back({5, 3, {{"7%", {FontFace::system, 5}}}});
+  const ImageFrame frame{.width = 26, .height = 15, .left = 3, .bottom = 2};
+  EXPECT_EQ(rasterise(image, frame, engine, 2), rasterise(moved, engine, 2));
+}
+
 }  // namespace
 }  // namespace vantora

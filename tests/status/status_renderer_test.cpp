@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "model/words.hpp"
+#include "status/status_modules.hpp"
 #include "support/fake_text_engine.hpp"
 
 namespace vantora {
@@ -43,8 +45,6 @@ struct StatusRendererTest : ::testing::Test {
     return StatusRenderer::render(configuration, snapshot, {thickness, now, engine});
   }
 
-  std::string signature() const { return StatusRenderer::signature(configuration, snapshot, now); }
-
   AppConfiguration configuration;
   MetricSnapshot snapshot;
   FakeTextEngine engine;
@@ -74,7 +74,7 @@ void expectFallback(const StatusPresentation& presentation, double height) {
   const PlacedText& mark = presentation.image.texts.front();
   EXPECT_EQ(mark.text, (StyledText{{"VA", {FontFace::system, 9}}}));
   EXPECT_EQ(mark.x, 2);
-  // The text's box, not its baseline, stands on the point.
+  // The text's box, not its baseline, is on the point.
   EXPECT_DOUBLE_EQ(mark.y, (height - 11) * 0.5 + FakeTextEngine::descent * 9);
 }
 
@@ -373,9 +373,9 @@ TEST_F(StatusRendererTest, DescribesEveryVisibleLine) {
   add(MetricID::cpuUsage, MetricID::cpuTemperature);
   add(MetricID::fan1RPM, MetricID::fan2RPM);
   add(MetricID::upload, MetricID::none);
-  EXPECT_EQ(render().accessibilityText,
-            "CPU · uso total: 17%; CPU · maior temperatura (SMC experimental): 41°C. "
-            "Rede · upload: 0,04M; Linha vazia: ");
+  EXPECT_EQ(render().accessibilityText, std::string("CPU · uso total: 17%; ") +
+                                            Words::cpuTemperatureTitle +
+                                            ": 41°C. Rede · upload: 0,04M; Linha vazia: ");
 }
 
 TEST_F(StatusRendererTest, AddsEachQuotaMessageOnceAndCodexFirst) {
@@ -397,55 +397,73 @@ TEST_F(StatusRendererTest, AddsNoMessageOfAQuotaThatNoVisibleModuleShows) {
   EXPECT_EQ(render().accessibilityText, "CPU · uso total: 17%; Linha vazia: ");
 }
 
-// --- signature
+TEST_F(StatusRendererTest, WritesTheSameInLinesForAToolTip) {
+  snapshot.codex.message = "Sessão expirada. Entre de novo.";
+  add(MetricID::cpuUsage, MetricID::none);
+  add(MetricID::codexWeeklyPercent, MetricID::none);
+  EXPECT_EQ(render().toolTip,
+            "CPU · uso total: 17%; Linha vazia: \n"
+            "Codex · cota semanal (%): --; Linha vazia: \n"
+            "Sessão expirada. Entre de novo.");
+  configuration.modules.clear();
+  EXPECT_EQ(render().toolTip, render().accessibilityText);
+}
 
-TEST_F(StatusRendererTest, SignsEveryVisibleModuleWithItsIdentityAndTexts) {
-  add(MetricID::cpuUsage, MetricID::cpuTemperature).id =
-      *UUID::parse("e621e1f8-c36c-495a-93fc-0c247a3e6e5f");
+TEST_F(StatusRendererTest, SaysInTheToolTipThatNothingIsMeasured) {
+  add(MetricID::cpuUsage, MetricID::none);
+  const std::string before = render().toolTip;
+  const std::string spoken = render().accessibilityText;
+  configuration.paused = true;
+  EXPECT_EQ(render().toolTip, before + "\nColeta pausada");
+  EXPECT_EQ(render().accessibilityText, spoken);
+}
+
+// --- modules
+
+TEST_F(StatusRendererTest, HandsOnTheModulesThatThePictureIsMadeOf) {
+  configuration.horizontalPadding = 3;
+  configuration.gap = 4;
   add(MetricID::fan1RPM, MetricID::none);
-  add(MetricID::upload, MetricID::none).id = UUID();
-  EXPECT_EQ(signature(),
-            "E621E1F8-C36C-495A-93FC-0C247A3E6E5F:17%|41°C;"
-            "00000000-0000-0000-0000-000000000000:0,04M|");
+  ModuleConfiguration& module = add(MetricID::cpuUsage, MetricID::batteryTime);
+  module.id = UUID::random();
+  module.fontTop = 9;
+  module.fontBottom = 7;
+  add(MetricID::upload, MetricID::none);
+  const std::vector<StatusModule> modules = render().modules;
+  ASSERT_EQ(modules.size(), 2U);
+  EXPECT_EQ(
+      modules[0],
+      (StatusModule{.id = configuration.modules[1].id,
+                    .index = 1,
+                    .top = {MetricID::cpuUsage, "17%", true, {FontFace::tabularDigits, 9}},
+                    .bottom = {MetricID::batteryTime, "—", false, {FontFace::tabularDigits, 7}},
+                    .x = 3,
+                    .width = 34}));
+  EXPECT_EQ(modules[1].index, 2U);
+  EXPECT_EQ(modules[1].x, 3 + 34 + 4);
+  EXPECT_EQ(modules[1].bottom.text, "");
 }
 
-TEST_F(StatusRendererTest, SignsNothingWhenNothingIsVisible) {
-  EXPECT_EQ(signature(), "");
-  add(MetricID::fan1RPM, MetricID::none);
-  EXPECT_EQ(signature(), "");
+TEST_F(StatusRendererTest, HandsOnNoModuleWithItsMark) {
+  EXPECT_TRUE(render().modules.empty());
 }
 
-TEST_F(StatusRendererTest, KeepsItsSignatureWhileTheTextsStay) {
-  add(MetricID::cpuUsage, MetricID::cpuTemperature);
-  const std::string before = signature();
-  set(MetricID::cpuUsage, 17.4);
-  set(MetricID::batteryPercent, 50);
-  snapshot.claude.message = "Outra mensagem.";
-  EXPECT_EQ(signature(), before);
-  set(MetricID::cpuUsage, 17.5);
-  EXPECT_NE(signature(), before);
-}
-
-TEST_F(StatusRendererTest, SignsNoLayout) {
-  ModuleConfiguration& module = add(MetricID::cpuUsage, MetricID::cpuTemperature);
-  const std::string before = signature();
-  module.width = 100;
-  module.fontTop = 12;
-  module.alignment = Alignment::right;
-  configuration.gap = 20;
-  EXPECT_EQ(signature(), before);
-}
-
-TEST_F(StatusRendererTest, SignsTheInstantsTexts) {
-  add(MetricID::codexWeeklyPercent, MetricID::codexWeeklyReset);
-  snapshot.codex.status = CodexQuotaStatus::ready;
-  snapshot.codex.usedPercent = 40;
-  snapshot.codex.lastSuccess = now;
-  snapshot.codex.resetAt = now + std::chrono::minutes{90};
-  const std::string before = signature();
-  EXPECT_TRUE(before.ends_with(":60%|1h30m")) << before;
-  EXPECT_NE(StatusRenderer::signature(configuration, snapshot, now + std::chrono::minutes{1}),
-            before);
+TEST_F(StatusRendererTest, LeavesNothingOfWhatWasLaidOutBefore) {
+  add(MetricID::cpuUsage, MetricID::cpuTemperature).fontTop = 30;
+  add(MetricID::upload, MetricID::download);
+  StatusPresentation presentation = render();
+  const auto expectAnew = [&] {
+    StatusModules::read(configuration, snapshot, now, presentation.modules);
+    StatusRenderer::layOut(configuration, snapshot, {usualThickness, now, engine}, presentation);
+    EXPECT_EQ(presentation, render());
+  };
+  configuration.modules.pop_back();
+  configuration.modules.back().fontTop = 9;
+  expectAnew();
+  configuration.modules.clear();
+  expectAnew();
+  add(MetricID::upload, MetricID::none);
+  expectAnew();
 }
 
 TEST_F(StatusRendererTest, GivesEqualPresentationsForEqualValues) {

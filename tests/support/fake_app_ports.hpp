@@ -7,10 +7,10 @@
 #include <utility>
 #include <vector>
 
-#include "app/power_events.hpp"
-#include "app/settings_window.hpp"
-#include "app/status_item.hpp"
-#include "app/url_opener.hpp"
+#include "ports/power_events.hpp"
+#include "ports/settings_window.hpp"
+#include "ports/status_item.hpp"
+#include "ports/url_opener.hpp"
 
 namespace vantora::test {
 

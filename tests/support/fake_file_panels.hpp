@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "settings/window_model.hpp"
+#include "settings/conversation/window_model.hpp"
 
 namespace vantora::test {
 

@@ -4,12 +4,12 @@
 #include <string>
 #include <utility>
 
-#include "sampling/mach_ticks.hpp"
+#include "sampling/apple/mach_ticks.hpp"
 #include "sampling/tick_counters.hpp"
 
 namespace vantora::test {
 
-/// Tick counters that stand still until a test moves them.
+/// Tick counters that stay the same until a test moves them.
 class FakeTickCounters final : public TickCounters {
  public:
   explicit FakeTickCounters(TickTexts texts = MachTicks::texts) : texts_(texts) {}

@@ -10,6 +10,7 @@
 namespace {
 
 std::atomic<std::size_t> live{0};
+std::atomic<std::size_t> given{0};
 
 }  // namespace
 
@@ -19,6 +20,7 @@ void* operator new(std::size_t size) {
     throw std::bad_alloc();
   }
   live += malloc_usable_size(memory);
+  ++given;
   return memory;
 }
 
@@ -37,6 +39,10 @@ namespace vantora::test {
 
 std::size_t liveBytes() {
   return live;
+}
+
+std::size_t allocations() {
+  return given;
 }
 
 }  // namespace vantora::test

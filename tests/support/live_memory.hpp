@@ -12,4 +12,7 @@ namespace vantora::test {
 /// allocator rounds them up, or with a sanitizer by its allocator.
 [[nodiscard]] std::size_t liveBytes();
 
+/// How many times memory has been given out, of all threads and as above.
+[[nodiscard]] std::size_t allocations();
+
 }  // namespace vantora::test

@@ -75,18 +75,6 @@ ChildProcessOptions helperOptions(const std::string& scenario, std::vector<std::
   return {VANTORA_CHILD_HELPER, std::move(arguments), {}, {}};
 }
 
-HelperFolder::HelperFolder()
-    : path_((std::filesystem::temp_directory_path() / "vantora-test-XXXXXX").string()) {
-  if (mkdtemp(path_.data()) == nullptr) {
-    ADD_FAILURE() << "no temporary folder";
-  }
-}
-
-HelperFolder::~HelperFolder() {
-  std::error_code error;
-  std::filesystem::remove_all(path_, error);
-}
-
 std::string HelperFolder::makeHelperScript(const std::string& scenario,
                                            const std::vector<std::string>& arguments) const {
   std::string path = path_ + "/" + scenario;
@@ -106,7 +94,7 @@ RealProcesses::RealProcesses(TaskQueue* timers)
           loop_.raw(), timers != nullptr ? *timers : loop_.queue())) {
   // A loop that has seen a stream keeps one spare descriptor for as long as it lives
   // (libuv's way to answer connections when no descriptor is left). It is no leak, so it
-  // is made before anybody counts.
+  // is made before anything is counted.
   uv_pipe_t pipe;
   uv_pipe_init(&loop_.raw(), &pipe, 0);
   uv_close(reinterpret_cast<uv_handle_t*>(&pipe), nullptr);

@@ -9,8 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "runtime/uv_child_process.hpp"
+#include "process/uv_child_process.hpp"
 #include "runtime/uv_loop.hpp"
+#include "support/temporary_folder.hpp"
 
 namespace vantora::test {
 
@@ -39,13 +40,9 @@ void PrintTo(const ProcessCensus& census, std::ostream* stream);
 [[nodiscard]] ChildProcessOptions helperOptions(const std::string& scenario,
                                                 std::vector<std::string> arguments = {});
 
-/// A folder of its own that goes with it.
+/// A folder of the test's own for executable scripts.
 class HelperFolder {
  public:
-  HelperFolder();
-  ~HelperFolder();
-  HelperFolder(const HelperFolder&) = delete;
-  HelperFolder& operator=(const HelperFolder&) = delete;
   [[nodiscard]] const std::string& path() const { return path_; }
 
   /// An executable script that becomes the helper in `scenario`, whatever arguments it
@@ -54,7 +51,8 @@ class HelperFolder {
                                              const std::vector<std::string>& arguments = {}) const;
 
  private:
-  std::string path_;
+  TemporaryFolder folder_;
+  std::string path_ = folder_.path().string();
 };
 
 /// A loop, turned by hand, with a launcher on it. The launcher's times come from
@@ -71,7 +69,7 @@ class RealProcesses {
 
   /// Turns the loop until `condition` holds. Fails the test after ten seconds.
   void runUntil(const std::function<bool()>& condition);
-  /// Turns the loop until this process holds what `before` tells, or fails the test. Where
+  /// Turns the loop until this process holds what `before` names, or fails the test. Where
   /// the launcher's timers are virtual, `passTime` lets them run at each turn: with them it
   /// looks after what lingers in a child's group, a sanitizer's last process for one.
   void runUntilBackTo(const ProcessCensus& before, const std::function<void()>& passTime = {});

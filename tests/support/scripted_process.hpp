@@ -11,13 +11,13 @@
 #include <string_view>
 #include <vector>
 
-#include "runtime/child_process.hpp"
+#include "process/child_process.hpp"
 #include "runtime/task_queue.hpp"
 
 namespace vantora::test {
 
-/// One started child, seen from the inside. Lives as long as anybody holds it; what it
-/// does after it was terminated reaches nobody.
+/// One started child, seen from the inside. Lives as long as it is referenced; what it
+/// does after it was terminated has no effect.
 class ScriptedProcess final : public std::enable_shared_from_this<ScriptedProcess> {
  public:
   ScriptedProcess(TaskQueue& queue, std::int32_t id, ChildProcessOptions options,
@@ -37,7 +37,7 @@ class ScriptedProcess final : public std::enable_shared_from_this<ScriptedProces
   void output(std::string bytes);
   void errorOutput(std::string bytes);
   void endOutput();
-  /// Ends, and takes its input with it. The end of its output is told apart from that:
+  /// Ends, and takes its input with it. The end of its output is a separate event:
   /// a descendant may hold it.
   void exit(ChildExit exit = {});
   /// Closes its input: later writes are refused.

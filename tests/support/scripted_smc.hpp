@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "sampling/smc_connection.hpp"
+#include "sampling/apple/smc_connection.hpp"
 
 namespace vantora::test {
 

@@ -68,7 +68,7 @@ class SysfsTree {
   void rename(const std::string& from, const std::string& to) {
     std::filesystem::rename(root_ / from, root_ / to);
   }
-  /// A pipe that nobody writes to, in the place of an attribute.
+  /// A pipe without a writer, in place of an attribute.
   void putPipe(const std::string& path) {
     remove(path);
     ASSERT_EQ(::mkfifo((root_ / path).c_str(), 0600), 0);

@@ -6,12 +6,15 @@
 
 #include <vector>
 
+#include "model/version.hpp"
+
 namespace vantora {
 namespace {
 
-std::variant<PrintOptions, PrintExit> parse(std::vector<const char*> arguments) {
+std::variant<PrintOptions, ProgramAnswer> parse(std::vector<const char*> arguments,
+                                                bool isTerminal = false) {
   arguments.insert(arguments.begin(), "vantora-print");
-  return parsePrintOptions(static_cast<int>(arguments.size()), arguments.data());
+  return parsePrintOptions(static_cast<int>(arguments.size()), arguments.data(), isTerminal);
 }
 
 PrintOptions accepted(std::vector<const char*> arguments) {
@@ -21,10 +24,11 @@ PrintOptions accepted(std::vector<const char*> arguments) {
                                                       : PrintOptions();
 }
 
-PrintExit refused(std::vector<const char*> arguments) {
+ProgramAnswer refused(std::vector<const char*> arguments) {
   const auto parsed = parse(std::move(arguments));
-  EXPECT_TRUE(std::holds_alternative<PrintExit>(parsed));
-  return std::holds_alternative<PrintExit>(parsed) ? std::get<PrintExit>(parsed) : PrintExit();
+  EXPECT_TRUE(std::holds_alternative<ProgramAnswer>(parsed));
+  return std::holds_alternative<ProgramAnswer>(parsed) ? std::get<ProgramAnswer>(parsed)
+                                                       : ProgramAnswer();
 }
 
 TEST(PrintOptions, PrintTextOnceWithinAMinuteByDefault) {
@@ -33,6 +37,12 @@ TEST(PrintOptions, PrintTextOnceWithinAMinuteByDefault) {
   EXPECT_EQ(options.format, PrintFormat::text);
   EXPECT_EQ(options.timeout, Seconds{60});
   EXPECT_FALSE(options.hasTimeout);
+}
+
+TEST(PrintOptions, PrintTheListOnATerminalUnlessAnotherFormatIsNamed) {
+  EXPECT_EQ(std::get<PrintOptions>(parse({}, true)).format, PrintFormat::list);
+  EXPECT_EQ(std::get<PrintOptions>(parse({"--format", "text"}, true)).format, PrintFormat::text);
+  EXPECT_EQ(accepted({"--format", "list"}).format, PrintFormat::list);
 }
 
 TEST(PrintOptions, TakeEveryArgument) {
@@ -54,7 +64,7 @@ TEST(PrintOptions, RefuseWhatTheyDoNotKnowInOneLineWithStatusTwo) {
       {{"--format", ""}, "formato desconhecido: \"\""},
       {{"--format"}, "falta o valor"},
       {{"--timeout"}, "falta o valor"},
-      {{"--timeout", "0"}, "tempo inválido: \"0\""},
+      {{"--timeout", "0"}, "tempo inválido: \"0\" (mais de 0 e no máximo 86400 segundos)"},
       {{"--timeout", "-1"}, "tempo inválido: \"-1\""},
       {{"--timeout", "abc"}, "tempo inválido: \"abc\""},
       {{"--timeout", "nan"}, "tempo inválido: \"nan\""},
@@ -76,6 +86,13 @@ TEST(PrintOptions, ShowTheirHelpWithStatusZero) {
   const auto result = refused({"--help"});
   EXPECT_EQ(result.status, 0);
   EXPECT_THAT(result.text, testing::HasSubstr("Uso: vantora-print"));
+  EXPECT_EQ(refused({"-h"}).text, result.text);
+}
+
+TEST(PrintOptions, ShowTheVersionWithStatusZero) {
+  const auto result = refused({"--version"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.text, std::string("vantora-print ") + programVersion + "\n");
 }
 
 }  // namespace

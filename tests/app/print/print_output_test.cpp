@@ -7,8 +7,10 @@
 
 #include <cerrno>
 #include <csignal>
+#include <tuple>
 
 #include "model/json.hpp"
+#include "status/status_modules.hpp"
 
 namespace vantora {
 namespace {
@@ -37,12 +39,15 @@ class PrintOutputTest : public testing::Test {
   void setUsage(double percent) {
     snapshot_.samples.set(MetricID::cpuUsage, MetricSample::valid(percent, "", WallTime{}));
   }
+  void showAlso(MetricID metric) { configuration_.modules[0].bottom = metric; }
   void showManyModules() {
     configuration_.modules.resize(ConfigurationLimits::modules, configuration_.modules[0]);
     presentation_.accessibilityText.assign(8000, 'x');
   }
-  [[nodiscard]] PrintReport report() const {
-    return {configuration_, snapshot_, presentation_, notice_, WallTime{}};
+  // What was drawn of the readings.
+  [[nodiscard]] PrintReport report() {
+    StatusModules::read(configuration_, snapshot_, WallTime{}, presentation_.modules);
+    return {configuration_, snapshot_, presentation_, notice_};
   }
   // What was written since the last call; the tests write less than a pipe holds.
   std::string written() {
@@ -70,24 +75,82 @@ TEST_F(PrintOutputTest, WritesALineAPrintWhereNoTerminalReads) {
   EXPECT_EQ(written(), "1%\n2%\n");
 }
 
-TEST_F(PrintOutputTest, DrawsTwoLinesAgainInPlaceOnATerminal) {
+TEST_F(PrintOutputTest, WritesTheTextAsItIsOnATerminalToo) {
   PrintOutput output(descriptor(), PrintFormat::text, true, true);
   setUsage(1);
   EXPECT_EQ(output.print(report()), 0);
-  EXPECT_EQ(written(), "\x1b[2K1%\n\x1b[2K  ");
+  setUsage(2);
+  EXPECT_EQ(output.print(report()), 0);
+  output.finish();
+  EXPECT_EQ(written(), "1%\n2%\n");
+}
+
+TEST_F(PrintOutputTest, DrawsTheListAgainInPlaceOnATerminal) {
+  showAlso(MetricID::upload);
+  PrintOutput output(descriptor(), PrintFormat::list, true, true);
+  setUsage(1);
+  EXPECT_EQ(output.print(report()), 0);
+  EXPECT_EQ(written(),
+            "\x1b[2KCPU · uso total  1%\n"
+            "\x1b[2KRede · upload     —  Aguardando a primeira leitura\x1b[J");
   setUsage(12);
   EXPECT_EQ(output.print(report()), 0);
-  EXPECT_EQ(written(), "\r\x1b[1A\x1b[2K12%\n\x1b[2K   ");
+  EXPECT_EQ(written(),
+            "\r\x1b[1A\x1b[2KCPU · uso total  12%\n"
+            "\x1b[2KRede · upload      —  Aguardando a primeira leitura\x1b[J");
   output.finish();
   EXPECT_EQ(written(), "\n");
 }
 
-TEST_F(PrintOutputTest, WritesTwoPlainLinesOnceOnATerminal) {
-  PrintOutput output(descriptor(), PrintFormat::text, false, true);
+TEST_F(PrintOutputTest, DrawsAListOfOneLineInPlaceWithoutLeavingIt) {
+  PrintOutput output(descriptor(), PrintFormat::list, true, true);
+  setUsage(1);
+  EXPECT_EQ(output.print(report()), 0);
+  (void)written();
+  EXPECT_EQ(output.print(report()), 0);
+  EXPECT_EQ(written(), "\r\x1b[2KCPU · uso total  1%\x1b[J");
+}
+
+TEST_F(PrintOutputTest, BeginsAtTheTopOfAClearedTerminalAfterAResize) {
+  PrintOutput output(descriptor(), PrintFormat::list, true, true);
+  EXPECT_FALSE(output.resized());  // nothing is drawn yet
+  setUsage(1);
+  EXPECT_EQ(output.print(report()), 0);
+  (void)written();
+  EXPECT_TRUE(output.resized());
+  EXPECT_EQ(output.print(report()), 0);
+  EXPECT_EQ(written(), "\x1b[H\x1b[J\x1b[2KCPU · uso total  1%\x1b[J");
+  EXPECT_EQ(output.print(report()), 0);
+  EXPECT_EQ(written(), "\r\x1b[2KCPU · uso total  1%\x1b[J");
+}
+
+TEST_F(PrintOutputTest, TakesNoNoticeOfAResizeWhereNothingIsDrawnInPlace) {
+  for (const auto& [format, follow, isTerminal] : {std::tuple{PrintFormat::list, true, false},
+                                                   {PrintFormat::list, false, true},
+                                                   {PrintFormat::text, true, true},
+                                                   {PrintFormat::json, true, true}}) {
+    PrintOutput output(descriptor(), format, follow, isTerminal);
+    setUsage(1);
+    EXPECT_EQ(output.print(report()), 0);
+    EXPECT_FALSE(output.resized());
+  }
+}
+
+TEST_F(PrintOutputTest, WritesPlainLinesOfAListThatIsPrintedOnce) {
+  PrintOutput output(descriptor(), PrintFormat::list, false, true);
   setUsage(1);
   EXPECT_EQ(output.print(report()), 0);
   output.finish();
-  EXPECT_EQ(written(), "1%\n  \n");
+  EXPECT_EQ(written(), "CPU · uso total  1%\n");
+}
+
+TEST_F(PrintOutputTest, SeparatesTheListsInAPipeByAnEmptyLine) {
+  PrintOutput output(descriptor(), PrintFormat::list, true, false);
+  setUsage(1);
+  EXPECT_EQ(output.print(report()), 0);
+  EXPECT_EQ(output.print(report()), 0);
+  output.finish();
+  EXPECT_EQ(written(), "CPU · uso total  1%\n\nCPU · uso total  1%\n\n");
 }
 
 TEST_F(PrintOutputTest, WritesAWholeJsonDocumentForI3bar) {
@@ -137,7 +200,7 @@ TEST_F(PrintOutputTest, WritesNothingMoreToAReaderThatIsBehind) {
   EXPECT_TRUE(output.isBehind());
 }
 
-TEST_F(PrintOutputTest, SaysWhenNobodyReadsAnyMore) {
+TEST_F(PrintOutputTest, SaysWhenTheReaderIsGone) {
   PrintOutput output(descriptor(), PrintFormat::json, true, false);
   EXPECT_TRUE(output.hasReader());
   closeReader();

@@ -5,6 +5,8 @@
 
 #include "app/print/iso_date.hpp"
 #include "model/json.hpp"
+#include "model/words.hpp"
+#include "status/status_modules.hpp"
 
 namespace vantora {
 namespace {
@@ -24,9 +26,12 @@ struct Scene {
     snapshot.codex.resetAt = now + std::chrono::seconds(30);
     snapshot.codex.lastSuccess = now;
     presentation.accessibilityText = "CPU & <cota>";
+    presentation.toolTip = "CPU &\n<cota>";
   }
-  [[nodiscard]] PrintReport report() const {
-    return {configuration, snapshot, presentation, notice, now};
+  /// What was drawn of the readings.
+  [[nodiscard]] PrintReport report() {
+    StatusModules::read(configuration, snapshot, now, presentation.modules);
+    return {configuration, snapshot, presentation, notice};
   }
 
   AppConfiguration configuration;
@@ -57,19 +62,6 @@ TEST(PrintFormatter, ShowsTheMarkOfThePictureWhenNoModuleIsVisible) {
   Scene scene;
   scene.configuration.modules.clear();
   EXPECT_EQ(PrintFormatter::textLine(scene.report()), "VA");
-  EXPECT_EQ(PrintFormatter::textColumns(scene.report(), 80), "VA\n");
-}
-
-TEST(PrintFormatter, AlignsTheTwoLinesByCharacters) {
-  Scene scene;
-  scene.snapshot.samples.set(MetricID::cpuTemperature, MetricSample::valid(41.4, "", now));
-  EXPECT_EQ(PrintFormatter::textColumns(scene.report(), 80), "  7%  <1%\n41°C  <1m");
-}
-
-TEST(PrintFormatter, CutsTheTwoLinesToTheTerminal) {
-  Scene scene;
-  scene.snapshot.samples.set(MetricID::cpuTemperature, MetricSample::valid(41.4, "", now));
-  EXPECT_EQ(PrintFormatter::textColumns(scene.report(), 3), "  7\n41°");
 }
 
 TEST(PrintFormatter, WritesEverythingAsOneJsonObject) {
@@ -91,11 +83,10 @@ TEST(PrintFormatter, WritesEverythingAsOneJsonObject) {
                                                  {"quality", "valid"},
                                                  {"source", "Linux /proc/stat"},
                                                  {"sampledAt", "2026-09-21T14:13:20Z"}}));
-  EXPECT_EQ(object["samples"]["cpuTemperature"],
-            (Json{{"value", nullptr},
-                  {"quality", "unavailable"},
-                  {"source", "Fonte ainda não validada neste Mac"},
-                  {"sampledAt", nullptr}}));
+  EXPECT_EQ(object["samples"]["cpuTemperature"], (Json{{"value", nullptr},
+                                                       {"quality", "unavailable"},
+                                                       {"source", Words::sourceNotValidated},
+                                                       {"sampledAt", nullptr}}));
   EXPECT_EQ(object["batteryOnAC"], false);
   EXPECT_EQ(object["batteryCharging"], false);
   EXPECT_EQ(object["networkName"], "en0");
@@ -156,7 +147,7 @@ TEST(PrintFormatter, WritesEveryFieldOfBothQuotaStates) {
     "settings":{"enabled":true,"intervalMinutes":10,"showUsed":true,"oneDecimal":true}})"));
 }
 
-TEST(PrintFormatter, TellsWaybarWhenItIsPaused) {
+TEST(PrintFormatter, ReportsAPauseToWaybar) {
   Scene scene;
   scene.configuration.paused = true;
   const auto json = parseJson(PrintFormatter::waybarLine(scene.report()));
@@ -183,7 +174,7 @@ TEST(PrintFormatter, EscapesMarkupForWaybar) {
   const auto json = parseJson(PrintFormatter::waybarLine(Scene().report()));
   ASSERT_TRUE(json);
   EXPECT_EQ((*json)["text"], "7% — | &lt;1% &lt;1m");
-  EXPECT_EQ((*json)["tooltip"], "CPU &amp; &lt;cota&gt;");
+  EXPECT_EQ((*json)["tooltip"], "CPU &amp;\n&lt;cota&gt;");
   EXPECT_EQ((*json)["class"], "running");
 }
 

@@ -32,7 +32,7 @@ class PrintSessionTest : public testing::Test, protected AppWorld {
 
   void start(const AppConfiguration& configuration, PrintOptions options) {
     output_ = std::make_unique<PrintOutput>(ends_[1], options.format, options.follow, false);
-    session_ = std::make_unique<PrintSession>(options, *output_, *main, time, [this](int error) {
+    session_ = std::make_unique<PrintSession>(options, *output_, *main, [this](int error) {
       ++ends;
       lastError = error;
     });
@@ -48,7 +48,7 @@ class PrintSessionTest : public testing::Test, protected AppWorld {
     return {buffer.data(), static_cast<std::size_t>(count > 0 ? count : 0)};
   }
 
-  // Nothing more fits until somebody reads.
+  // Nothing more fits until the reader goes on.
   void fillPipe() {
     const std::array<char, 4096> block{};
     while (write(ends_[1], block.data(), block.size()) > 0) {
@@ -134,7 +134,7 @@ TEST_F(PrintSessionTest, FollowsWithoutEndOtherwise) {
   EXPECT_EQ(ends, 0);
 }
 
-TEST_F(PrintSessionTest, EndsQuietlyWhenNobodyReadsEvenIfNothingChanges) {
+TEST_F(PrintSessionTest, EndsQuietlyWithoutAReaderEvenIfNothingChanges) {
   PrintOptions options;
   options.follow = true;
   start(showing({{MetricID::cpuUsage, MetricID::none}}), options);

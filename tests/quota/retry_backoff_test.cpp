@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+#include "quota/retry_backoff.hpp"
+
+#include <gtest/gtest.h>
+
+namespace vantora {
+namespace {
+
+constexpr Seconds minute{60};
+
+TEST(RetryBackoff, GrowsWithEveryFailureUpToHalfAnHour) {
+  RetryBackoff backoff([] { return 0.0; });
+  for (const double expected : {180.0, 360.0, 720.0, 1800.0, 1800.0, 1800.0}) {
+    EXPECT_EQ(backoff.afterFailure(minute).count(), expected);
+  }
+}
+
+TEST(RetryBackoff, IsNeverShorterThanTheInterval) {
+  RetryBackoff backoff([] { return 0.0; });
+  for (const double expected : {600.0, 600.0, 720.0, 1800.0}) {
+    EXPECT_EQ(backoff.afterFailure(10 * minute).count(), expected);
+  }
+}
+
+TEST(RetryBackoff, AddsAFractionOfFifteenSeconds) {
+  double fraction = 0;
+  RetryBackoff backoff([&fraction] { return fraction; });
+  EXPECT_EQ(backoff.afterFailure(minute).count(), 180);
+  fraction = 0.5;
+  EXPECT_EQ(backoff.afterFailure(minute).count(), 367.5);
+  fraction = 0.9375;
+  EXPECT_EQ(backoff.afterFailure(minute).count(), 734.0625);
+}
+
+TEST(RetryBackoff, BeginsAgainAfterAReset) {
+  RetryBackoff backoff([] { return 0.0; });
+  (void)backoff.afterFailure(minute);
+  (void)backoff.afterFailure(minute);
+  backoff.reset();
+  EXPECT_EQ(backoff.afterFailure(minute).count(), 180);
+}
+
+TEST(SystemRandomFraction, StaysBelowOneAndDiffers) {
+  bool hasDiffered = false;
+  const double first = systemRandomFraction();
+  for (int draw = 0; draw < 100; ++draw) {
+    const double fraction = systemRandomFraction();
+    EXPECT_GE(fraction, 0);
+    EXPECT_LT(fraction, 1);
+    hasDiffered = hasDiffered || fraction != first;
+  }
+  EXPECT_TRUE(hasDiffered);
+}
+
+}  // namespace
+}  // namespace vantora

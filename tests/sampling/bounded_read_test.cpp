@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: MIT
+#include "sampling/bounded_read.hpp"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <cerrno>
+#include <future>
+#include <string>
+#include <system_error>
+#include <thread>
+
+#include "support/virtual_time.hpp"
+
+namespace vantora {
+namespace {
+
+constexpr Seconds ample{600};
+
+// A read that returns when the test lets it.
+class HeldRead {
+ public:
+  std::function<std::string()> as(std::string answer) {
+    return [held = held_, answer] {
+      held.wait();
+      return answer;
+    };
+  }
+  void release() { promise_.set_value(); }
+
+ private:
+  std::promise<void> promise_;
+  std::shared_future<void> held_ = promise_.get_future().share();
+};
+
+class BoundedReadTest : public testing::Test {
+ protected:
+  // Waits until the thread has done what it was given.
+  void letTheThreadFinish() {
+    std::promise<void> done;
+    thread.queue().post([&] { done.set_value(); });
+    done.get_future().wait();
+  }
+  std::function<std::string()> counted(std::string answer) {
+    return [this, answer] {
+      ++reads;
+      return answer;
+    };
+  }
+
+  test::VirtualTime time;
+  LazyQueueThread thread{"test"};
+  int reads = 0;
+};
+
+TEST_F(BoundedReadTest, ReturnsWhatTheReadAnswersOnAThreadOfItsOwn) {
+  BoundedRead<std::thread::id> read(thread, time, {.waitTimeout = ample});
+  EXPECT_FALSE(thread.isStarted());
+  const auto answer = read([] { return std::this_thread::get_id(); });
+  ASSERT_TRUE(answer.has_value());
+  EXPECT_NE(*answer, std::this_thread::get_id());
+}
+
+TEST_F(BoundedReadTest, ReadsAnewEachTime) {
+  BoundedRead<std::string> read(thread, time, {.waitTimeout = ample});
+  EXPECT_EQ(read([] { return std::string("first"); }), "first");
+  EXPECT_EQ(read([] { return std::string("second"); }), "second");
+}
+
+TEST_F(BoundedReadTest, DoesNotWaitForAReadThatBlocks) {
+  HeldRead held;
+  BoundedRead<std::string> read(thread, time, {.waitTimeout = Seconds{0}});
+  EXPECT_EQ(read(held.as("late")), std::nullopt);
+  EXPECT_EQ(read(counted("another")), std::nullopt);
+  held.release();
+  letTheThreadFinish();
+  EXPECT_EQ(reads, 0) << "one read at a time";
+}
+
+TEST_F(BoundedReadTest, KeepsTheAnswerBeforeUntilTheReadIsOverdue) {
+  HeldRead held;
+  BoundedRead<std::string> read(thread, time,
+                                {.waitTimeout = Seconds{0}, .overdueAfter = Seconds{5}});
+  (void)read(counted("before"));
+  letTheThreadFinish();
+  EXPECT_EQ(read(held.as("late")), "before");
+  time.advance(Seconds{5});
+  EXPECT_EQ(read(counted("another")), "before");
+  time.advance(Seconds{0.1});
+  EXPECT_EQ(read(counted("another")), std::nullopt);
+  held.release();
+}
+
+TEST_F(BoundedReadTest, TakesALateAnswerAndReadsOn) {
+  HeldRead held;
+  HeldRead second;
+  BoundedRead<std::string> read(thread, time, {.waitTimeout = Seconds{0}});
+  (void)read(held.as("late"));
+  time.advance(Seconds{3600});
+  EXPECT_EQ(read(counted("another")), std::nullopt);
+  held.release();
+  letTheThreadFinish();
+  EXPECT_EQ(read(second.as("next")), "late");
+  second.release();
+}
+
+TEST_F(BoundedReadTest, MayEndBeforeTheReadReturns) {
+  HeldRead held;
+  {
+    BoundedRead<std::string> read(thread, time, {.waitTimeout = Seconds{0}});
+    EXPECT_EQ(read(held.as("late")), std::nullopt);
+  }
+  held.release();
+  letTheThreadFinish();
+}
+
+TEST_F(BoundedReadTest, ReturnsNothingWhereNoThreadCanBeStarted) {
+  const UvLoop earlier;  // libuv's first loop aborts where it finds no descriptor
+  // Sanitizers take descriptors for their first look at a type.
+  const UvQueueThread seen("seen");
+  const std::system_error looked(EMFILE, std::generic_category());
+  BoundedRead<std::string> read(thread, time, {.waitTimeout = ample});
+  rlimit limit{};
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+  const rlimit none{3, limit.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+  const auto answer = read(counted("never"));
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+  EXPECT_EQ(answer, std::nullopt);
+  EXPECT_EQ(read(counted("now")), "now");
+}
+
+}  // namespace
+}  // namespace vantora

@@ -1,0 +1,97 @@
+# SPDX-License-Identifier: MIT
+"""What scripts/lib.sh makes of a system: its packages' names, its package manager, and what a
+build prints."""
+import os
+import pathlib
+import shutil
+import subprocess
+import tempfile
+import unittest
+import weakref
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
+TOOLS = "bash cat dirname grep sort mktemp rm tail".split()
+
+
+class System:
+    """A system that has nothing but these commands, which are shell scripts."""
+
+    def __init__(self, **commands):
+        self.path = pathlib.Path(tempfile.mkdtemp())
+        weakref.finalize(self, shutil.rmtree, self.path)
+        for tool in TOOLS:
+            (self.path / tool).symlink_to(shutil.which(tool))
+        for name, script in {"id": "echo 0", **commands}.items():
+            command = self.path / name.replace("_", "-")
+            command.write_text(f"#!{shutil.which('bash')}\n{script}\n")
+            command.chmod(0o755)
+
+    def run(self, script):
+        return subprocess.run(
+            [shutil.which("bash"), "-c", f". scripts/lib.sh; {script}"], cwd=ROOT,
+            env={"PATH": str(self.path), "WORLD": str(self.path)}, check=False,
+            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+
+
+class Packages(unittest.TestCase):
+    def test_have_the_names_of_the_system(self):
+        for manager, name in (("dnf", "libuv-devel"), ("pacman", "libuv"),
+                              ("zypper", "libuv-devel"), ("apt_get", "libuv1-dev")):
+            said = System(**{manager: "exit 1"}).run("missing_packages build").stdout.split()
+            self.assertIn(name, said, manager)
+
+    def test_that_a_system_does_not_have_are_not_named(self):
+        said = System(pacman="exit 1").run("missing_packages test").stdout.split()
+        self.assertNotIn("-", said)
+        self.assertNotIn("trayer", said)
+
+    def test_are_named_and_not_installed_where_there_is_no_apt(self):
+        done = System(dnf='echo "dnf was run"').run("need build; echo went on")
+        self.assertNotIn("dnf was run", done.stdout)
+        self.assertRegex(done.stdout, "Install them as root: dnf install .*libuv-devel")
+
+    def test_that_the_build_needs_end_the_script_and_others_do_not(self):
+        system = System(dnf="exit 1")
+        self.assertNotIn("went on", system.run("need build window; echo went on").stdout)
+        self.assertIn("went on", system.run("need peers; echo went on").stdout)
+
+    def test_that_cannot_be_installed_end_the_script_with_their_names(self):
+        done = System(apt_get='[ "$1" = update ] || { echo E: no such package; exit 100; }').run(
+            "need peers; echo went on")
+        self.assertIn("E: no such package", done.stdout)
+        self.assertRegex(done.stdout, "Could not install: .*conky-std")
+        self.assertNotIn("went on", done.stdout)
+
+    def test_wait_for_a_package_manager_that_is_busy(self):
+        busy_once = """
+if [ ! -e $WORLD/asked ]; then
+  echo > $WORLD/asked
+  echo "E: Could not get lock /var/lib/dpkg/lock-frontend"
+  exit 100
+fi"""
+        done = System(apt_get=busy_once, sleep=":").run("need peers; echo went on")
+        self.assertIn("Another package manager is at work here", done.stdout)
+        self.assertIn("went on", done.stdout)
+
+
+class Progress(unittest.TestCase):
+    def test_of_a_build_that_fails_leaves_what_the_compiler_said(self):
+        cmake = """
+[ "$1" = --build ] || exit 0
+echo "[1/2] Building a.cpp"
+echo "FAILED: b.cpp"
+echo "b.cpp:1: error: expected"
+exit 1"""
+        done = System(cmake=cmake).run("build dev; echo went on")
+        self.assertIn("b.cpp:1: error: expected", done.stdout)
+        self.assertIn("The build 'dev' failed.", done.stdout)
+        self.assertNotIn("Building a.cpp", done.stdout)
+        self.assertNotIn("went on", done.stdout)
+
+    def test_does_not_fill_a_log_that_is_no_terminal(self):
+        done = System().run("echo '[0/4] a' | show_progress Building $WORLD/log; cat $WORLD/log")
+        self.assertEqual(done.stdout, "[0/4] a\n")
+
+
+if __name__ == "__main__":
+    unittest.main()

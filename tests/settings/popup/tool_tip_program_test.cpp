@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: MIT
+#include "settings/popup/tool_tip_program.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QToolTip>
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "settings/agent/tool_tip_process.hpp"
+#include "settings/toolkit/color_scheme.hpp"
+#include "support/real_processes.hpp"
+
+namespace vantora {
+namespace {
+
+using namespace MenuProtocol;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+const ToolTipContent content{"CPU: <b>12%</b>\nRede: 0,1M", {100, 20}, false};
+
+class ToolTipProgramTest : public testing::Test {
+ protected:
+  ~ToolTipProgramTest() override {
+    QToolTip::hideText();
+    QApplication::processEvents();
+    useDarkColors(false);
+  }
+  std::vector<int> ends_;
+  ToolTipProgram program_{[this](int status) { ends_.push_back(status); }};
+};
+
+TEST_F(ToolTipProgramTest, ShowsTheTextAsItIs) {
+  program_.receive(toolTipLine(content));
+  ASSERT_TRUE(QToolTip::isVisible());
+  EXPECT_EQ(
+      QToolTip::text(),
+      QStringLiteral("<p style='white-space:pre'>CPU: &lt;b&gt;12%&lt;/b&gt;\nRede: 0,1M</p>"));
+  EXPECT_THAT(ends_, IsEmpty());
+}
+
+TEST_F(ToolTipProgramTest, IsDarkOnADarkDesktop) {
+  ToolTipContent dark = content;
+  dark.isDark = true;
+  program_.receive(toolTipLine(dark));
+  const QPalette palette = QToolTip::palette();
+  EXPECT_LT(palette.color(QPalette::ToolTipBase).lightness(),
+            palette.color(QPalette::ToolTipText).lightness());
+}
+
+TEST_F(ToolTipProgramTest, EndsWithAFaultOverALineThatIsNoToolTip) {
+  program_.receive("{\"type\":\"menu\"}\n");
+  EXPECT_THAT(ends_, ElementsAre(1));
+}
+
+TEST_F(ToolTipProgramTest, EndsWithAFaultOverASecondOne) {
+  program_.receive(toolTipLine(content) + toolTipLine(content));
+  EXPECT_THAT(ends_, ElementsAre(1));
+}
+
+TEST_F(ToolTipProgramTest, EndsWithAFaultOverALineWithoutAnEnd) {
+  program_.receive(std::string(menuReadLimit + 1, ' '));
+  EXPECT_THAT(ends_, ElementsAre(1));
+}
+
+// The real program on the other side of real pipes.
+class ToolTipProgramProcess : public testing::Test {
+ protected:
+  ToolTipProgramProcess() { ::setenv("QT_QPA_PLATFORM", "offscreen", 1); }
+  std::unique_ptr<ChildProcess> start() {
+    ChildProcessOptions options;
+    options.executable = VANTORA_SETTINGS;
+    options.arguments = {toolTipArgument};
+    ChildProcessEvents events;
+    events.onExit = [this](ChildExit exit) { exit_ = exit; };
+    auto child = processes_.launcher().start(options, std::move(events));
+    EXPECT_TRUE(child);
+    return std::move(child).value();
+  }
+  void runUntilExit() {
+    processes_.runUntil([this] { return exit_.has_value(); });
+  }
+
+  test::RealProcesses processes_;
+  std::optional<ChildExit> exit_;
+};
+
+TEST_F(ToolTipProgramProcess, EndsWithItsInput) {
+  const auto child = start();
+  ASSERT_TRUE(child->write(toolTipLine(content)));
+  child->closeInput();
+  runUntilExit();
+  EXPECT_EQ(exit_, ChildExit{});
+}
+
+TEST_F(ToolTipProgramProcess, EndsWithAFaultOverALineThatIsNoToolTip) {
+  const auto child = start();
+  ASSERT_TRUE(child->write("garbage\n"));
+  runUntilExit();
+  EXPECT_EQ(exit_, (ChildExit{1, 0}));
+}
+
+TEST_F(ToolTipProgramProcess, ComesAndGoesForTheAgentAndLeavesNothingBehind) {
+  const test::ProcessCensus before = test::ProcessCensus::take();
+  std::vector<std::string> failures;
+  {
+    ToolTipProcess toolTip({processes_.queue(), processes_.launcher(), VANTORA_SETTINGS, {}});
+    toolTip.onFailure = [&](const std::string& message) { failures.push_back(message); };
+    toolTip.show(content);
+    toolTip.hide();
+    toolTip.show(content);
+    toolTip.show(content);
+  }
+  processes_.runUntilBackTo(before);
+  EXPECT_THAT(failures, IsEmpty());
+}
+
+}  // namespace
+}  // namespace vantora
