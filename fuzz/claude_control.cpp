@@ -7,9 +7,9 @@
 #include <string>
 #include <string_view>
 
-#include "claude/claude_control.hpp"
 #include "model/json.hpp"
-#include "runtime/line_framer.hpp"
+#include "process/line_framer.hpp"
+#include "quota/claude/claude_control.hpp"
 
 namespace {
 
@@ -27,15 +27,15 @@ void check(std::string_view line) {
     return;
   }
   const auto message = parseJson(line);
-  require(message && message->is_object());
-  if (const auto* usage = std::get_if<claude_result::Usage>(&*result)) {
+  require(message && message->isObject());
+  if (const auto* usage = std::get_if<quota_result::Answer>(&*result)) {
     const auto value = parseJson(usage->json);
-    require(value && value->is_object());
+    require(value && value->isObject());
   }
-  if (const auto* failure = std::get_if<claude_result::Failure>(&*result)) {
+  if (const auto* failure = std::get_if<quota_result::Failure>(&*result)) {
     require(!failure->text.empty());
   }
-  require(!std::holds_alternative<claude_result::Cancelled>(*result));
+  require(!std::holds_alternative<quota_result::Cancelled>(*result));
 }
 
 }  // namespace
@@ -48,6 +48,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       check(*line);
     }
   }
-  (void)ClaudeControl::tellsOfLogin(bytes);
+  (void)ClaudeControl::reportsMissingLogin(bytes);
   return 0;
 }

@@ -7,8 +7,8 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "claude/claude_quota_formatter.hpp"
-#include "claude/claude_usage_parser.hpp"
+#include "quota/claude/claude_quota_formatter.hpp"
+#include "quota/claude/claude_usage_parser.hpp"
 
 namespace {
 

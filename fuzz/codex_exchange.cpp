@@ -7,10 +7,10 @@
 #include <string>
 #include <string_view>
 
-#include "codex/codex_exchange.hpp"
-#include "codex/login_url.hpp"
 #include "model/json.hpp"
-#include "runtime/line_framer.hpp"
+#include "process/line_framer.hpp"
+#include "quota/codex/codex_exchange.hpp"
+#include "quota/codex/login_url.hpp"
 
 namespace {
 
@@ -25,18 +25,18 @@ void require(bool isKept) {
 void check(const CodexStep& step) {
   for (const std::string& message : step.messages) {
     const auto value = parseJson(message);
-    require(value && value->is_object() && member(*value, "method") != nullptr);
+    require(value && value->isObject() && member(*value, "method") != nullptr);
     require(message.find('\n') == std::string::npos);
   }
   require(!step.loginURL || isOfficialLoginURL(*step.loginURL));
   require(!step.deadline || step.deadline->count() > 0);
   if (step.result) {
     require(step.messages.empty() && !step.loginURL);
-    if (const auto* quota = std::get_if<codex_result::Quota>(&*step.result)) {
+    if (const auto* quota = std::get_if<quota_result::Answer>(&*step.result)) {
       const auto value = parseJson(quota->json);
-      require(value && value->is_object());
+      require(value && value->isObject());
     }
-    if (const auto* failure = std::get_if<codex_result::Failure>(&*step.result)) {
+    if (const auto* failure = std::get_if<quota_result::Failure>(&*step.result)) {
       require(!failure->text.empty());
     }
   }

@@ -8,8 +8,8 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "codex/codex_quota_formatter.hpp"
-#include "codex/weekly_quota_selector.hpp"
+#include "quota/codex/codex_quota_formatter.hpp"
+#include "quota/codex/weekly_quota_selector.hpp"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "platform/linux/desktop_entry.hpp"
+#include "platform/linux/desktop/desktop_entry.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   namespace entry = vantora::DesktopEntry;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "sampling/interface_list.hpp"
+#include "sampling/apple/interface_list.hpp"
 
 #include <algorithm>
 #include <cstddef>

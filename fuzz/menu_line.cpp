@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "settings/menu_protocol.hpp"
+#include "settings/conversation/menu_protocol.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   namespace protocol = vantora::MenuProtocol;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/linux/proc_stat.hpp"
+#include "platform/linux/cpu/proc_stat.hpp"
 
 #include <cstddef>
 #include <cstdint>

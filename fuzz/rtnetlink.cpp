@@ -4,9 +4,12 @@
 #include <cstdint>
 #include <cstdlib>
 #include <span>
+#include <utility>
+#include <vector>
 
-#include "platform/linux/rtnetlink_dump.hpp"
-#include "platform/linux/rtnetlink_message.hpp"
+#include "platform/linux/network/rtnetlink_dump.hpp"
+#include "platform/linux/network/rtnetlink_message.hpp"
+#include "platform/linux/network/stacked_links.hpp"
 
 namespace {
 
@@ -19,8 +22,14 @@ void require(bool condition) {
 }
 
 void parse(Bytes messages) {
-  for (const Link& link : parseLinks(messages)) {
+  std::vector<vantora::KnownLink> links;
+  for (Link& link : parseLinks(messages)) {
     require(link.index != 0 && !link.name.empty());
+    links.push_back({std::move(link), false});
+  }
+  for (const vantora::KnownLink& known : links) {
+    const std::vector<std::size_t> under = vantora::linksUnder(links, known.link.index);
+    require(!under.empty() && under.size() <= links.size());
   }
   const std::vector<std::uint32_t> addressed = parseAddressedLinks(messages);
   require(std::is_sorted(addressed.begin(), addressed.end()));

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "settings/window_model.hpp"
+#include "settings/conversation/window_model.hpp"
 
 namespace {
 

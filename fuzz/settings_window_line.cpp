@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "settings/settings_protocol.hpp"
+#include "settings/conversation/settings_protocol.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   namespace protocol = vantora::SettingsProtocol;

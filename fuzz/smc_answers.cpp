@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <span>
 
-#include "sampling/sensor_collector.hpp"
+#include "sampling/apple/sensor_collector.hpp"
 
 namespace {
 

@@ -11,9 +11,9 @@
 #include <string>
 #include <string_view>
 
-#include "platform/linux/linux_battery_source.hpp"
-#include "platform/linux/linux_sensor_source.hpp"
-#include "platform/linux/sysfs.hpp"
+#include "platform/linux/battery/linux_battery_source.hpp"
+#include "platform/linux/sensors/linux_sensor_source.hpp"
+#include "platform/linux/sysfs/sysfs.hpp"
 
 namespace {
 
@@ -24,38 +24,41 @@ constexpr MetricSet sensors{
     MetricID::fan2Percent,        MetricID::fan1RPM,        MetricID::fan2RPM};
 
 // The attributes that the input fills, in this order; the rest of the tree is fixed.
-constexpr std::array<std::string_view, 32> attributes{"power_supply/BAT0/status",
-                                                      "power_supply/BAT0/energy_now",
-                                                      "power_supply/BAT0/energy_full",
-                                                      "power_supply/BAT0/charge_now",
-                                                      "power_supply/BAT0/charge_full",
-                                                      "power_supply/BAT0/capacity",
-                                                      "power_supply/BAT0/power_now",
-                                                      "power_supply/BAT0/current_now",
-                                                      "power_supply/BAT0/voltage_now",
-                                                      "power_supply/BAT0/voltage_min_design",
-                                                      "power_supply/BAT0/temp",
-                                                      "power_supply/BAT0/time_to_empty_now",
-                                                      "power_supply/BAT0/present",
-                                                      "power_supply/BAT0/time_to_full_now",
-                                                      "power_supply/BAT0/scope",
-                                                      "power_supply/BAT1/type",
-                                                      "power_supply/BAT1/status",
-                                                      "power_supply/BAT1/charge_now",
-                                                      "power_supply/BAT1/charge_full",
-                                                      "power_supply/BAT1/current_now",
-                                                      "power_supply/BAT1/voltage_now",
-                                                      "power_supply/AC/type",
-                                                      "power_supply/AC/online",
-                                                      "power_supply/AC/voltage_max",
-                                                      "power_supply/AC/current_max",
-                                                      "power_supply/AC/input_power_limit",
-                                                      "hwmon/hwmon0/name",
-                                                      "hwmon/hwmon0/temp1_input",
-                                                      "hwmon/hwmon0/temp1_label",
-                                                      "hwmon/hwmon0/fan1_input",
-                                                      "hwmon/hwmon0/fan1_max",
-                                                      "hwmon/hwmon0/temp2_input"};
+constexpr std::array<std::string_view, 34> attributes{
+    "power_supply/BAT0/status",
+    "power_supply/BAT0/energy_now",
+    "power_supply/BAT0/energy_full",
+    "power_supply/BAT0/charge_now",
+    "power_supply/BAT0/charge_full",
+    "power_supply/BAT0/capacity",
+    "power_supply/BAT0/power_now",
+    "power_supply/BAT0/current_now",
+    "power_supply/BAT0/voltage_now",
+    "power_supply/BAT0/voltage_min_design",
+    "power_supply/BAT0/temp",
+    "power_supply/BAT0/time_to_empty_now",
+    "power_supply/BAT0/present",
+    "power_supply/BAT0/time_to_full_now",
+    "power_supply/BAT0/scope",
+    "power_supply/BAT1/type",
+    "power_supply/BAT1/status",
+    "power_supply/BAT1/charge_now",
+    "power_supply/BAT1/charge_full",
+    "power_supply/BAT1/current_now",
+    "power_supply/BAT1/voltage_now",
+    "power_supply/AC/type",
+    "power_supply/AC/online",
+    "power_supply/AC/voltage_max",
+    "power_supply/AC/current_max",
+    "power_supply/AC/input_power_limit",
+    "hwmon/hwmon0/name",
+    "hwmon/hwmon0/temp1_input",
+    "hwmon/hwmon0/temp1_label",
+    "hwmon/hwmon0/fan1_input",
+    "hwmon/hwmon0/fan1_max",
+    "hwmon/hwmon0/temp2_input",
+    "power_supply/BAT0/charge_control_end_threshold",
+    "power_supply/AC/voltage_max_design"};
 
 class Tree {
  public:
