@@ -13,9 +13,9 @@
 #include <optional>
 #include <string>
 
-#include "platform/linux/rtnetlink_source.hpp"
-#include "platform/linux/unique_fd.hpp"
+#include "platform/linux/network/rtnetlink_source.hpp"
 #include "runtime/system_clock.hpp"
+#include "runtime/unique_fd.hpp"
 #include "sampling/network_collector.hpp"
 
 namespace vantora::bench {

@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "runtime/line_framer.hpp"
+#include "process/line_framer.hpp"
 
 namespace {
 

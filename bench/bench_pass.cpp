@@ -9,9 +9,9 @@
 #include "bare_counters.hpp"
 #include "comparison.hpp"
 #include "laptop.hpp"
-#include "platform/linux/linux_battery_source.hpp"
-#include "platform/linux/linux_sensor_source.hpp"
-#include "platform/linux/proc_stat.hpp"
+#include "platform/linux/battery/linux_battery_source.hpp"
+#include "platform/linux/cpu/proc_stat.hpp"
+#include "platform/linux/sensors/linux_sensor_source.hpp"
 #include "sampling/sampling_coordinator.hpp"
 
 namespace vantora::bench {

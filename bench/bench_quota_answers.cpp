@@ -8,9 +8,9 @@
 
 #include <string>
 
-#include "claude/claude_usage_parser.hpp"
-#include "codex/weekly_quota_selector.hpp"
 #include "model/json.hpp"
+#include "quota/claude/claude_usage_parser.hpp"
+#include "quota/codex/weekly_quota_selector.hpp"
 
 namespace {
 

@@ -4,7 +4,7 @@
 // warm caches and with cold ones.
 #include "bare_counters.hpp"
 #include "comparison.hpp"
-#include "platform/linux/proc_stat.hpp"
+#include "platform/linux/cpu/proc_stat.hpp"
 #include "sampling/cpu_collector.hpp"
 
 namespace vantora::bench {

@@ -6,10 +6,10 @@
 
 #include "comparison.hpp"
 #include "laptop.hpp"
-#include "platform/linux/linux_battery_source.hpp"
-#include "platform/linux/linux_sensor_source.hpp"
+#include "platform/linux/battery/linux_battery_source.hpp"
+#include "platform/linux/sensors/linux_sensor_source.hpp"
 #include "runtime/system_clock.hpp"
-#include "sampling/sensor_collector.hpp"
+#include "sampling/apple/sensor_collector.hpp"
 
 namespace vantora::bench {
 namespace {

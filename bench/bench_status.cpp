@@ -8,12 +8,15 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <vector>
 
-#include "platform/linux/fontconfig_lookup.hpp"
-#include "platform/linux/freetype_text_engine.hpp"
+#include "platform/linux/fonts/fontconfig_lookup.hpp"
+#include "platform/linux/fonts/freetype_text_engine.hpp"
+#include "platform/linux/panels/status_item_picture.hpp"
 #include "status/metric_formatter.hpp"
 #include "status/rasterise.hpp"
+#include "status/status_modules.hpp"
 #include "status/status_renderer.hpp"
 
 namespace vantora {
@@ -40,6 +43,10 @@ struct World {
   AppConfiguration configuration;
   MetricSnapshot snapshot = usualReadings();
   FreetypeTextEngine engine{lookUpFonts()};
+  std::vector<StatusModule> modules;
+  std::string signature;
+  StatusPresentation presentation;
+  std::vector<std::uint8_t> argb;
 
   StatusPresentation render() {
     return StatusRenderer::render(configuration, snapshot, {24, now, engine});
@@ -81,8 +88,11 @@ std::string formatOneText(World& world) {
   return MetricFormatter::text(MetricID::upload, world.snapshot, now);
 }
 
-std::string sign(World& world) {
-  return StatusRenderer::signature(world.configuration, world.snapshot, now);
+/// What every tick costs, changed or not.
+std::size_t sign(World& world) {
+  StatusModules::read(world.configuration, world.snapshot, now, world.modules);
+  StatusModules::sign(world.modules, world.signature);
+  return world.signature.size();
 }
 
 StatusPresentation render(World& world) {
@@ -94,10 +104,33 @@ AlphaBitmap rasteriseAt(World& world, double scale) {
   return rasterise(image, world.engine, scale);
 }
 
-/// What a tick that changed a text costs from the readings to the pixels.
-AlphaBitmap everything(World& world) {
+/// A template in the colours that a panel is sent, on a plate.
+std::size_t tintAt(World& world, double scale) {
+  static const AlphaBitmap bitmap = rasteriseAt(world, scale);
+  world.argb.resize(bitmap.pixels.size() * 4);
+  tint(bitmap, Ink::lightOnPlate, 5 * scale, world.argb);
+  return world.argb.size();
+}
+
+/// What a panel that asks for the picture is sent: the number of its bytes.
+std::size_t fetchAt(World& world, double scale) {
+  static const StatusImage image = world.render().image;
+  const AlphaBitmap bitmap = rasterise(image, world.engine, scale);
+  world.argb.resize(bitmap.pixels.size() * 4);
+  tint(bitmap, Ink::lightOnPlate, 5 * scale, world.argb);
+  return world.argb.size();
+}
+
+/// What a tick that changed a text costs from the readings to what a panel is sent.
+std::size_t everything(World& world) {
   benchmark::DoNotOptimize(sign(world));
-  return rasterise(world.render().image, world.engine, 1);
+  world.presentation.modules.swap(world.modules);
+  StatusRenderer::layOut(world.configuration, world.snapshot, {24, now, world.engine},
+                         world.presentation);
+  const AlphaBitmap bitmap = rasterise(world.presentation.image, world.engine, 1);
+  world.argb.resize(bitmap.pixels.size() * 4);
+  tint(bitmap, Ink::lightOnPlate, 5, world.argb);
+  return world.argb.size();
 }
 
 void lookUp(benchmark::State& state) {
@@ -120,6 +153,9 @@ void firstPicture(benchmark::State& state) {
 
 constexpr auto rasterise1 = [](World& world) { return rasteriseAt(world, 1); };
 constexpr auto rasterise2 = [](World& world) { return rasteriseAt(world, 2); };
+constexpr auto tint1 = [](World& world) { return tintAt(world, 1); };
+constexpr auto fetch1 = [](World& world) { return fetchAt(world, 1); };
+constexpr auto fetchBoth = [](World& world) { return fetchAt(world, 1) + fetchAt(world, 2); };
 constexpr int coldTurns = 200;
 
 BENCHMARK_CAPTURE(hot, format_one_text, formatOneText);
@@ -131,6 +167,11 @@ BENCHMARK_CAPTURE(hot, rasterise_1x, rasterise1);
 BENCHMARK_CAPTURE(cold, rasterise_1x, rasterise1)->UseManualTime()->Iterations(coldTurns);
 BENCHMARK_CAPTURE(hot, rasterise_2x, rasterise2);
 BENCHMARK_CAPTURE(cold, rasterise_2x, rasterise2)->UseManualTime()->Iterations(coldTurns);
+BENCHMARK_CAPTURE(hot, tint_1x, tint1);
+BENCHMARK_CAPTURE(hot, fetch_1x, fetch1);
+BENCHMARK_CAPTURE(cold, fetch_1x, fetch1)->UseManualTime()->Iterations(coldTurns);
+BENCHMARK_CAPTURE(hot, fetch_1x_and_2x, fetchBoth);
+BENCHMARK_CAPTURE(cold, fetch_1x_and_2x, fetchBoth)->UseManualTime()->Iterations(coldTurns);
 BENCHMARK_CAPTURE(hot, changed_tick, everything);
 BENCHMARK_CAPTURE(cold, changed_tick, everything)->UseManualTime()->Iterations(coldTurns);
 BENCHMARK(firstPicture)->Name("start/first_picture")->Unit(benchmark::kMillisecond);

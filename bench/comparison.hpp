@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Times two works in turn in one run: what we do, and the bare system calls that nobody can
+// Times two works in turn in one run: what we do, and the bare system calls that no program can
 // do without. "ratio" is the median of ours over the median of theirs.
 #pragma once
 
@@ -42,7 +42,7 @@ double secondsFor(Work& work, int calls) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() / calls;
 }
 
-/// One turn of ours and one of theirs an iteration; tells the medians and their ratio.
+/// One turn of ours and one of theirs an iteration; reports the medians and their ratio.
 template <typename Ours, typename Theirs>
 void compare(benchmark::State& state, bool isCold, Ours ours, Theirs theirs) {
   // Few enough that a busy machine seldom takes the processor away in between.

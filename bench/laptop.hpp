@@ -17,7 +17,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/linux/unique_fd.hpp"
+#include "runtime/unique_fd.hpp"
 
 namespace vantora::bench {
 

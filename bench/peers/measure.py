@@ -3,7 +3,8 @@
 to Vantora. Usage: measure.py SECONDS VANTORA_FOLDER [NAME...]
 
 CPU is the process's CPU clock (all threads, in nanoseconds), wake-ups are voluntary
-context switches of all threads, memory is smaps_rollup after the measured span, and
+context switches of all threads, memory is smaps_rollup after the measured span
+(Anonymous: the private pages that the program wrote), and
 system calls come from a separate run under strace, which would disturb the others."""
 import contextlib
 import os
@@ -89,7 +90,7 @@ def memory(pid):
     for line in pathlib.Path(f"/proc/{pid}/smaps_rollup").read_text().splitlines()[1:]:
         key, value = line.split(":")
         values[key] = int(value.split()[0]) / 1024
-    return values["Rss"], values["Pss"]
+    return values["Rss"], values["Pss"], values["Anonymous"]
 
 
 def system_calls(pid):
@@ -110,10 +111,10 @@ def measure(pid, seconds):
     cpu, woken, start = cpu_seconds(pid), switches(pid), time.monotonic()
     time.sleep(seconds)
     minutes = (time.monotonic() - start) / 60
-    rss, pss = memory(pid)
+    rss, pss, anonymous = memory(pid)
     return {"CPU ms/min": (cpu_seconds(pid) - cpu) * 1000 / minutes,
             "switches/min": (switches(pid) - woken) / minutes,
-            "RSS MB": rss, "PSS MB": pss,
+            "RSS MB": rss, "PSS MB": pss, "Anonymous MB": anonymous,
             "calls/s": system_calls(pid)}
 
 

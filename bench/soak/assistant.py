@@ -17,7 +17,7 @@ FOLDER = os.environ["SOAK_FOLDER"]
 NAME = os.path.basename(sys.argv[0])
 
 
-def tell(what):
+def record(what):
     with open(f"{FOLDER}/events", "ab", buffering=0) as events:
         events.write(f"{NAME} {what}\n".encode())
 
@@ -185,7 +185,7 @@ WEIGHTS = {answer: 40, answer_slowly: 10, die_in_a_line: 10, exit_at_once: 5, co
 def main():
     signal.alarm(120)
     manner = chance.choices(list(WEIGHTS), list(WEIGHTS.values()))[0]
-    tell(manner.__name__)
+    record(manner.__name__)
     try:
         manner()
     except OSError:

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""What /proc tells of a process and of those that it started (proc(5))."""
+"""Figures of a process and of those that it started, from /proc (proc(5))."""
 import os
 import pathlib
 
@@ -46,6 +46,20 @@ def of(pid):
             "voluntary": voluntary, "involuntary": involuntary}
 
 
+def thread_names(pid):
+    """As the kernel has them, cut to 15 characters."""
+    return sorted((task / "comm").read_text().strip()
+                  for task in pathlib.Path(f"/proc/{pid}/task").iterdir())
+
+
+def swapped(pid):
+    """KiB of the process that are in swap."""
+    for line in pathlib.Path(f"/proc/{pid}/status").read_text().splitlines():
+        if line.startswith("VmSwap:"):
+            return int(line.split()[1])
+    return 0
+
+
 def descriptors(pid):
     """What its descriptors are, sorted."""
     names = []
@@ -58,7 +72,7 @@ def descriptors(pid):
 
 
 class Family:
-    """Everybody that the agent started, found by a variable of its environment, so that
+    """The processes that the agent started, found by a variable of its environment, so that
     those whose parent has ended are among them; and its zombies, found by their parent."""
 
     def __init__(self, agent, mark, own):

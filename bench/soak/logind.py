@@ -25,7 +25,7 @@ def called(connection, sender, path, interface, method, parameters, invocation):
     invocation.return_value_with_unix_fd_list(GLib.Variant("(h)", (index,)), descriptors)
 
 
-def told(connection, loop):
+def read_command(connection, loop):
     letter = os.read(0, 1)
     if not letter:
         loop.quit()
@@ -42,7 +42,7 @@ def main():
     Gio.bus_own_name_on_connection(bus, NAME, Gio.BusNameOwnerFlags.NONE, None, None)
     GLib.io_add_watch(sys.stdin.fileno(), GLib.PRIORITY_DEFAULT,
                       GLib.IOCondition.IN | GLib.IOCondition.HUP,
-                      lambda *_: told(bus, loop))
+                      lambda *_: read_command(bus, loop))
     loop.run()
 
 

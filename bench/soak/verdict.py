@@ -9,8 +9,8 @@ sixth on: the tenth minute of an hour. Flat means
 - between the rests never another number of threads, and no more descriptors than those at
   rest, four for each of the most children, and a few that are open for a moment;
 - memory, anonymous and resident, as the floor of each span, the tenth percentile of its
-  samples: no last floor that stands more than MOST_STEP above the first, and in a run of an
-  hour or more no straight line of least squares that rises by more than MOST_GROWTH at a
+  samples: no last floor more than MAX_STEP above the first, and in a run of an
+  hour or more no straight line of least squares that rises by more than MAX_GROWTH at a
   certainty of 95 % (one-sided, by Student's t). What is above the floor was given back a
   moment later; a leak lifts the floor. The most growth that a run does not exclude is
   printed. In its first ten minutes the agent's store of glyphs fills, and the heap finds
@@ -23,16 +23,16 @@ every ten minutes.
 import math
 import statistics
 
-MOST_GROWTH = 64  # KiB an hour
+MAX_GROWTH = 64  # KiB an hour
 LONG_ENOUGH = 3600  # seconds, for a line
-MOST_STEP = {"anonymous_kib": 256, "rss_kib": 1024}  # KiB
+MAX_STEP = {"anonymous_kib": 256, "rss_kib": 1024}  # KiB
 NAMES = {"anonymous_kib": "anonymous memory", "rss_kib": "resident memory"}
 # One conversation each with Codex and Claude Code, and those that were ended in the last
 # three seconds, one of each a second: each a child, perhaps one of its own, and its guard.
 # Besides a window and one that was just ended, with their guards.
-MOST_CHILDREN = 2 * (1 + 3) * 3 + 2 * 2
+MAX_CHILDREN = 2 * (1 + 3) * 3 + 2 * 2
 # Claude Code may take 45 s, what is ended 2.5 s; the rest is for a busy machine.
-MOST_AGE = 60
+MAX_AGE = 60
 MOMENTARY = 8
 DESCRIPTORS_A_CHILD = 4  # its three streams, and its guard
 # Student's t at 0.95 by degrees of freedom.
@@ -109,10 +109,10 @@ def judge_memory(groups, length):
     faults = []
     for column, name in NAMES.items():
         slope, error = growth(groups, column)
-        if slope - error > MOST_GROWTH and length >= LONG_ENOUGH:
+        if slope - error > MAX_GROWTH and length >= LONG_ENOUGH:
             faults.append(f"{name} grows by {slope:.0f} ± {error:.0f} KiB an hour")
         first, last = floor(groups[0], column), floor(groups[-1], column)
-        if last > first + MOST_STEP[column]:
+        if last > first + MAX_STEP[column]:
             faults.append(f"{name} went from {first} to {last} KiB")
     return faults
 
@@ -123,11 +123,11 @@ def judge_children(samples):
     if zombies:
         faults.append(f"zombies in {zombies} samples")
     most = max(sample["children"] for sample in samples)
-    if most > MOST_CHILDREN:
-        faults.append(f"{most} children, more than {MOST_CHILDREN}")
+    if most > MAX_CHILDREN:
+        faults.append(f"{most} children, more than {MAX_CHILDREN}")
     oldest = max(sample["oldest_assistant"] for sample in samples)
-    if oldest > MOST_AGE:
-        faults.append(f"a quota child of {oldest:.0f} s, more than {MOST_AGE}")
+    if oldest > MAX_AGE:
+        faults.append(f"a quota child of {oldest:.0f} s, more than {MAX_AGE}")
     return faults
 
 

@@ -22,7 +22,7 @@ PAIRS = [("batteryPercent", "batteryTime"), ("batteryTemperature", "cpuTemperatu
 METRICS = [metric for pair in PAIRS for metric in pair]
 
 
-def tell(what):
+def record(what):
     with open(f"{FOLDER}/events", "ab", buffering=0) as events:
         events.write(f"window {what}\n".encode())
 
@@ -165,7 +165,7 @@ class Window:
                    "configuration": self.configuration}
         if change is change_number and self.configuration["modules"]:
             message["pendingScrollID"] = self.configuration["modules"][0]["id"]
-        tell("edit")
+        record("edit")
         self.send(message)
 
     def take(self, line):
@@ -178,7 +178,7 @@ class Window:
             for key, value in whole().items():
                 self.configuration.setdefault(key, value)
         if self.in_force < message["revision"] == self.revision:
-            tell("edit in force")
+            record("edit in force")
         self.in_force = message["revision"]
         if not self.is_deaf:
             self.send({"type": "seen", "sequence": message["sequence"]})
@@ -222,7 +222,7 @@ def end_badly(window, how):
 def main():
     signal.alarm(400)
     if chance.random() < 0.05:
-        tell("unready")
+        record("unready")
         sys.exit(chance.randrange(2))
     window = Window()
     window.send({"type": "ready", "protocol": 1, "scale": chance.choice([1, 1.25, 2, 3])})
@@ -235,12 +235,12 @@ def main():
     while True:
         second += 1
         if not window.turn(begun + 0.3 + second):
-            tell("closed_by_agent")
+            record("closed_by_agent")
             return
         if os.path.exists(FOLDER + "/rest"):
             window.edit(show_everything)
             window.turn(time.monotonic() + 0.5)
-            tell("rest")
+            record("rest")
             return
         change = chance.choices(list(EDITS), list(EDITS.values()))[0]
         if chance.random() < 0.25:
@@ -252,12 +252,12 @@ def main():
         if second > life:
             break
     if chance.random() < 0.4:
-        tell("closed")
+        record("closed")
         return
     how = chance.choice(["killed", "failed", "nonsense", "half", "flood", "long"])
     if chance.random() < 0.05:
-        how = "hanging"  # for the agent's patience, 20 s in which nobody changes anything
-    tell(how)
+        how = "hanging"  # until the agent's timeout, 20 s without a change
+    record(how)
     end_badly(window, how)
 
 

@@ -6,10 +6,14 @@ import os
 import pathlib
 import shutil
 import subprocess
+import sys
 
 from gi.repository import Gio, GLib
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(ROOT / "tests/support"))
+from session.machine import Machine
+from session.servers import start_bus, start_display
 # Who owns the watcher decides what picture it is offered (/proc/PID/comm).
 PANELS = ["waybar", "gnome-shell", "plasmashell", "xfce4-panel", "other"]
 
@@ -19,14 +23,15 @@ class World:
         self.folder = pathlib.Path(folder)
         self.chance = chance
         self.processes = {}  # by their part
-        self.machine = None  # the folder in the place of /sys/class
+        self.started = set()  # the parts that keep their place: a screen its number
+        self.machine = None  # in the place of the kernel's /sys/class
         self.address = f"unix:path={folder}/bus"
         self.environment = {**os.environ, "DBUS_SESSION_BUS_ADDRESS": self.address,
                             "DBUS_SYSTEM_BUS_ADDRESS": self.address, "LC_ALL": "C.UTF-8"}
         for name in ("WAYLAND_DISPLAY", "XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"):
             self.environment.pop(name, None)
 
-    def tell(self, what):
+    def record(self, what):
         with open(self.folder / "events", "ab", buffering=0) as events:
             events.write(f"{what}\n".encode())
 
@@ -54,20 +59,18 @@ class World:
         for part in reversed(list(self.processes)):
             self.stop(part)
         if self.machine is not None:
-            subprocess.run(["umount", "--recursive", "--lazy", "/sys/class"], check=False)
-            subprocess.run(["umount", "--lazy", self.machine / "net"], check=False)
+            self.machine.unmount()
 
     # The bus and who speaks on it.
 
     def start_bus(self):
-        bus = self.start("bus", ["dbus-daemon", "--session", "--nofork", "--address",
-                                 self.address, "--print-address=1"], stdout=subprocess.PIPE)
-        bus.stdout.readline()
+        start_bus(lambda command, **options: self.start("bus", command, **options),
+                  f"{self.folder}/bus")
         self.start("logind", ["/usr/bin/python3", ROOT / "bench/soak/logind.py"],
                    stdin=subprocess.PIPE)
 
     def restart_bus(self):
-        self.tell("bus restarted")
+        self.record("bus restarted")
         for part in ("panel", "logind", "bus"):
             self.stop(part)
         self.start_bus()
@@ -75,13 +78,13 @@ class World:
     def sleep(self, begins):
         logind = self.processes.get("logind")
         if logind is not None and logind.poll() is None:
-            self.tell("machine sleeps" if begins else "machine wakes")
+            self.record("machine sleeps" if begins else "machine wakes")
             logind.stdin.write(b"s" if begins else b"w")
             logind.stdin.flush()
 
     def start_panel(self, name):
         """One of PANELS. A program is called as the file that was executed."""
-        self.tell(f"panel {name}")
+        self.record(f"panel {name}")
         link = self.folder / name
         if not link.exists():
             link.symlink_to("/usr/bin/python3")
@@ -111,6 +114,13 @@ class World:
             self.call("local.vantora.Vantora", "/local/vantora/Vantora",
                       "org.freedesktop.Application", "Activate", GLib.Variant("(a{sv})", ({},)))
 
+    def item_text(self, agent):
+        """What the item says to assistive tools; None when it could not be asked."""
+        answer = self.call(f"org.kde.StatusNotifierItem-{agent}-1", "/StatusNotifierItem",
+                           "org.freedesktop.DBus.Properties", "Get",
+                           GLib.Variant("(ss)", ("org.kde.StatusNotifierItem", "ToolTip")), "(v)")
+        return answer and answer.unpack()[0][2]
+
     def menu(self):
         """The labels of the item's menu by their numbers."""
         layout = self.call("local.vantora.Vantora", "/MenuBar", "com.canonical.dbusmenu",
@@ -122,18 +132,18 @@ class World:
     def choose(self, label):
         for number, text in self.menu().items():
             if text == label:
-                self.tell(f"menu {label}")
+                self.record(f"menu {label}")
                 self.call("local.vantora.Vantora", "/MenuBar", "com.canonical.dbusmenu", "Event",
                           GLib.Variant("(isvu)", (number, "clicked", GLib.Variant("s", ""), 0)))
                 return True
         return False
 
     def start_again(self, program):
-        """A second start asks the running agent to come forward; True when it ended well.
-        Where the agent has just lost the bus and not come back yet, it is left alone."""
+        """A second start asks the running agent to show its window; True when it ended well.
+        Not tried while the agent has no connection to the bus."""
         if not self.menu():
             return True
-        self.tell("agent second start")
+        self.record("agent second start")
         try:
             return subprocess.run([program], env=self.environment, check=False, timeout=10,
                                   stdout=subprocess.DEVNULL,
@@ -146,17 +156,15 @@ class World:
     def start_screen(self):
         if not shutil.which("Xvfb"):
             return "no Xvfb: no tray"
-        reader, writer = os.pipe()
-        self.start("screen", ["Xvfb", "-displayfd", writer, "-noreset", "-screen", "0",
-                              "1280x720x24", "-nolisten", "tcp"], pass_fds=[writer])
-        os.close(writer)
-        with os.fdopen(reader) as answer:
-            self.environment["DISPLAY"] = ":" + answer.readline().strip()
+        _, self.environment["DISPLAY"] = start_display(
+            lambda command, **options: self.start("screen", command, **options), "1280x720",
+            self.environment.get("DISPLAY") if "screen" in self.started else None)
+        self.started.add("screen")
         return None
 
     def start_tray(self):
         if "screen" in self.processes and shutil.which("trayer"):
-            self.tell("panel trayer")
+            self.record("panel trayer")
             self.start("tray", ["trayer", "--edge", "top", "--height", "24"])
 
     # The network: a pair of links in a namespace of its own.
@@ -182,7 +190,7 @@ class World:
         away = self.chance.choice(["link set soak0 down", "link del soak0",
                                    "addr flush dev soak0", "route del default",
                                    "link set soak1 down"])
-        self.tell(f"network {away}")
+        self.record(f"network {away}")
         self.ip(away)
 
     def mend_network(self):
@@ -195,41 +203,21 @@ class World:
         except OSError:
             pass
 
-    # Sensors, batteries and fans: files in the place of the kernel's.
+    # Sensors, batteries and fans.
 
     def start_machine(self):
-        """Over /sys/class, which only who has a mount namespace of their own may do."""
-        made = subprocess.run(
-            ["sh", "-ec", """mount --make-rprivate /
-             mount -t sysfs none /sys
-             mkdir -p "$0/net"
-             mount --bind /sys/class/net "$0/net"
-             mount --rbind "$0" /sys/class""", self.folder / "class"],
-            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=False).returncode == 0
-        if not made:
-            return "nothing can be mounted: no sensors but the machine's own"
-        self.machine = self.folder / "class"
-        self.fill_machine()
-        return None
-
-    def fill_machine(self):
-        description = ROOT / "tests/platform/linux/sysfs/macbook-pro-2015.txt"
-        folder = self.machine
-        for line in description.read_text().splitlines():
-            if line.startswith("["):
-                folder = self.machine / line.strip("[]")
-                folder.mkdir(parents=True, exist_ok=True)
-            elif "=" in line and not line.startswith("#"):
-                name, _, value = line.partition("=")
-                (folder / name).write_text(value + "\n")
+        machine = Machine(self.folder / "class")
+        lack = machine.mount()
+        self.machine = None if lack else machine
+        return lack
 
     def change_machine(self):
         """Other values, as a driver shows them; now and then a chip comes or goes."""
-        chips = [c for c in sorted(self.machine.glob("*/*/")) if c.parent.name != "net"]
+        chips = self.machine.devices()
         if chips and self.chance.random() < 0.05:
-            shutil.rmtree(self.chance.choice(chips), ignore_errors=True)
+            self.machine.remove(self.chance.choice(chips))
         elif self.chance.random() < 0.1:
-            self.fill_machine()
+            self.machine.fill()
         for name, values in {"hwmon/hwmon0/fan1_input": [0, 2156, 6100],
                              "hwmon/hwmon0/fan2_input": [0, 0, 1998],
                              "hwmon/hwmon0/temp2_input": range(20_000, 40_000, 1_000),
@@ -238,6 +226,4 @@ class World:
                              "power_supply/BAT0/status": ["Charging", "Discharging", "Full"],
                              "power_supply/BAT0/current_now": range(0, 3_000_000, 100_000),
                              "power_supply/ADP1/online": [0, 1]}.items():
-            file = self.machine / name
-            if file.exists():
-                file.write_text(f"{self.chance.choice(values)}\n")
+            self.machine.set(name, self.chance.choice(values))

@@ -6,35 +6,27 @@
 // window takes from the start of its process to its first frame on the screen, in turn: an
 // empty window, and the settings window with the usual three modules and with 24. Exits
 // with 1 when the settings window takes half a second or more.
-#include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <xcb/xcb.h>
 
 #include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <utility>
 #include <vector>
 
-#include "settings/settings_protocol.hpp"
+#include "settings/conversation/settings_protocol.hpp"
+#include "window_program.hpp"
 
 namespace {
 
+using vantora::bench::Program;
+using vantora::bench::stop;
 using Clock = std::chrono::steady_clock;
 using Milliseconds = std::chrono::duration<double, std::milli>;
 constexpr Milliseconds limit{500};
-constexpr Milliseconds patience{20'000};
-
-[[noreturn]] void stop(const std::string& why) {
-  std::fprintf(stderr, "window_opening: %s\n", why.c_str());
-  std::exit(2);
-}
+constexpr Milliseconds timeout{20'000};
 
 // A point of the screen that every window here covers, with its ground, and that is black
 // without a window.
@@ -69,57 +61,6 @@ class Screen {
   xcb_window_t root_ = 0;
 };
 
-class Program {
- public:
-  explicit Program(const std::string& path) {
-    int input[2];
-    int output[2];
-    if (::pipe2(input, O_CLOEXEC) != 0 || ::pipe2(output, O_CLOEXEC) != 0) {
-      stop("no pipes");
-    }
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, input[0], STDIN_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    std::string name = path;
-    char* arguments[] = {name.data(), nullptr};
-    if (::posix_spawn(&id_, path.c_str(), &actions, nullptr, arguments, environ) != 0) {
-      stop("cannot start " + path);
-    }
-    posix_spawn_file_actions_destroy(&actions);
-    ::close(input[0]);
-    ::close(output[1]);
-    input_ = input[1];
-    output_ = output[0];
-  }
-  ~Program() {
-    ::close(input_);
-    ::close(output_);
-    ::kill(id_, SIGTERM);
-    ::waitpid(id_, nullptr, 0);
-  }
-  Program(const Program&) = delete;
-  Program& operator=(const Program&) = delete;
-
-  // Whether it has written something within half a millisecond, its "ready".
-  [[nodiscard]] bool hasSpoken() const {
-    pollfd end{output_, POLLIN, 0};
-    const timespec wait{0, 500'000};
-    return ::ppoll(&end, 1, &wait, nullptr) > 0 && (end.revents & POLLIN) != 0;
-  }
-  void tell(const std::string& line) const {
-    if (::write(input_, line.data(), line.size()) != static_cast<ssize_t>(line.size())) {
-      stop("the window does not listen");
-    }
-  }
-
- private:
-  pid_t id_ = 0;
-  int input_ = -1;
-  int output_ = -1;
-};
-
 // `state` goes to the program once it is ready; empty for one that says nothing.
 Milliseconds opening(const Screen& screen, const std::string& path, const std::string& state) {
   const auto start = Clock::now();
@@ -130,7 +71,7 @@ Milliseconds opening(const Screen& screen, const std::string& path, const std::s
       program.tell(state);
       isTold = true;
     }
-    if (Clock::now() - start > patience) {
+    if (Clock::now() - start > timeout) {
       stop("no window came from " + path);
     }
   }
@@ -177,7 +118,7 @@ int main(int argc, char** argv) {
         window.times.push_back(time);
       }
       const auto end = Clock::now();
-      while (screen.showsAWindow() && Clock::now() - end < patience) {
+      while (screen.showsAWindow() && Clock::now() - end < timeout) {
         ::poll(nullptr, 0, 5);
       }
     }

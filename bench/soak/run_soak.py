@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""run.py MINUTES PROGRAMS CSV [SEED]: the soak of scripts/soak, which says what it is."""
+"""run_soak.py MINUTES PROGRAMS CSV [SEED]: the soak of scripts/soak, which says what it is."""
 import collections
 import csv
 import ctypes
@@ -119,7 +119,7 @@ class Soak:
             world.restart_bus()
             self.later("panel returns", 1)
         if self.every("kill", 5, 15):
-            self.kill_somebody()
+            self.kill_assistant()
         if self.has_network:
             world.make_traffic(self.socket)
             if self.every("network", 5, 15):
@@ -133,10 +133,10 @@ class Soak:
     def window_is_open(self):
         return any(name == "vantora-settings" for _, _, name in self.family.look()[0])
 
-    def kill_somebody(self):
+    def kill_assistant(self):
         living = [pid for pid, _, name in self.family.look()[0] if name in ("codex", "claude")]
         if living:
-            self.world.tell("assistant killed")
+            self.world.record("assistant killed")
             try:
                 os.kill(self.chance.choice(living), signal.SIGKILL)
             except ProcessLookupError:
@@ -159,15 +159,15 @@ class Soak:
 
     def rest(self):
         """A moment that is always the same: everything there, everything shown, the window
-        closed, paused, and time for whoever was ended. Whatever the agent still holds then
-        more than at the last rest it has lost sight of."""
+        closed, paused, and time for children to end. What the agent holds then beyond the
+        last rest is a leak."""
         world = self.world
-        told = len(self.window_events())
+        seen = len(self.window_events())
         (self.folder / "rest").touch()
         if self.has_network:
             world.mend_network()
         if self.has_machine:
-            world.fill_machine()
+            world.machine.fill()
         world.sleep(False)
         world.stop("tray")
         world.stop("panel")
@@ -178,7 +178,7 @@ class Soak:
         # A window that hangs is ended by the agent.
         while time.monotonic() < deadline:
             if not self.window_is_open():
-                if "rest" in self.window_events()[told:]:
+                if "rest" in self.window_events()[seen:]:
                     break
                 world.open_settings(self.agent.pid)
             time.sleep(1)
@@ -197,13 +197,11 @@ class Soak:
         lines = file.read_text().splitlines() if file.exists() else []
         return [line.partition(" ")[2] for line in lines if line.startswith("window ")]
 
-    def run(self, table):
-        self.table = csv.DictWriter(table, ["second", "phase", *figures.COLUMNS, "children",
-                                            "zombies", "oldest_assistant"])
-        self.table.writeheader()
+    def start_world(self):
+        """Everything around the agent; prints what this system does not allow."""
         self.lay_out()
         world = self.world
-        is_apart = os.environ.get("SOAK_APART") == "1"
+        is_apart = os.environ.get("SOAK_ISOLATED") == "1"
         lacking = [world.start_network(), world.start_machine()] if is_apart else \
             ["no namespaces of one's own: neither network nor sensors change"]
         self.has_network = is_apart and lacking[0] is None
@@ -213,6 +211,12 @@ class Soak:
                 print(lack, flush=True)
         world.start_bus()
         world.start_panel("waybar")
+
+    def run(self, table):
+        self.table = csv.DictWriter(table, ["second", "phase", *figures.COLUMNS, "children",
+                                            "zombies", "oldest_assistant"])
+        self.table.writeheader()
+        self.start_world()
         self.start_agent()
         self.begun = time.monotonic()
         end = self.begun + self.length
@@ -221,13 +225,13 @@ class Soak:
                 self.stir()
                 if self.every("sample", SAMPLE_EVERY, SAMPLE_EVERY):
                     self.sample("stir")
-                # The last one stands at the end.
+                # The last one is at the end.
                 if now - self.begun > (len(self.at_rest) + 1) * verdict.span(self.length) - REST:
                     self.rest()
                 table.flush()
                 time.sleep(0.25)
             self.finish()
-        except OSError:  # what /proc told of an agent that is no more
+        except OSError:  # /proc of an agent that has ended
             if self.agent.poll() is None:
                 raise
             self.faults.append(f"the agent ended with status {self.agent.returncode}")
@@ -253,7 +257,7 @@ class Soak:
 
 
 def count(folder):
-    """The events that children told, by their kind."""
+    """The events that children recorded, by their kind."""
     totals = {}
     for line in (folder / "events").read_text().splitlines():
         totals[line] = totals.get(line, 0) + 1
@@ -302,4 +306,5 @@ def main():
     print("flat")
 
 
-main()
+if __name__ == "__main__":
+    main()
