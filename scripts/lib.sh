@@ -15,10 +15,12 @@ is_there() {
   case $kind in
     cmd) has "$what" ;;
     pc) has pkg-config && pkg-config --exists "$what" ;;
-    font) has fc-list && [ -n "$(fc-list "$what" 2> /dev/null)" ] ;;
+    font) has fc-list && [ -n "$(fc-list "${what//_/ }" 2> /dev/null)" ] ;;
     py) /usr/bin/python3 -c "import $what" 2> /dev/null ;;
+    gir) /usr/bin/python3 -c "import gi; gi.require_version(*'$what'.rsplit('-', 1))" 2> /dev/null ;;
+    lib) [ -n "$(compgen -G "/usr/lib/*/$what" || compgen -G "/usr/lib*/$what")" ] ;;
+    clang) [ -n "$(compgen -G "$(clang++ -print-resource-dir 2> /dev/null)/lib/*/$what*")" ] ;;
     file) [ -e "$what" ] ;;
-    header) echo "#include <$what>" | c++ -x c++ -fsyntax-only - 2> /dev/null ;;
     *) return 1 ;;
   esac
 }
@@ -28,51 +30,117 @@ is_installed() {
   has dpkg-query && dpkg-query -W -f '${Status}' "$1" 2> /dev/null | grep -q ' installed$'
 }
 
-# need GROUP...: installs what is missing of these groups. On a system without apt it
-# names what is missing and goes on with what is there.
-need() {
-  local group package probe missing=()
-  while read -r group package probe; do
-    case " $* " in *" $group "*) ;; *) continue ;; esac
-    is_installed "$package" || is_there "$probe" || missing+=("$package")
-  done < <(grep -v '^#' scripts/packages)
-  [ ${#missing[@]} -eq 0 ] && return 0
+# The column of scripts/packages with this system's names, after the group and the probe.
+package_column() {
+  if has apt-get; then echo 1
+  elif has dnf; then echo 2
+  elif has pacman; then echo 3
+  elif has zypper; then echo 4
+  else echo 1; fi
+}
 
-  if ! has apt-get; then
-    complain "Missing here (Debian's names): ${missing[*]}"
-    return 0
-  fi
-  local as_root=()
-  if [ "$(id -u)" -ne 0 ]; then
-    if ! has sudo; then
-      complain "Missing, and installing needs root: apt-get install ${missing[*]}"
-      return 0
+# The command that installs packages here; nothing on a system that this does not know.
+install_command() {
+  case $(package_column) in
+    2) echo "dnf install" ;;
+    3) echo "pacman -S --needed" ;;
+    4) echo "zypper install" ;;
+    *) has apt-get && echo "apt-get install" ;;
+  esac
+}
+
+# missing_packages GROUP...: the packages of these groups that are not here, a line each.
+missing_packages() {
+  local group probe column
+  local -a names
+  column=$(package_column)
+  while read -r group probe names[0] names[1] names[2] names[3]; do
+    case " $* " in *" $group "*) ;; *) continue ;; esac
+    local name=${names[$((column - 1))]}
+    [ "$name" != - ] || continue
+    is_installed "${names[0]}" || is_there "$probe" || echo "$name"
+  done < <(grep -v '^#' scripts/packages) | sort -u
+}
+
+# Runs apt-get with the given arguments, and waits for another package manager that is busy.
+apt_get() {
+  local deadline=$((SECONDS + 600)) log=$1
+  shift
+  until DEBIAN_FRONTEND=noninteractive "$@" > "$log" 2>&1; do
+    if ! grep -q 'Could not get lock' "$log" || [ $SECONDS -ge $deadline ]; then
+      return 1
     fi
+    say "Another package manager is at work here; waiting for it."
+    sleep 10
+  done
+}
+
+# need GROUP...: installs what is missing of these groups. Where it cannot, because the system
+# has no apt or this user may not, it names what is missing; without something that the build
+# needs the script ends there.
+need() {
+  local missing as_root=() log status=0
+  mapfile -t missing < <(missing_packages "$@")
+  [ ${#missing[@]} -gt 0 ] || return 0
+  if [ "$(id -u)" -ne 0 ] && has sudo; then
     as_root=(sudo)
   fi
-  say "Installing: ${missing[*]}"
-  local log
+  if ! has apt-get || { [ "$(id -u)" -ne 0 ] && [ ${#as_root[@]} -eq 0 ]; }; then
+    complain "Missing here: ${missing[*]}"
+    complain "Install them as root: $(install_command) ${missing[*]}"
+    case " $* " in *" build "*) ;; *) return 0 ;; esac
+    [ -z "$(missing_packages build)" ]
+    return
+  fi
+  say "Installing ${#missing[@]} packages: ${missing[*]}"
   log=$(mktemp)
-  if ! { "${as_root[@]}" apt-get update -q &&
-    DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -qy \
-      --no-install-recommends "${missing[@]}"; } > "$log" 2>&1; then
+  apt_get "$log" "${as_root[@]}" apt-get update -q &&
+    apt_get "$log" "${as_root[@]}" apt-get -o DPkg::Lock::Timeout=600 install -qy \
+      --no-install-recommends "${missing[@]}" || status=1
+  if [ $status -ne 0 ]; then
     tail -n 20 "$log" >&2
+    mapfile -t missing < <(missing_packages "$@")
     complain "Could not install: ${missing[*]}"
   fi
   rm -f "$log"
+  return $status
 }
 
-# build PRESET [TARGET...]: configures and builds quietly; on failure shows what failed.
+# Copies ninja's output to the file LOG and shows how far it is: on a terminal as one line that
+# moves, elsewhere as a line every 30 s.
+show_progress() {
+  local title=$1 log=$2 line started=$SECONDS shown=$SECONDS elapsed left
+  while IFS= read -r line; do
+    printf '%s\n' "$line" >> "$log"
+    [[ $line =~ ^\[([1-9][0-9]*)/([0-9]+)\] ]] || continue
+    elapsed=$((SECONDS - started))
+    left=$((elapsed * (BASH_REMATCH[2] - BASH_REMATCH[1]) / BASH_REMATCH[1]))
+    line="$title: ${BASH_REMATCH[1]} of ${BASH_REMATCH[2]}, $elapsed s, about $left s left"
+    if [ -t 1 ]; then
+      printf '\r\033[K%s' "$line"
+    elif [ $((SECONDS - shown)) -ge 30 ]; then
+      say "  $line"
+      shown=$SECONDS
+    fi
+  done
+  [ ! -t 1 ] || printf '\r\033[K'
+}
+
+# build PRESET [TARGET...]: configures and builds; on failure shows what failed. With CI=true a
+# test that cannot run here fails the configuration.
 build() {
-  local preset=$1 log
+  local preset=$1 log require=OFF started=$SECONDS
   shift
   log=$(mktemp)
-  if ! { cmake --preset "$preset" &&
-    cmake --build --preset "$preset" ${*:+--target "$@"}; } > "$log" 2>&1; then
-    tail -n 60 "$log" >&2
+  [ "${CI:-}" != true ] || require=ON
+  if ! { cmake --preset "$preset" -DVANTORA_REQUIRE_TESTS=$require > "$log" 2>&1 &&
+    NINJA_STATUS='[%f/%t] ' cmake --build --preset "$preset" ${*:+--target "$@"} 2>&1 |
+    show_progress "Building '$preset'" "$log"; }; then
+    grep -v '^\[[0-9]*/[0-9]*\] ' "$log" | tail -n 60 >&2
     rm -f "$log"
     complain "The build '$preset' failed."
     return 1
   fi
   rm -f "$log"
+  [ $((SECONDS - started)) -lt 5 ] || say "Built '$preset' in $((SECONDS - started)) s."
 }
