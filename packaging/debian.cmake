@@ -27,6 +27,8 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# Loaded at run time, so that no program names it as a library of its own.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS libfontconfig1)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 # Without them the programs start, but with another system's letters, without links that
 # open, or with the toolkit's own dialogs, and in English.
@@ -38,4 +40,6 @@ string(JOIN ", " CPACK_DEBIAN_PACKAGE_RECOMMENDS
   "qt6-wayland"
   "qt6-xdgdesktopportal-platformtheme"
   "xdg-utils")
+# GNOME shows no status item without it.
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS gnome-shell-extension-appindicator)
 include(CPack)
