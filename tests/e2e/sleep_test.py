@@ -60,7 +60,7 @@ class SleepTest(stage.StageTest):
         family = [pid for tool in tools for pid in tool.started() + tool.grandchildren()]
         self.fall_asleep()
         until("the end of the tools", lambda: not any(map(stage.is_running, family)))
-        self.assertEqual(agent.children(), [])
+        until("the end of the children", lambda: agent.children() == [])
         until("the end of the guards", lambda: agent.guards() == [])
         self.assertEqual(agent.end(), 0)
 
