@@ -16,6 +16,19 @@ auto weakly(std::weak_ptr<Owner> weak, Method method) {
   };
 }
 
+AppConfiguration withModulesFor(MetricSet metrics, AppConfiguration configuration) {
+  const MetricSet demand = configuration.demand();
+  for (const MetricID metric : metrics) {
+    if (!demand.contains(metric)) {
+      ModuleConfiguration& module = configuration.modules.emplace_back();
+      module.enabled = true;
+      module.top = metric;
+      module.bottom = MetricID::none;
+    }
+  }
+  return configuration;
+}
+
 }  // namespace
 
 std::shared_ptr<AppCoordinator> AppCoordinator::create(AppParts parts) {
@@ -25,6 +38,7 @@ std::shared_ptr<AppCoordinator> AppCoordinator::create(AppParts parts) {
 AppCoordinator::AppCoordinator(Token, AppParts parts)
     : parts_(std::move(parts)),
       launchedAtUptime_(parts_.clock.uptime()),
+      shown_(withModulesFor(parts_.alwaysShown, parts_.model->configuration())),
       redraw_(parts_.statusItem, parts_.textEngine) {}
 
 void AppCoordinator::launch() {
@@ -34,7 +48,7 @@ void AppCoordinator::launch() {
   observeSampling();
   observePower();
   drawStatus();
-  samplingConfiguration_ = parts_.model->configuration();
+  samplingConfiguration_ = shown_;
   parts_.sampling->configure(*samplingConfiguration_);
   configureProviders(/*sleeping=*/false);
 }
@@ -121,7 +135,7 @@ void AppCoordinator::observePower() {
   // tick elapsed and no rate.
   handlers.onBatteryDue = [weak] {
     const auto self = weak.lock();
-    if (self != nullptr && !SamplingCoordinator::startsTimer(self->model().configuration())) {
+    if (self != nullptr && !SamplingCoordinator::startsTimer(self->shown())) {
       self->parts_.sampling->refreshBattery();
     }
   };
@@ -130,7 +144,9 @@ void AppCoordinator::observePower() {
   parts_.powerEvents->start(std::move(handlers));
 }
 
-void AppCoordinator::configurationChanged(const AppConfiguration& configuration) {
+void AppCoordinator::configurationChanged(const AppConfiguration& edited) {
+  shown_ = withModulesFor(parts_.alwaysShown, edited);
+  const AppConfiguration& configuration = shown_;
   drawStatus();
   // Widths, fonts, gaps and quota settings never disturb the sampling timer.
   const bool isSamplingUnchanged =
@@ -158,7 +174,7 @@ void AppCoordinator::snapshotChanged() {
   if (parts_.settingsWindow != nullptr && parts_.settingsWindow->isVisible()) {
     parts_.model->setSnapshot(snapshot_);
   }
-  if (redraw_.drawIfChanged(parts_.model->configuration(), snapshot_, parts_.clock.now())) {
+  if (redraw_.drawIfChanged(shown_, snapshot_, parts_.clock.now())) {
     statusDrawn();
   }
   if (onUpdate) {
@@ -167,9 +183,8 @@ void AppCoordinator::snapshotChanged() {
 }
 
 void AppCoordinator::configureProviders(bool sleeping) {
-  const AppConfiguration& configuration = parts_.model->configuration();
-  parts_.codexQuota->configure(configuration, sleeping);
-  parts_.claudeQuota->configure(configuration, sleeping);
+  parts_.codexQuota->configure(shown_, sleeping);
+  parts_.claudeQuota->configure(shown_, sleeping);
 }
 
 void AppCoordinator::willSleep(SleepHold hold) {
@@ -206,7 +221,7 @@ void AppCoordinator::togglePause() {
 }
 
 void AppCoordinator::drawStatus() {
-  redraw_.draw(parts_.model->configuration(), snapshot_, parts_.clock.now());
+  redraw_.draw(shown_, snapshot_, parts_.clock.now());
   statusDrawn();
 }
 

@@ -47,6 +47,8 @@ struct AppParts {
   UrlOpener* urlOpener = nullptr;
   /// Ends the program's main loop; empty where the user cannot ask for it.
   std::function<void()> quit;
+  /// Metrics that are read and drawn although no module of the user's shows them.
+  MetricSet alwaysShown = {};
 };
 
 class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator> {
@@ -70,6 +72,13 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
 
   [[nodiscard]] SettingsModel& model() { return *parts_.model; }
   [[nodiscard]] const SettingsModel& model() const { return *parts_.model; }
+
+  /// What is shown: the user's configuration, with a module for each metric that is always
+  /// shown.
+  [[nodiscard]] const AppConfiguration& shown() const { return shown_; }
+
+  /// The clock of everything that it holds.
+  [[nodiscard]] const Clock& clock() const { return parts_.clock; }
 
   /// The latest readings with the latest quota states.
   [[nodiscard]] const MetricSnapshot& snapshot() const { return snapshot_; }
@@ -95,7 +104,7 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   void observeSampling();
   void observePower();
 
-  void configurationChanged(const AppConfiguration& configuration);
+  void configurationChanged(const AppConfiguration& edited);
   void sampled(MetricSnapshot snapshot);
   void snapshotChanged();
   void configureProviders(bool sleeping);
@@ -109,6 +118,7 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
 
   AppParts parts_;
   const Seconds launchedAtUptime_;
+  AppConfiguration shown_;
   MetricSnapshot snapshot_;
   int samplingRounds_ = 0;
   StatusRedraw redraw_;

@@ -169,18 +169,19 @@ int keepUnder(const fs::path& file, const fs::path& name) {
 
 // Fills the temporary file and brings it to the disk. 0, or the error number.
 int fillTemporary(const fs::path& temporary, std::string_view content, const fs::path& replaced,
-                  Permissions permissions) {
-  const mode_t mode = permissions == Permissions::userOnly ? 0600 : 0666;
+                  const WriteOptions& options) {
+  const mode_t mode = options.permissions == Permissions::userOnly ? 0600 : 0666;
   UniqueFd file(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
   if (!file) {
     return errno;
   }
   struct stat status {};
-  if (permissions == Permissions::kept && ::stat(replaced.c_str(), &status) == 0 &&
+  if (options.permissions == Permissions::kept && ::stat(replaced.c_str(), &status) == 0 &&
       S_ISREG(status.st_mode)) {
     (void)::fchmod(file.get(), status.st_mode & 07777);
   }
-  if (!writeAll(file.get(), content) || ::fsync(file.get()) != 0 || !closeChecked(file)) {
+  if (!writeAll(file.get(), content) || (options.flush && ::fsync(file.get()) != 0) ||
+      !closeChecked(file)) {
     return errno;
   }
   return 0;
@@ -256,7 +257,7 @@ std::optional<Fault> replaceFile(const fs::path& path, std::string_view content,
     removeAbandoned(target);
   }
   const fs::path temporary = temporaryPath(target);
-  int error = fillTemporary(temporary, content, target, options.permissions);
+  int error = fillTemporary(temporary, content, target, options);
   if (error == 0 && options.keepAs) {
     error = keepUnder(target, *options.keepAs);
   }
@@ -268,7 +269,9 @@ std::optional<Fault> replaceFile(const fs::path& path, std::string_view content,
       if (previous && ::rename(previous->c_str(), options.backup->c_str()) != 0) {
         (void)::unlink(previous->c_str());
       }
-      flushFolder(target.parent_path());
+      if (options.flush) {
+        flushFolder(target.parent_path());
+      }
       if (previous && options.backup->parent_path() != target.parent_path()) {
         flushFolder(options.backup->parent_path());
       }

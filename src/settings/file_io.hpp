@@ -43,11 +43,15 @@ struct WriteOptions {
   /// A new name under which the replaced file is kept as well. Nothing is written if that
   /// fails; a file that has the name already is taken for the kept one.
   std::optional<std::filesystem::path> keepAs;
+  /// Whether the content is brought to the disk: not for what is written anew all the time
+  /// and means nothing after a restart of the machine.
+  bool flush = true;
 };
 
 /// Replaces the file, or makes it, so that a reader, even after the process or the
 /// machine stopped half way, finds the old content or the new one, whole: a temporary
-/// file beside it, flushed to the disk, renamed over it, the folder flushed. A symbolic
+/// file beside it, flushed to the disk, renamed over it, the folder flushed. (Unflushed, a
+/// machine that stops may leave an empty file.) A symbolic
 /// link stays and its target is replaced; a directory, a device or a FIFO is refused.
 /// Nothing on success; on a fault the file is as it was.
 [[nodiscard]] std::optional<Fault> replaceFile(const std::filesystem::path& path,

@@ -59,6 +59,29 @@ TEST_F(AppCoordinatorTest, DrawsTwoRoundsOfTheSameTextsOnce) {
   EXPECT_EQ(item_.shown.size(), 3U);
 }
 
+TEST_F(AppCoordinatorTest, ReadsAndDrawsWhatIsAlwaysShownBesideTheUsersModules) {
+  alwaysShown = {MetricID::cpuUsage, MetricID::batteryPercent};
+  start(showing({{MetricID::batteryPercent, MetricID::none}}));
+  setUsage(30);
+  time.advance(Seconds{1});
+  EXPECT_THAT(lastText(), testing::HasSubstr("CPU · uso total: 30%"));
+  ASSERT_EQ(coordinator->shown().modules.size(), 2U);
+  EXPECT_EQ(coordinator->model().configuration().modules.size(), 1U);
+  change([](AppConfiguration& configuration) { configuration.modules.clear(); });
+  EXPECT_EQ(coordinator->shown().demand(), alwaysShown);
+  setUsage(31);
+  time.advance(Seconds{1});
+  EXPECT_THAT(lastText(), testing::HasSubstr("CPU · uso total: 31%"));
+}
+
+TEST_F(AppCoordinatorTest, AsksAQuotaThatIsAlwaysShown) {
+  alwaysShown = {MetricID::codexWeeklyPercent};
+  AppConfiguration configuration = withQuotas();
+  configuration.modules.clear();
+  start(configuration);
+  EXPECT_EQ(coordinator->snapshot().codex.status, CodexQuotaStatus::connecting);
+}
+
 TEST_F(AppCoordinatorTest, ReportsEverySamplingRoundEvenWhenNothingIsDrawn) {
   start(showing({{MetricID::cpuUsage, MetricID::none}}));
   int rounds = 0;

@@ -70,7 +70,7 @@ struct AppWorld {
                                         },
                                         [] { return 0.0; }}),
          std::make_unique<FakePowerEvents>(power), hasWindow ? std::move(fakeWindow) : nullptr,
-         hasWindow ? &urlOpener : nullptr, [this] { ++quits; }});
+         hasWindow ? &urlOpener : nullptr, [this] { ++quits; }, alwaysShown});
   }
 
   void change(const std::function<void(AppConfiguration&)>& edit) {
@@ -100,6 +100,7 @@ struct AppWorld {
   FakeUrlOpener urlOpener;
   PowerEvents::Handlers power;
   bool hasWindow = true;
+  MetricSet alwaysShown;
   int quits = 0;
   FakeTickCounters* ticks = nullptr;
   FakeBatterySource* battery = nullptr;

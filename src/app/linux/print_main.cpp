@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // vantora-print on Linux: the same coordinator with lines of text for a status item.
-#include <unistd.h>
-
 #include <cstdio>
+#include <utility>
 
 #include "app/linux/linux_application.hpp"
 #include "app/linux/start_program.hpp"
@@ -21,16 +20,20 @@ namespace {
 int print(LinuxApplication& application, const PrintOptions& options) {
   UvLoop& loop = application.loop();
   CellTextEngine textEngine;
-  PrintOutput output(STDOUT_FILENO, options.format, options.follow, isatty(STDOUT_FILENO) == 1);
+  const auto output = PrintProgram::makeOutput(options);
   int status = 0;
-  PrintSession session(options, output, loop.queue(), [&](int error) {
+  PrintSession session(options, *output, loop.queue(), [&](int error) {
     if (error != 0) {
-      PrintProgram::complainOfOutput(error);
+      if (options.outputFile.empty()) {
+        PrintProgram::complainOfOutput(error);
+      }
       status = 1;
     }
     loop.stop();
   });
-  const auto coordinator = AppCoordinator::create(application.parts(session, textEngine));
+  AppParts parts = application.parts(session, textEngine);
+  parts.alwaysShown = PrintProgram::alwaysShown(options);
+  const auto coordinator = AppCoordinator::create(std::move(parts));
   PrintProgram::tellNotice(coordinator->model().notice(), options.format);
   const TerminationSignals signals(loop.raw(), [&session] { session.stop(); });
   const ResizeSignal resize(loop.raw(), [&session] { session.resized(); });

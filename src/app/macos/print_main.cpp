@@ -2,7 +2,6 @@
 //
 // vantora-print on macOS: the same coordinator with lines of text for a status item.
 #include <CoreFoundation/CoreFoundation.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <functional>
@@ -34,18 +33,22 @@ int run(const PrintOptions& options) {
   std::function<void()> end;
   MacOSApplication application(std::move(*folder), [&end] { end(); });
   CellTextEngine textEngine;
-  PrintOutput output(STDOUT_FILENO, options.format, options.follow, isatty(STDOUT_FILENO) == 1);
+  const auto output = PrintProgram::makeOutput(options);
   int status = 0;
-  PrintSession session(options, output, application.mainQueue(), [&](int error) {
+  PrintSession session(options, *output, application.mainQueue(), [&](int error) {
     if (error != 0) {
-      PrintProgram::complainOfOutput(error);
+      if (options.outputFile.empty()) {
+        PrintProgram::complainOfOutput(error);
+      }
       status = 1;
     }
     stopLoop();
   });
   end = [&session] { session.stop(); };
   const ResizeSignal resize(application.mainLoop(), [&session] { session.resized(); });
-  const auto coordinator = AppCoordinator::create(application.parts(session, textEngine));
+  AppParts parts = application.parts(session, textEngine);
+  parts.alwaysShown = PrintProgram::alwaysShown(options);
+  const auto coordinator = AppCoordinator::create(std::move(parts));
   PrintProgram::tellNotice(coordinator->model().notice(), options.format);
   // From the loop, so that an end in the very first print stops it.
   application.mainQueue().post([&] { session.start(*coordinator); });

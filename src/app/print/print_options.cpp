@@ -11,11 +11,10 @@ namespace vantora {
 namespace {
 
 const std::map<std::string, PrintFormat>& formats() {
-  static const std::map<std::string, PrintFormat> all{{"list", PrintFormat::list},
-                                                      {"text", PrintFormat::text},
-                                                      {"json", PrintFormat::json},
-                                                      {"i3bar", PrintFormat::i3bar},
-                                                      {"waybar", PrintFormat::waybar}};
+  static const std::map<std::string, PrintFormat> all{
+      {"list", PrintFormat::list},     {"text", PrintFormat::text},
+      {"json", PrintFormat::json},     {"i3bar", PrintFormat::i3bar},
+      {"waybar", PrintFormat::waybar}, {"openmetrics", PrintFormat::openMetrics}};
   return all;
 }
 
@@ -24,16 +23,19 @@ ProgramAnswer complaint(const std::string& reason) {
 }
 
 constexpr const char* help =
-    "Uso: vantora-print [--follow] [--format FORMATO] [--timeout SEGUNDOS]\n"
+    "Uso: vantora-print [--follow] [--format FORMATO] [--timeout SEGUNDOS] [--output ARQUIVO]\n"
     "\n"
     "Mostra as leituras do Vantora sem precisar de um painel.\n"
     "\n"
     "      --follow             atualiza a cada mudança, até ser interrompido\n"
     "      --format FORMATO     list: uma linha por métrica, com o motivo do que falta (padrão\n"
     "                           no terminal); text: tudo em uma linha (padrão fora dele);\n"
-    "                           json, i3bar ou waybar\n"
+    "                           json, i3bar, waybar ou openmetrics (para o Prometheus, com\n"
+    "                           todas as métricas)\n"
     "      --timeout SEGUNDOS   espera pelas leituras no máximo esse tempo (padrão 60);\n"
     "                           com --follow, encerra depois desse tempo\n"
+    "      --output ARQUIVO     com openmetrics, substitui esse arquivo a cada mudança em vez\n"
+    "                           de escrever na saída\n"
     "  -h, --help               mostra esta ajuda\n"
     "      --version            mostra a versão\n";
 
@@ -53,10 +55,12 @@ std::variant<PrintOptions, ProgramAnswer> parsePrintOptions(int argc, const char
   app.add_flag("--follow", options.follow);
   const auto* formatOption = app.add_option("--format", format);
   const auto* timeoutOption = app.add_option("--timeout", timeout);
+  const auto* outputOption = app.add_option("--output", options.outputFile);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ArgumentMismatch&) {
-    return complaint(formatOption->count() > 1 || timeoutOption->count() > 1
+    return complaint(formatOption->count() > 1 || timeoutOption->count() > 1 ||
+                             outputOption->count() > 1
                          ? "a mesma opção aparece duas vezes"
                          : "falta o valor de uma opção");
   } catch (const CLI::ExtrasError&) {
@@ -76,6 +80,14 @@ std::variant<PrintOptions, ProgramAnswer> parsePrintOptions(int argc, const char
     return complaint("formato desconhecido: \"" + format + "\"");
   }
   options.format = known->second;
+  if (outputOption->count() > 0) {
+    if (options.format != PrintFormat::openMetrics) {
+      return complaint("--output só vale com --format openmetrics");
+    }
+    if (options.outputFile.empty()) {
+      return complaint("falta o nome do arquivo de --output");
+    }
+  }
   if (timeoutOption->count() > 0) {
     double seconds = 0;
     const bool isNumber = CLI::detail::lexical_cast(timeout, seconds);

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <variant>
 
 #include "app/program_answer.hpp"
@@ -16,7 +17,8 @@ enum class PrintFormat : std::uint8_t {
   text,  ///< One line with everything: for bars and scripts.
   json,
   i3bar,
-  waybar
+  waybar,
+  openMetrics,  ///< Every reading as a gauge for Prometheus.
 };
 
 struct PrintOptions {
@@ -28,6 +30,8 @@ struct PrintOptions {
   /// The longest wait of a single print. When following: end after it, if `hasTimeout`.
   Seconds timeout = defaultTimeout;
   bool hasTimeout = false;  ///< Whether the user gave the timeout.
+  /// The file that is replaced at each print; empty for the standard output. Of openMetrics.
+  std::string outputFile;
 };
 
 /// What to do, or what to answer at once: help and version with status 0, a mistake with 2.

@@ -6,6 +6,9 @@
 #include <cstdio>
 #include <variant>
 
+#include "app/print/open_metrics.hpp"
+#include "app/print/print_file.hpp"
+#include "app/print/print_stream.hpp"
 #include "runtime/standard_descriptors.hpp"
 
 namespace vantora::PrintProgram {
@@ -22,12 +25,32 @@ int start(int argc, const char* const* argv, int (*run)(const PrintOptions& opti
   if (const auto* answer = std::get_if<ProgramAnswer>(&parsed)) {
     return give(programName, *answer);
   }
-  // No line will ever be read.
-  return hasOutput ? run(std::get<PrintOptions>(parsed)) : 0;
+  const auto& options = std::get<PrintOptions>(parsed);
+  // No line will ever be read without an output.
+  return hasOutput || !options.outputFile.empty() ? run(options) : 0;
 }
 
 void complainOfOutput(int error) {
   vantora::complainOfOutput(programName, error);
+}
+
+void complainOfFile(const std::string& file, const std::string& reason) {
+  std::fprintf(stderr, "%s: não foi possível escrever em %s: %s\n", programName, file.c_str(),
+               reason.c_str());
+}
+
+std::unique_ptr<PrintOutput> makeOutput(const PrintOptions& options) {
+  if (options.outputFile.empty()) {
+    return std::make_unique<PrintStream>(STDOUT_FILENO, options.format, options.follow,
+                                         isatty(STDOUT_FILENO) == 1);
+  }
+  return std::make_unique<PrintFile>(
+      options.outputFile, options.follow,
+      [file = options.outputFile](const std::string& reason) { complainOfFile(file, reason); });
+}
+
+MetricSet alwaysShown(const PrintOptions& options) {
+  return options.format == PrintFormat::openMetrics ? OpenMetrics::allReadings() : MetricSet();
 }
 
 void tellNotice(const std::optional<std::string>& notice, PrintFormat format) {

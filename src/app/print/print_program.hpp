@@ -4,10 +4,13 @@
 // and the messages for people.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 
 #include "app/print/print_options.hpp"
+#include "app/print/print_output.hpp"
+#include "model/metric.hpp"
 
 namespace vantora::PrintProgram {
 
@@ -18,6 +21,15 @@ namespace vantora::PrintProgram {
 
 /// Says on standard error why nothing can be written (errno).
 void complainOfOutput(int error);
+
+/// Says on standard error why this file cannot be written.
+void complainOfFile(const std::string& file, const std::string& reason);
+
+/// Where the prints go by the command line. The standard output stays open.
+[[nodiscard]] std::unique_ptr<PrintOutput> makeOutput(const PrintOptions& options);
+
+/// What is read besides what the user's modules show.
+[[nodiscard]] MetricSet alwaysShown(const PrintOptions& options);
 
 /// Says on standard error what the user is to know of the configuration. Not where the
 /// format carries it.

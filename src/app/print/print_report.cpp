@@ -3,6 +3,7 @@
 
 #include "app/print/iso_date.hpp"
 #include "model/json.hpp"
+#include "status/line_style.hpp"
 #include "status/markup.hpp"
 #include "status/status_modules.hpp"
 
@@ -78,6 +79,17 @@ std::string written(const Json& value) {
   return writeJsonLossy(value);
 }
 
+// So that neighbours keep their places while the texts change.
+std::string widestText(const StatusModule& module, const MetricSnapshot& snapshot) {
+  StatusModule widest = module;
+  for (StatusLine* line : {&widest.top, &widest.bottom}) {
+    if (!line->text.empty()) {
+      line->text = LineStyle::reserved(line->metric, snapshot);
+    }
+  }
+  return StatusModules::joinedLines(widest);
+}
+
 }  // namespace
 
 std::string textLine(const PrintReport& report) {
@@ -117,6 +129,7 @@ std::string i3barLine(const PrintReport& report) {
     blocks.append({{"name", "vantora"},
                    {"instance", module.id.text()},
                    {"full_text", StatusModules::joinedLines(module)},
+                   {"min_width", widestText(module, report.snapshot)},
                    {"markup", "none"}});
   }
   return written(blocks);

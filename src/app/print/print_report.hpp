@@ -9,6 +9,7 @@
 
 #include "model/configuration.hpp"
 #include "model/sample.hpp"
+#include "model/time.hpp"
 #include "status/status_presentation.hpp"
 
 namespace vantora {
@@ -19,6 +20,7 @@ struct PrintReport {
   const MetricSnapshot& snapshot;
   const StatusPresentation& presentation;
   const std::optional<std::string>& notice;
+  WallTime now{};  ///< When it is printed.
 };
 
 namespace PrintFormatter {

@@ -48,7 +48,7 @@ void PrintSession::updated() {
     return;
   }
   if (!options_.follow &&
-      PrintCompletion::isComplete(coordinator_->model().configuration(), coordinator_->snapshot(),
+      PrintCompletion::isComplete(coordinator_->shown(), coordinator_->snapshot(),
                                   coordinator_->samplingRounds())) {
     printLast();
   }
@@ -89,8 +89,21 @@ void PrintSession::print() {
     return;
   }
   const SettingsModel& model = coordinator_->model();
-  written(output_.print(
-      {model.configuration(), coordinator_->snapshot(), *presentation_, model.notice()}));
+  written(output_.print({model.configuration(), coordinator_->snapshot(), *presentation_,
+                         model.notice(), coordinator_->clock().now()}));
+  printAgainLater();
+}
+
+// Whoever collects readings takes a file that grows old for a program that hangs. One that
+// could not be written is tried again then as well.
+void PrintSession::printAgainLater() {
+  constexpr Seconds maxAge{60};
+  if (!hasEnded_ && options_.follow && options_.format == PrintFormat::openMetrics) {
+    renewal_ = queue_.runAfter(maxAge, maxAge / 10, [this] {
+      isOwed_ = true;
+      deliver();
+    });
+  }
 }
 
 void PrintSession::written(int error) {
@@ -105,6 +118,7 @@ void PrintSession::end(int error) {
   }
   timeout_.reset();
   retry_.reset();
+  renewal_.reset();
   output_.finish();
   onEnd_(error);
 }

@@ -41,6 +41,7 @@ class PrintSession final : public StatusItem {
   void printLast();
   void deliver();
   void written(int error);
+  void printAgainLater();
   void end(int error);
 
   PrintOptions options_;
@@ -51,6 +52,7 @@ class PrintSession final : public StatusItem {
   std::optional<StatusPresentation> presentation_;
   TimerHandle timeout_;
   TimerHandle retry_;    // while the reader is behind
+  TimerHandle renewal_;  // of a file that is followed
   bool isOwed_ = false;  // what changed last is not printed yet
   bool isLast_ = false;  // the end comes once everything is written
   bool hasEnded_ = false;

@@ -56,6 +56,13 @@ TEST(PrintOptions, TakeEveryArgument) {
   EXPECT_EQ(accepted({"--format", "text"}).format, PrintFormat::text);
 }
 
+TEST(PrintOptions, TakeAFileForOpenMetrics) {
+  const auto options = accepted({"--format", "openmetrics", "--output", "/run/v.prom"});
+  EXPECT_EQ(options.format, PrintFormat::openMetrics);
+  EXPECT_EQ(options.outputFile, "/run/v.prom");
+  EXPECT_EQ(accepted({"--format", "openmetrics"}).outputFile, "");
+}
+
 TEST(PrintOptions, RefuseWhatTheyDoNotKnowInOneLineWithStatusTwo) {
   const std::vector<std::pair<std::vector<const char*>, const char*>> cases = {
       {{"--foo"}, "argumento desconhecido: --foo"},
@@ -71,6 +78,8 @@ TEST(PrintOptions, RefuseWhatTheyDoNotKnowInOneLineWithStatusTwo) {
       {{"--timeout", "1e999"}, "tempo inválido"},
       {{"--timeout", "86401"}, "tempo inválido"},
       {{"--format", "json", "--format", "text"}, "duas vezes"},
+      {{"--format", "json", "--output", "f"}, "--output só vale com --format openmetrics"},
+      {{"--format", "openmetrics", "--output", ""}, "falta o nome do arquivo de --output"},
       {{"--follow=maybe"}, ""},
   };
   for (const auto& [arguments, expected] : cases) {

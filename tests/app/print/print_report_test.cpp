@@ -170,6 +170,15 @@ TEST(PrintFormatter, WritesABlockAModuleForI3bar) {
   EXPECT_EQ((*json)[1]["name"], "vantora");
 }
 
+TEST(PrintFormatter, KeepsRoomInI3barForTheWidestText) {
+  Scene scene;
+  scene.configuration.modules[0].bottom = MetricID::none;
+  const auto json = parseJson(PrintFormatter::i3barLine(scene.report()));
+  ASSERT_TRUE(json);
+  EXPECT_EQ((*json)[0]["min_width"], "100%");
+  EXPECT_EQ((*json)[1]["min_width"], "100%* 14h59m");
+}
+
 TEST(PrintFormatter, EscapesMarkupForWaybar) {
   const auto json = parseJson(PrintFormatter::waybarLine(Scene().report()));
   ASSERT_TRUE(json);

@@ -10,6 +10,7 @@
 #include <csignal>
 
 #include "app/app_world.hpp"
+#include "app/print/print_stream.hpp"
 
 namespace vantora::test {
 namespace {
@@ -31,7 +32,7 @@ class PrintSessionTest : public testing::Test, protected AppWorld {
   }
 
   void start(const AppConfiguration& configuration, PrintOptions options) {
-    output_ = std::make_unique<PrintOutput>(ends_[1], options.format, options.follow, false);
+    output_ = std::make_unique<PrintStream>(ends_[1], options.format, options.follow, false);
     session_ = std::make_unique<PrintSession>(options, *output_, *main, [this](int error) {
       ++ends;
       lastError = error;
@@ -61,7 +62,7 @@ class PrintSessionTest : public testing::Test, protected AppWorld {
 
   int ends = 0;
   int lastError = -1;
-  std::unique_ptr<PrintOutput> output_;
+  std::unique_ptr<PrintStream> output_;
   std::unique_ptr<PrintSession> session_;
 
  private:
@@ -99,6 +100,20 @@ TEST_F(PrintSessionTest, PrintsWhatThereIsWhenTheTimeIsUp) {
   time.advance(Seconds{0.001});
   EXPECT_EQ(printed(), "—\n");
   EXPECT_EQ(ends, 1);
+}
+
+TEST_F(PrintSessionTest, RenewsTheGaugesEachMinuteThoughNothingChanges) {
+  PrintOptions options;
+  options.follow = true;
+  options.format = PrintFormat::openMetrics;
+  start(showing({{MetricID::batteryPercent, MetricID::none}}), options);
+  EXPECT_NE(printed(), "");
+  time.advance(Seconds{59});
+  EXPECT_EQ(printed(), "");
+  time.advance(Seconds{1});
+  EXPECT_NE(printed(), "");
+  time.advance(Seconds{60});
+  EXPECT_NE(printed(), "");
 }
 
 TEST_F(PrintSessionTest, FollowsWithALineAtEveryChange) {

@@ -10,7 +10,7 @@
 
 #include <string>
 
-#include "app/print/print_output.hpp"
+#include "app/print/print_stream.hpp"
 #include "status/status_modules.hpp"
 
 namespace vantora {
@@ -59,7 +59,7 @@ class PrintTerminalTest : public testing::Test {
 
 TEST_F(PrintTerminalTest, FitsItsWidthAndTheNewOneAfterAResize) {
   resize(24, 30);
-  PrintOutput output(terminal(), PrintFormat::list, true, true);
+  PrintStream output(terminal(), PrintFormat::list, true, true);
   EXPECT_EQ(output.print(report()), 0);
   EXPECT_EQ(shown(), "\x1b[2KCPU · uso total  1%\r\n\x1b[2KRede · upload     —  Aguardan…\x1b[J");
   resize(24, 21);
@@ -70,7 +70,7 @@ TEST_F(PrintTerminalTest, FitsItsWidthAndTheNewOneAfterAResize) {
 
 TEST_F(PrintTerminalTest, ShowsAsManyLinesAsItHasAndHowManyAreLeft) {
   resize(1, 80);
-  PrintOutput output(terminal(), PrintFormat::list, true, true);
+  PrintStream output(terminal(), PrintFormat::list, true, true);
   EXPECT_EQ(output.print(report()), 0);
   EXPECT_EQ(shown(), "\x1b[2K… e mais 2\x1b[J");
 }

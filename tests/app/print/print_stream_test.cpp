@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/print/print_output.hpp"
+#include "app/print/print_stream.hpp"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -15,16 +15,16 @@
 namespace vantora {
 namespace {
 
-class PrintOutputTest : public testing::Test {
+class PrintStreamTest : public testing::Test {
  protected:
-  PrintOutputTest() {
+  PrintStreamTest() {
     configuration_.modules.resize(1);
     configuration_.modules[0].top = MetricID::cpuUsage;
     configuration_.modules[0].bottom = MetricID::none;
     EXPECT_EQ(pipe2(ends_, O_CLOEXEC), 0);
     std::signal(SIGPIPE, SIG_IGN);
   }
-  ~PrintOutputTest() override {
+  ~PrintStreamTest() override {
     closeReader();
     close(ends_[1]);
   }
@@ -65,8 +65,8 @@ class PrintOutputTest : public testing::Test {
   int ends_[2] = {-1, -1};
 };
 
-TEST_F(PrintOutputTest, WritesALineAPrintWhereNoTerminalReads) {
-  PrintOutput output(descriptor(), PrintFormat::text, true, false);
+TEST_F(PrintStreamTest, WritesALineAPrintWhereNoTerminalReads) {
+  PrintStream output(descriptor(), PrintFormat::text, true, false);
   setUsage(1);
   EXPECT_EQ(output.print(report()), 0);
   setUsage(2);
@@ -75,8 +75,8 @@ TEST_F(PrintOutputTest, WritesALineAPrintWhereNoTerminalReads) {
   EXPECT_EQ(written(), "1%\n2%\n");
 }
 
-TEST_F(PrintOutputTest, WritesTheTextAsItIsOnATerminalToo) {
-  PrintOutput output(descriptor(), PrintFormat::text, true, true);
+TEST_F(PrintStreamTest, WritesTheTextAsItIsOnATerminalToo) {
+  PrintStream output(descriptor(), PrintFormat::text, true, true);
   setUsage(1);
   EXPECT_EQ(output.print(report()), 0);
   setUsage(2);
@@ -85,9 +85,9 @@ TEST_F(PrintOutputTest, WritesTheTextAsItIsOnATerminalToo) {
   EXPECT_EQ(written(), "1%\n2%\n");
 }
 
-TEST_F(PrintOutputTest, DrawsTheListAgainInPlaceOnATerminal) {
+TEST_F(PrintStreamTest, DrawsTheListAgainInPlaceOnATerminal) {
   showAlso(MetricID::upload);
-  PrintOutput output(descriptor(), PrintFormat::list, true, true);
+  PrintStream output(descriptor(), PrintFormat::list, true, true);
   setUsage(1);
   EXPECT_EQ(output.print(report()), 0);
   EXPECT_EQ(written(),
@@ -102,8 +102,8 @@ TEST_F(PrintOutputTest, DrawsTheListAgainInPlaceOnATerminal) {
   EXPECT_EQ(written(), "\n");
 }
 
-TEST_F(PrintOutputTest, DrawsAListOfOneLineInPlaceWithoutLeavingIt) {
-  PrintOutput output(descriptor(), PrintFormat::list, true, true);
+TEST_F(PrintStreamTest, DrawsAListOfOneLineInPlaceWithoutLeavingIt) {
+  PrintStream output(descriptor(), PrintFormat::list, true, true);
   setUsage(1);
   EXPECT_EQ(output.print(report()), 0);
   (void)written();
@@ -111,8 +111,8 @@ TEST_F(PrintOutputTest, DrawsAListOfOneLineInPlaceWithoutLeavingIt) {
   EXPECT_EQ(written(), "\r\x1b[2KCPU · uso total  1%\x1b[J");
 }
 
-TEST_F(PrintOutputTest, BeginsAtTheTopOfAClearedTerminalAfterAResize) {
-  PrintOutput output(descriptor(), PrintFormat::list, true, true);
+TEST_F(PrintStreamTest, BeginsAtTheTopOfAClearedTerminalAfterAResize) {
+  PrintStream output(descriptor(), PrintFormat::list, true, true);
   EXPECT_FALSE(output.resized());  // nothing is drawn yet
   setUsage(1);
   EXPECT_EQ(output.print(report()), 0);
@@ -124,28 +124,28 @@ TEST_F(PrintOutputTest, BeginsAtTheTopOfAClearedTerminalAfterAResize) {
   EXPECT_EQ(written(), "\r\x1b[2KCPU · uso total  1%\x1b[J");
 }
 
-TEST_F(PrintOutputTest, TakesNoNoticeOfAResizeWhereNothingIsDrawnInPlace) {
+TEST_F(PrintStreamTest, TakesNoNoticeOfAResizeWhereNothingIsDrawnInPlace) {
   for (const auto& [format, follow, isTerminal] : {std::tuple{PrintFormat::list, true, false},
                                                    {PrintFormat::list, false, true},
                                                    {PrintFormat::text, true, true},
                                                    {PrintFormat::json, true, true}}) {
-    PrintOutput output(descriptor(), format, follow, isTerminal);
+    PrintStream output(descriptor(), format, follow, isTerminal);
     setUsage(1);
     EXPECT_EQ(output.print(report()), 0);
     EXPECT_FALSE(output.resized());
   }
 }
 
-TEST_F(PrintOutputTest, WritesPlainLinesOfAListThatIsPrintedOnce) {
-  PrintOutput output(descriptor(), PrintFormat::list, false, true);
+TEST_F(PrintStreamTest, WritesPlainLinesOfAListThatIsPrintedOnce) {
+  PrintStream output(descriptor(), PrintFormat::list, false, true);
   setUsage(1);
   EXPECT_EQ(output.print(report()), 0);
   output.finish();
   EXPECT_EQ(written(), "CPU · uso total  1%\n");
 }
 
-TEST_F(PrintOutputTest, SeparatesTheListsInAPipeByAnEmptyLine) {
-  PrintOutput output(descriptor(), PrintFormat::list, true, false);
+TEST_F(PrintStreamTest, SeparatesTheListsInAPipeByAnEmptyLine) {
+  PrintStream output(descriptor(), PrintFormat::list, true, false);
   setUsage(1);
   EXPECT_EQ(output.print(report()), 0);
   EXPECT_EQ(output.print(report()), 0);
@@ -153,9 +153,9 @@ TEST_F(PrintOutputTest, SeparatesTheListsInAPipeByAnEmptyLine) {
   EXPECT_EQ(written(), "CPU · uso total  1%\n\nCPU · uso total  1%\n\n");
 }
 
-TEST_F(PrintOutputTest, WritesAWholeJsonDocumentForI3bar) {
+TEST_F(PrintStreamTest, WritesAWholeJsonDocumentForI3bar) {
   for (const bool follow : {false, true}) {
-    PrintOutput output(descriptor(), PrintFormat::i3bar, follow, false);
+    PrintStream output(descriptor(), PrintFormat::i3bar, follow, false);
     setUsage(1);
     EXPECT_EQ(output.print(report()), 0);
     if (follow) {
@@ -171,12 +171,12 @@ TEST_F(PrintOutputTest, WritesAWholeJsonDocumentForI3bar) {
   }
 }
 
-TEST_F(PrintOutputTest, KeepsWhatTheReaderDoesNotTakeInsteadOfWaitingForIt) {
+TEST_F(PrintStreamTest, KeepsWhatTheReaderDoesNotTakeInsteadOfWaitingForIt) {
   // A line larger than the pipe, so that it goes in pieces.
   const int room = fcntl(descriptor(), F_SETPIPE_SZ, 4096);
   ASSERT_GE(room, 4096);
   showManyModules();
-  PrintOutput output(descriptor(), PrintFormat::json, true, false);
+  PrintStream output(descriptor(), PrintFormat::json, true, false);
   ASSERT_EQ(output.print(report()), 0);
   EXPECT_TRUE(output.isBehind());
   std::string text;
@@ -188,11 +188,11 @@ TEST_F(PrintOutputTest, KeepsWhatTheReaderDoesNotTakeInsteadOfWaitingForIt) {
   EXPECT_EQ(text, PrintFormatter::jsonLine(report()) + "\n");
 }
 
-TEST_F(PrintOutputTest, WritesNothingMoreToAReaderThatIsBehind) {
+TEST_F(PrintStreamTest, WritesNothingMoreToAReaderThatIsBehind) {
   ASSERT_GE(fcntl(descriptor(), F_SETPIPE_SZ, 4096), 4096);
   // The only page of the pipe is taken.
   ASSERT_EQ(write(descriptor(), "?", 1), 1);
-  PrintOutput output(descriptor(), PrintFormat::i3bar, true, false);
+  PrintStream output(descriptor(), PrintFormat::i3bar, true, false);
   ASSERT_EQ(output.print(report()), 0);
   ASSERT_TRUE(output.isBehind());
   output.finish();
@@ -200,8 +200,8 @@ TEST_F(PrintOutputTest, WritesNothingMoreToAReaderThatIsBehind) {
   EXPECT_TRUE(output.isBehind());
 }
 
-TEST_F(PrintOutputTest, SaysWhenTheReaderIsGone) {
-  PrintOutput output(descriptor(), PrintFormat::json, true, false);
+TEST_F(PrintStreamTest, SaysWhenTheReaderIsGone) {
+  PrintStream output(descriptor(), PrintFormat::json, true, false);
   EXPECT_TRUE(output.hasReader());
   closeReader();
   EXPECT_FALSE(output.hasReader());

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/print/print_output.hpp"
+#include "app/print/print_stream.hpp"
 
 #include <poll.h>
 #include <sys/ioctl.h>
@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/print/open_metrics.hpp"
 #include "app/print/print_list.hpp"
 
 namespace vantora {
@@ -50,18 +51,18 @@ void cutToRows(std::vector<std::string>& lines, std::size_t rows) {
 
 }  // namespace
 
-int PrintOutput::print(const PrintReport& report) {
+int PrintStream::print(const PrintReport& report) {
   rest_ = next(report);
   hasPrinted_ = true;
   return catchUp();
 }
 
-bool PrintOutput::hasReader() const {
+bool PrintStream::hasReader() const {
   pollfd output{descriptor_, 0, 0};
   return poll(&output, 1, 0) != 1 || (output.revents & (POLLERR | POLLHUP)) == 0;
 }
 
-void PrintOutput::finish() {
+void PrintStream::finish() {
   if (!hasPrinted_ || isBehind()) {
     return;
   }
@@ -74,7 +75,7 @@ void PrintOutput::finish() {
   (void)catchUp();
 }
 
-std::string PrintOutput::next(const PrintReport& report) {
+std::string PrintStream::next(const PrintReport& report) {
   switch (format_) {
     case PrintFormat::json:
       return PrintFormatter::jsonLine(report) + "\n";
@@ -85,13 +86,15 @@ std::string PrintOutput::next(const PrintReport& report) {
              PrintFormatter::i3barLine(report) + (follow_ ? ",\n" : "\n");
     case PrintFormat::text:
       return PrintFormatter::textLine(report) + "\n";
+    case PrintFormat::openMetrics:
+      return OpenMetrics::text(report);
     case PrintFormat::list:
       break;
   }
   return nextList(report);
 }
 
-std::string PrintOutput::nextList(const PrintReport& report) {
+std::string PrintStream::nextList(const PrintReport& report) {
   const TerminalSize size = terminalSize(descriptor_);
   std::vector<std::string> lines =
       PrintFormatter::listLines(report, isTerminal_ ? size.columns : PrintFormatter::anyWidth);
@@ -116,16 +119,16 @@ std::string PrintOutput::nextList(const PrintReport& report) {
   return text + eraseBelow;
 }
 
-bool PrintOutput::isDrawnInPlace() const {
+bool PrintStream::isDrawnInPlace() const {
   return format_ == PrintFormat::list && isTerminal_ && follow_;
 }
 
-bool PrintOutput::resized() {
+bool PrintStream::resized() {
   isResized_ = isDrawnInPlace() && hasPrinted_;
   return isResized_;
 }
 
-int PrintOutput::catchUp() {
+int PrintStream::catchUp() {
   while (!rest_.empty()) {
     pollfd output{descriptor_, POLLOUT, 0};
     if (poll(&output, 1, 0) == 0) {
