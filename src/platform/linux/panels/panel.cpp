@@ -25,6 +25,7 @@ constexpr std::array<Panel, 6> panels{{
         .programs = {"notification-area-applet", "mate-panel"},
         .form = PictureForm::wide,
         .exactHeights = mateHeights,
+        .hasTrayToAsk = true,
     },
     {
         .name = "GNOME",

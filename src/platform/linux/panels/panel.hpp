@@ -37,6 +37,7 @@ struct Panel {
   bool readsMarkup = false;          ///< Takes the tool tip's text for Pango markup.
   bool repeatsDescription = false;   ///< Puts the accessible description beneath the tool tip.
   bool isAlwaysDark = false;         ///< Whatever colours the desktop prefers.
+  bool hasTrayToAsk = false;         ///< Its X11 tray says whether the panel is vertical.
   bool keepsTrayWindowWide = false;  ///< A window in its X11 tray, though not the item.
 };
 

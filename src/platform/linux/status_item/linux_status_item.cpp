@@ -65,10 +65,10 @@ void LinuxStatusItem::show(const StatusPresentation& presentation) {
   const bool isNewImage = presentation.image != presentation_.image;
   const bool isNewText = presentation.toolTip != presentation_.toolTip;
   presentation_ = presentation;
-  const PictureForm form = panel().form;
-  bool isNewIcon = isNewImage && form == PictureForm::wide;
+  const PictureForm shownForm = form();
+  bool isNewIcon = isNewImage && shownForm == PictureForm::wide;
   bool isNewLabel = false;
-  if (isNewImage && form != PictureForm::wide) {
+  if (isNewImage && shownForm != PictureForm::wide) {
     const SquareContent before = square_;
     const std::string label = label_;
     takeContent();
@@ -138,9 +138,9 @@ void LinuxStatusItem::colorSchemeChanged(ColorScheme scheme) {
 
 // Makes what the form needs, so that the next presentation can be compared with it.
 void LinuxStatusItem::takeContent() {
-  const PictureForm form = panel().form;
-  square_ = form == PictureForm::square ? squareContent(presentation_) : SquareContent{};
-  label_ = form == PictureForm::label ? labelText(presentation_) : std::string();
+  const PictureForm shownForm = form();
+  square_ = shownForm == PictureForm::square ? squareContent(presentation_) : SquareContent{};
+  label_ = shownForm == PictureForm::label ? labelText(presentation_) : std::string();
 }
 
 void LinuxStatusItem::watcherChanged(const StatusNotifierWatcher::State& state) {
@@ -148,6 +148,7 @@ void LinuxStatusItem::watcherChanged(const StatusNotifierWatcher::State& state) 
   const bool isNewBus = state.hasBus && !watcherState_.hasBus;
   watcherState_ = state;
   if (isNewPanel) {
+    isVertical_ = false;
     takeContent();
     item_.setHasLabel(panel().form == PictureForm::label);
   }
@@ -169,7 +170,11 @@ void LinuxStatusItem::watcherChanged(const StatusNotifierWatcher::State& state) 
   }
   // A watcher without a host shows nothing: a tray that does is kept.
   if (state.hasHost && (!state.panel->keepsTrayWindowWide || isTrayTooNarrow_)) {
-    stopTray();
+    if (state.panel->hasTrayToAsk) {
+      watchTray();
+    } else {
+      stopTray();
+    }
   }
   watcher_.setRegistering(!state.isPresent || !(isInTray() || awaitsTray()));
 
@@ -215,7 +220,8 @@ void LinuxStatusItem::useTray(DisplayThread& thread, std::string display, TrayPo
                             int scale) { return trayPicture(width, height, scale); },
           .onClick = [this](const XEmbedWindow::Click& click) { trayClicked(click); },
           .onEnter = [this](const ScreenPoint& pointer) { pointerEntered(pointer); },
-          .onLeave = [this] { pointerLeft(); }});
+          .onLeave = [this] { pointerLeft(); },
+          .onOrientation = [this](bool isVertical) { orientationChanged(isVertical); }});
 }
 
 void LinuxStatusItem::startTray() {
@@ -258,6 +264,29 @@ void LinuxStatusItem::stopTray() {
     tray_->stop();
     pointerLeft();
   }
+}
+
+void LinuxStatusItem::watchTray() {
+  if (tray_ != nullptr) {
+    tray_->watch();
+    pointerLeft();
+  }
+}
+
+void LinuxStatusItem::orientationChanged(bool isVertical) {
+  if (isVertical == isVertical_) {
+    return;
+  }
+  isVertical_ = isVertical;
+  takeContent();
+  if (isRegistered()) {
+    item_.announceIcon();
+  }
+}
+
+// A column has no room for a wide picture.
+PictureForm LinuxStatusItem::form() const {
+  return isVertical_ && panel().form == PictureForm::wide ? PictureForm::square : panel().form;
 }
 
 AlphaBitmap LinuxStatusItem::trayPicture(int width, int height, int scale) {
@@ -341,7 +370,7 @@ void LinuxStatusItem::reportStatus(StatusItemSituation situation) {
 }
 
 std::size_t LinuxStatusItem::pictureCount() const {
-  switch (panel().form) {
+  switch (form()) {
     case PictureForm::wide:
       return maxScale + panel().exactHeights.size();
     case PictureForm::label:
@@ -353,7 +382,7 @@ std::size_t LinuxStatusItem::pictureCount() const {
 }
 
 StatusNotifierContent::Picture LinuxStatusItem::picture(std::size_t index) {
-  switch (panel().form) {
+  switch (form()) {
     case PictureForm::wide: {
       const StatusImage& image = presentation_.image;
       ImageFrame frame{

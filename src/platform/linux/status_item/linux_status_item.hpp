@@ -77,6 +77,7 @@ class LinuxStatusItem final : public StatusItem,
   void colorSchemeChanged(ColorScheme scheme);
   void hostTimedOut();
   void stopTray();
+  void watchTray();
   void startTray();
   void trayIsOverdue();
   [[nodiscard]] bool awaitsTray() const;
@@ -92,6 +93,8 @@ class LinuxStatusItem final : public StatusItem,
   [[nodiscard]] bool isRegistered() const;
   void reportStatus(StatusItemSituation situation);
   [[nodiscard]] const Panel& panel() const { return *watcherState_.panel; }
+  [[nodiscard]] PictureForm form() const;
+  void orientationChanged(bool isVertical);
   void takeContent();
 
   BusConnection& connection_;
@@ -117,6 +120,7 @@ class LinuxStatusItem final : public StatusItem,
   std::unique_ptr<XEmbedWindow> tray_;
   std::optional<TrayPopups> popups_;
   TimerHandle hover_;
+  bool isVertical_ = false;       // the panel, as far as it lets itself be asked
   bool isTrayTooNarrow_ = false;  // for the panel that is there now
   bool isTrayOverdue_ = false;    // of the panel that is there now
   TimerHandle trayWait_;

@@ -31,6 +31,10 @@ struct TrayAsked {
   int scale = 1;            ///< Pixels in a point.
   bool isVertical = false;  ///< The tray arranges its icons in a column.
 };
+/// The answer to look(), for as long as nothing is docked.
+struct TraySeen {
+  bool isVertical = false;
+};
 /// The tray has taken the window in, and it is mapped.
 struct WindowEmbedded {};
 /// The tray gave the window up; it is destroyed.
@@ -54,8 +58,8 @@ struct PointerEntered {
 };
 struct PointerLeft {};
 
-using TrayEvent = std::variant<DisplayLost, TrayChanged, TrayMissing, TrayAsked, WindowEmbedded,
-                               WindowReturned, WindowResized, WindowMeasured, WindowExposed,
-                               WindowDrawn, TrayClick, PointerEntered, PointerLeft>;
+using TrayEvent = std::variant<DisplayLost, TrayChanged, TrayMissing, TrayAsked, TraySeen,
+                               WindowEmbedded, WindowReturned, WindowResized, WindowMeasured,
+                               WindowExposed, WindowDrawn, TrayClick, PointerEntered, PointerLeft>;
 
 }  // namespace vantora

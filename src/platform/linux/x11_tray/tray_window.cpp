@@ -109,6 +109,15 @@ void TrayWindow::undock() {
   pressed_.reset();
 }
 
+void TrayWindow::look() {
+  undock();
+  if (client_.findTray()) {
+    report_(TraySeen{client_.isVertical()});
+  } else {
+    report_(TrayMissing{});
+  }
+}
+
 void TrayWindow::resize(int width, int height) {
   if (client_.window() != XCB_NONE) {
     client_.setSize(width, height);

@@ -35,6 +35,8 @@ class TrayWindow {
   /// In points; a vertical tray is asked for a square. Reports TrayAsked or TrayMissing.
   void dock(double width, double height);
   void undock();
+  /// Reports TraySeen or TrayMissing, and later TrayChanged. Docks nothing.
+  void look();
   /// In pixels.
   void resize(int width, int height);
   /// Reports WindowMeasured.

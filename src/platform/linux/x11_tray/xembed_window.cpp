@@ -75,18 +75,39 @@ XEmbedWindow::~XEmbedWindow() {
 
 void XEmbedWindow::start(double width) {
   points_ = width;
-  if (link_ != nullptr) {
+  if (link_ != nullptr && !isWatching_) {
     return;
   }
-  link_ = std::make_shared<Link>(queue_, *this);
-  thread_.post([link = link_, display = display_](uv_loop_t& loop) { link->open(loop, display); });
+  isWatching_ = false;
+  open();
   state_ = State::starting;
   dock();
+}
+
+void XEmbedWindow::watch() {
+  if (isWatching_) {
+    return;
+  }
+  isWatching_ = true;
+  forgetWindow();
+  report_.reset();
+  state_ = State::absent;
+  open();
+  look();
+}
+
+void XEmbedWindow::open() {
+  if (link_ == nullptr) {
+    link_ = std::make_shared<Link>(queue_, *this);
+    thread_.post(
+        [link = link_, display = display_](uv_loop_t& loop) { link->open(loop, display); });
+  }
 }
 
 void XEmbedWindow::stop() {
   forgetWindow();
   report_.reset();
+  isWatching_ = false;
   state_ = State::absent;
   if (link_ != nullptr) {
     link_->cut();
@@ -126,6 +147,10 @@ void XEmbedWindow::dock() {
     check_.reset();
     setState(State::absent);
   });
+}
+
+void XEmbedWindow::look() const {
+  send([](TrayWindow& window) { window.look(); });
 }
 
 void XEmbedWindow::forgetWindow() {
@@ -215,15 +240,32 @@ void XEmbedWindow::on(const DisplayLost&) {
 }
 
 void XEmbedWindow::on(const TrayChanged&) {
-  dock();
+  if (isWatching_) {
+    look();
+  } else {
+    dock();
+  }
+}
+
+void XEmbedWindow::on(const TraySeen& event) {
+  if (isWatching_) {
+    callbacks_.onOrientation(event.isVertical);
+  }
 }
 
 void XEmbedWindow::on(const TrayMissing&) {
+  if (isWatching_) {
+    callbacks_.onOrientation(false);
+    return;
+  }
   forgetWindow();
   setState(State::absent);
 }
 
 void XEmbedWindow::on(const TrayAsked& event) {
+  if (isWatching_) {
+    return;  // the answer to a question from before
+  }
   forgetWindow();
   hasWindow_ = true;
   scale_ = event.scale;

@@ -46,6 +46,8 @@ class XEmbedWindow {
     /// The pointer has entered or left the window.
     std::function<void(const ScreenPoint& pointer)> onEnter;
     std::function<void()> onLeave;
+    /// While watch()ing: whether the tray arranges its icons in a column. False without a tray.
+    std::function<void(bool isVertical)> onOrientation;
   };
 
   /// A display that has not answered for this long counts as absent until it does.
@@ -59,6 +61,8 @@ class XEmbedWindow {
 
   /// Looks for a tray and docks a window, `width` points wide, now or when a tray comes.
   void start(double width);
+  /// Docks nothing, or not any longer, and follows how the tray is oriented.
+  void watch();
   /// Removes the window and closes the connection.
   void stop();
 
@@ -72,7 +76,9 @@ class XEmbedWindow {
   using Command = std::function<void(TrayWindow& window)>;
 
   void send(Command command) const;
+  void open();
   void dock();
+  void look() const;
   void forgetWindow();
   void checkSoon();
   void check();
@@ -88,6 +94,7 @@ class XEmbedWindow {
   void on(const TrayChanged& event);
   void on(const TrayMissing& event);
   void on(const TrayAsked& event);
+  void on(const TraySeen& event);
   void on(const WindowEmbedded& event);
   void on(const WindowReturned& event);
   void on(const WindowResized& event);
@@ -105,6 +112,7 @@ class XEmbedWindow {
   std::shared_ptr<Link> link_;  // between start() and stop()
   State state_ = State::absent;
   double points_ = 0;
+  bool isWatching_ = false;
   bool hasWindow_ = false;  // the tray was asked; what is reported is about our window
   bool isEmbedded_ = false;
   bool isVertical_ = false;

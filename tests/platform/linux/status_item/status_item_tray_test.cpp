@@ -137,6 +137,15 @@ class StatusItemTrayTest : public testing::Test {
   bool untilRegistered(std::size_t count = 1) {
     return until([this, count] { return panel_->items().size() == count; });
   }
+  // Width and height of the first that the panel is given.
+  std::pair<int, int> firstPicture() {
+    panel_->properties.reset();
+    panel_->ask();
+    if (!until([this] { return panel_->properties && !panel_->properties->pixmaps.empty(); })) {
+      return {0, 0};
+    }
+    return {panel_->properties->pixmaps[0].width, panel_->properties->pixmaps[0].height};
+  }
   // Lets the tray's half second go by with everything that was sent before and after it.
   void settle() {
     sync();
@@ -216,6 +225,33 @@ TEST_F(StatusItemTrayTest, StaysOnTheBusWhereThePanelShowsItWide) {
   ASSERT_TRUE(untilRegistered());
   time_.advance(Seconds{600});
   EXPECT_THAT(tray_->requests(), IsEmpty());
+}
+
+TEST_F(StatusItemTrayTest, IsASquareInAVerticalPanelWhoseTraySaysSo) {
+  startTray({.isVertical = true});
+  startPanel("mate-panel");
+  startItem();
+  ASSERT_TRUE(untilRegistered());
+  ASSERT_TRUE(until([this] { return !panel_->signals().empty(); }));
+  EXPECT_EQ(panel_->signals().back(), "NewIcon");
+  EXPECT_EQ(firstPicture(), std::pair(16, 16));
+  tray_->turn(false);
+  panel_->forgetSignals();
+  ASSERT_TRUE(until([this] { return !panel_->signals().empty(); }));
+  EXPECT_EQ(firstPicture(), std::pair(66, 22));
+  EXPECT_THAT(tray_->requests(), IsEmpty());
+}
+
+TEST_F(StatusItemTrayTest, ForgetsTheOrientationWithThePanelThatHadIt) {
+  startTray({.isVertical = true});
+  startPanel("mate-panel");
+  startItem();
+  ASSERT_TRUE(untilRegistered());
+  ASSERT_TRUE(until([this] { return !panel_->signals().empty(); }));
+  panel_.reset();
+  startPanel("waybar");
+  ASSERT_TRUE(untilRegistered());
+  EXPECT_EQ(firstPicture(), std::pair(66, 22));
 }
 
 TEST_F(StatusItemTrayTest, GoesBackToTheBusWhereTheTraySqueezesIt) {

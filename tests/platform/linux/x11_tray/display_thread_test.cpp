@@ -97,7 +97,8 @@ class DisplayThreadTest : public testing::Test {
                                     },
                                 .onClick = [](const XEmbedWindow::Click&) {},
                                 .onEnter = [](const ScreenPoint&) {},
-                                .onLeave = [] {}});
+                                .onLeave = [] {},
+                                .onOrientation = [](bool) {}});
     window_->start(40);
   }
   [[nodiscard]] AlphaBitmap picture(int width, int height) const {
@@ -175,7 +176,8 @@ TEST_F(DisplayThreadTest, AThreadThatHangsIsLeftBehind) {
                               .picture = [](int, int, int) { return AlphaBitmap(); },
                               .onClick = [](const XEmbedWindow::Click&) {},
                               .onEnter = [](const ScreenPoint&) {},
-                              .onLeave = [] {}});
+                              .onLeave = [] {},
+                              .onOrientation = [](bool) {}});
   window->start(40);
   ASSERT_TRUE(until([&] { return display.isAsked(); }));
   window.reset();

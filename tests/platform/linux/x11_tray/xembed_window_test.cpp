@@ -52,7 +52,8 @@ class XEmbedWindowTest : public testing::Test {
                 },
             .onClick = [this](const XEmbedWindow::Click& click) { clicks_.push_back(click); },
             .onEnter = [this](const ScreenPoint& pointer) { entered_.push_back(pointer); },
-            .onLeave = [this] { ++leavings_; }});
+            .onLeave = [this] { ++leavings_; },
+            .onOrientation = [this](bool isVertical) { orientations_.push_back(isVertical); }});
   }
 
   // Ink that differs from pixel to pixel.
@@ -125,6 +126,7 @@ class XEmbedWindowTest : public testing::Test {
   std::vector<XEmbedWindow::Click> clicks_;
   std::vector<ScreenPoint> entered_;
   int leavings_ = 0;
+  std::vector<bool> orientations_;
   int drawings_ = 0;
   int drawnScale_ = 0;
   std::unique_ptr<ScriptedTray> tray_;
@@ -307,6 +309,45 @@ TEST_F(XEmbedWindowTest, DocksAnewWhenTheTrayIsTurned) {
   settle();
   EXPECT_EQ(tray_->size(), std::pair(40, 24));
   EXPECT_EQ(window_->state(), State::docked);
+}
+
+TEST_F(XEmbedWindowTest, FollowsTheTraysOrientationWithoutDocking) {
+  startTray({.isVertical = true});
+  window_->watch();
+  window_->watch();
+  ASSERT_TRUE(until([this] { return !orientations_.empty(); }));
+  tray_->turn(false);
+  ASSERT_TRUE(until([this] { return orientations_.size() == 2; }));
+  tray_.reset();
+  ASSERT_TRUE(until([this] { return orientations_.size() == 3; }));
+  startTray({.isVertical = true});
+  ASSERT_TRUE(until([this] { return orientations_.size() == 4; }));
+  EXPECT_THAT(orientations_, ElementsAre(true, false, false, true));
+  EXPECT_THAT(tray_->requests(), IsEmpty());
+  EXPECT_THAT(states_, IsEmpty());
+}
+
+TEST_F(XEmbedWindowTest, LeavesTheTrayToWatchIt) {
+  startTray();
+  ASSERT_TRUE(dock());
+  window_->watch();
+  EXPECT_EQ(window_->state(), State::absent);
+  ASSERT_TRUE(until([this] { return !tray_->isThere(); }));
+  ASSERT_TRUE(until([this] { return !orientations_.empty(); }));
+  EXPECT_THAT(orientations_, ElementsAre(false));
+  time_.advance(Seconds{60});
+  sync();
+  EXPECT_EQ(tray_->requests().size(), 1U);
+}
+
+TEST_F(XEmbedWindowTest, DocksInATrayThatItWatched) {
+  startTray();
+  window_->watch();
+  ASSERT_TRUE(until([this] { return !orientations_.empty(); }));
+  ASSERT_TRUE(dock());
+  tray_->turn(true);
+  ASSERT_TRUE(until([this] { return tray_->requests().size() == 2; }));
+  EXPECT_EQ(orientations_.size(), 1U);
 }
 
 TEST_F(XEmbedWindowTest, TriesASmallerScaleInATrayThatDoesNotScale) {
