@@ -20,9 +20,12 @@ import tempfile
 import termios
 import unittest
 
+import jsonschema
 import stage
 
 PROGRAM = sys.argv.pop(1)
+SCHEMA = os.path.join(os.path.dirname(os.path.abspath(__file__)),
+                      "../../docs/vantora-print.schema.json")
 NOTICE = "Configuração inválida preservada em disco; padrão carregado."
 VALID = ('{"schemaVersion":1,"intervalSeconds":1,"modules":[],"gap":4,"horizontalPadding":3,'
          '"verticalPadding":0,"lineGap":0,"paused":false}')
@@ -78,6 +81,26 @@ class PrintTest(unittest.TestCase):
     def test_reads_the_stored_document(self):
         self.store(VALID)
         self.assertEqual(self.report()["modules"], [])
+
+    def test_prints_json_as_its_schema_says(self):
+        with open(SCHEMA, encoding="utf-8") as file:
+            schema = json.load(file)
+        jsonschema.Draft202012Validator.check_schema(schema)
+        validator = jsonschema.Draft202012Validator(schema)
+        validator.validate(self.report())  # of the defaults
+        metrics = schema["$defs"]["metric"]["enum"]
+        self.store(json.dumps(stage.configuration(
+            *((metric, "none") for metric in metrics),
+            claudeSettings=stage.CLAUDE, codexSettings=stage.CODEX)))
+        report = self.report()
+        self.assertEqual(set(report["samples"]), set(metrics) - {"none"})
+        validator.validate(report)
+        self.store("no JSON")
+        validator.validate(self.report())
+        for member in list(report):
+            self.assertFalse(validator.is_valid(
+                {name: value for name, value in report.items() if name != member}), member)
+        self.assertFalse(validator.is_valid(dict(report, more=1)))
 
     def test_tells_of_every_document_that_it_cannot_use_and_leaves_it_alone(self):
         for content in ["", "no JSON", "[" * 300000, VALID.replace('"intervalSeconds":1',
