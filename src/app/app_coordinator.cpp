@@ -101,6 +101,7 @@ void AppCoordinator::observeProviders() {
   const std::weak_ptr<AppCoordinator> weak = weak_from_this();
   parts_.codexQuota->onState = [weak](const CodexQuotaState& state) {
     if (const auto self = weak.lock()) {
+      self->parts_.log.queried(self->snapshot_.codex, state);
       self->snapshot_.codex = state;
       self->snapshotChanged();
     }
@@ -113,6 +114,7 @@ void AppCoordinator::observeProviders() {
   };
   parts_.claudeQuota->onState = [weak](const ClaudeQuotaState& state) {
     if (const auto self = weak.lock()) {
+      self->parts_.log.queried(self->snapshot_.claude, state);
       self->snapshot_.claude = state;
       self->snapshotChanged();
     }
@@ -162,6 +164,7 @@ void AppCoordinator::configurationChanged(const AppConfiguration& edited) {
 }
 
 void AppCoordinator::sampled(MetricSnapshot snapshot) {
+  parts_.log.sampled(snapshot_, snapshot);
   // Sampling never produces quota states.
   snapshot.codex = std::move(snapshot_.codex);
   snapshot.claude = std::move(snapshot_.claude);
@@ -188,6 +191,7 @@ void AppCoordinator::configureProviders(bool sleeping) {
 }
 
 void AppCoordinator::willSleep(SleepHold hold) {
+  parts_.log.info("o computador vai dormir");
   // The system may sleep once no timer is left that a rate could come from; the hold is
   // let go of where it came from, on the main thread.
   parts_.sampling->prepareForSleep([&main = parts_.mainQueue, hold = std::move(hold)]() mutable {
@@ -197,6 +201,7 @@ void AppCoordinator::willSleep(SleepHold hold) {
 }
 
 void AppCoordinator::woke() {
+  parts_.log.info("o computador acordou");
   parts_.sampling->resetAfterWake();
   configureProviders(/*sleeping=*/false);
 }
@@ -226,6 +231,9 @@ void AppCoordinator::drawStatus() {
 }
 
 void AppCoordinator::statusDrawn() {
+  if (parts_.log.writes(EventLog::Level::debug)) {
+    parts_.log.debug("desenhado: " + redraw_.presentation().accessibilityText);
+  }
   if (parts_.settingsWindow != nullptr) {
     parts_.settingsWindow->showStatus(redraw_.presentation());
   }

@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "app/event_log.hpp"
 #include "app/status_redraw.hpp"
 #include "model/configuration.hpp"
 #include "model/sample.hpp"
@@ -49,6 +50,7 @@ struct AppParts {
   std::function<void()> quit;
   /// Metrics that are read and drawn although no module of the user's shows them.
   MetricSet alwaysShown = {};
+  EventLog log = EventLog();
 };
 
 class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator> {

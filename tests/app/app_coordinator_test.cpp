@@ -229,6 +229,27 @@ TEST_F(AppCoordinatorTest, StopsBeforeSleepAndStartsAfresh) {
   EXPECT_EQ(clients.claude.size(), 2U);
 }
 
+TEST_F(AppCoordinatorTest, NotesReadingsQueriesSleepAndWake) {
+  start(withQuotas());
+  events.clear();
+  setUsage(30);
+  time.advance(Seconds{1});
+  power.onWillSleep(nullptr);
+  power.onDidWake();
+  time.runPosted();
+  EXPECT_THAT(events, testing::IsSupersetOf(
+                          {"leitura cpuUsage: valid (Mach HOST_CPU_LOAD_INFO)",
+                           "o computador vai dormir", "cotas do Codex: connecting → disabled",
+                           "o computador acordou", "cotas do Claude: disabled → connecting"}));
+  events.clear();
+  setUsage(31);
+  time.advance(Seconds{1});
+  setUsage(32);
+  time.advance(Seconds{1});
+  // The reading that came back after the wake, and then nothing more.
+  EXPECT_EQ(events.size(), 1U);
+}
+
 TEST_F(AppCoordinatorTest, HoldsTheSleepUntilSamplingHasStopped) {
   start(showing({{MetricID::cpuUsage, MetricID::none}}));
   auto hold = std::make_shared<int>();

@@ -70,7 +70,9 @@ struct AppWorld {
                                         },
                                         [] { return 0.0; }}),
          std::make_unique<FakePowerEvents>(power), hasWindow ? std::move(fakeWindow) : nullptr,
-         hasWindow ? &urlOpener : nullptr, [this] { ++quits; }, alwaysShown});
+         hasWindow ? &urlOpener : nullptr, [this] { ++quits; }, alwaysShown,
+         EventLog(EventLog::Level::info,
+                  [this](const std::string& line) { events.push_back(line); })});
   }
 
   void change(const std::function<void(AppConfiguration&)>& edit) {
@@ -101,6 +103,7 @@ struct AppWorld {
   PowerEvents::Handlers power;
   bool hasWindow = true;
   MetricSet alwaysShown;
+  std::vector<std::string> events;
   int quits = 0;
   FakeTickCounters* ticks = nullptr;
   FakeBatterySource* battery = nullptr;

@@ -33,6 +33,7 @@ int print(LinuxApplication& application, const PrintOptions& options) {
   });
   AppParts parts = application.parts(session, textEngine);
   parts.alwaysShown = PrintProgram::alwaysShown(options);
+  parts.log = PrintProgram::eventLog();
   const auto coordinator = AppCoordinator::create(std::move(parts));
   PrintProgram::tellNotice(coordinator->model().notice(), options.format);
   const TerminationSignals signals(loop.raw(), [&session] { session.stop(); });

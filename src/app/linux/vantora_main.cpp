@@ -131,6 +131,31 @@ void endBusyCursor(Worker& worker, const LaunchTokens& tokens) {
   }
 }
 
+/// Notes when the session's bus comes and goes.
+class BusEvents final : public BusConnection::Listener {
+ public:
+  BusEvents(BusConnection& bus, const EventLog& log) : bus_(bus), log_(log) { bus_.add(*this); }
+  ~BusEvents() override { bus_.remove(*this); }
+  BusEvents(const BusEvents&) = delete;
+  BusEvents& operator=(const BusEvents&) = delete;
+
+  void busConnected(sd_bus& /*bus*/) override { note(true); }
+  void busLost() override { note(false); }
+
+ private:
+  void note(bool isConnected) {
+    if (isConnected != isConnected_) {
+      isConnected_ = isConnected;
+      log_.info(isConnected ? "barramento da sessão: conectado"
+                            : "barramento da sessão: sem conexão");
+    }
+  }
+
+  BusConnection& bus_;
+  const EventLog& log_;
+  std::optional<bool> isConnected_;
+};
+
 int runAgent(LinuxApplication& application, LaunchTokens tokens) {
   UvLoop& loop = application.loop();
   // The X server may not answer, which must not hold up anything else.
@@ -139,7 +164,9 @@ int runAgent(LinuxApplication& application, LaunchTokens tokens) {
   GlyphProcess glyphs(glyphProgram(), application.clock());
   glyphs.onFailure = [](const std::string& message) { say(message); };
   GlyphTextEngine textEngine(glyphs);
+  const EventLog log = EventLog::fromEnvironment(say);
   BusConnection bus(loop.raw(), loop.queue(), {});  // the session's
+  const BusEvents busEvents(bus, log);
   ApplicationService service(bus, loop.queue(), std::move(tokens));
   service.onRival = [] {
     say("há outro em execução nesta sessão; os dois continuam até que um seja encerrado");
@@ -162,7 +189,9 @@ int runAgent(LinuxApplication& application, LaunchTokens tokens) {
   menu.onFailure = toolTip.onFailure = [](const std::string& message) { say(message); };
   OwnDisplayThread displayThread;
   DesktopNotifier notifier(bus);
-  LinuxStatusItem statusItem(bus, loop.queue(), textEngine, {},
+  LinuxStatusItem::Options itemOptions;
+  itemOptions.onDecision = [&log](const std::string& line) { log.info(line); };
+  LinuxStatusItem statusItem(bus, loop.queue(), textEngine, std::move(itemOptions),
                              [&notifier](StatusItemSituation situation) {
                                say(describe(situation));
                                if (situation == StatusItemSituation::noHost) {
@@ -185,6 +214,7 @@ int runAgent(LinuxApplication& application, LaunchTokens tokens) {
   };
   parts.settingsWindow = settingsWindow(application, parts);
   parts.urlOpener = &urlOpener;
+  parts.log = log;
   const auto coordinator = AppCoordinator::create(std::move(parts));
   service.onActivate = [weak = std::weak_ptr(coordinator)](const std::string& token) {
     const auto target = weak.lock();

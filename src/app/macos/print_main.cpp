@@ -48,6 +48,7 @@ int run(const PrintOptions& options) {
   const ResizeSignal resize(application.mainLoop(), [&session] { session.resized(); });
   AppParts parts = application.parts(session, textEngine);
   parts.alwaysShown = PrintProgram::alwaysShown(options);
+  parts.log = PrintProgram::eventLog();
   const auto coordinator = AppCoordinator::create(std::move(parts));
   PrintProgram::tellNotice(coordinator->model().notice(), options.format);
   // From the loop, so that an end in the very first print stops it.

@@ -47,6 +47,7 @@ class Agent {
       : application_(std::move(applicationSupport), [] { [NSApp terminate:nil]; }) {
     AppParts parts = application_.parts(statusItem_, textEngine_);
     parts.urlOpener = &urlOpener_;
+    parts.log = EventLog::fromEnvironment(say);
     parts.model->onSaveFailure = [](const std::string& message) { say(message); };
     parts.settingsWindow = settingsWindow(parts);
     coordinator_ = AppCoordinator::create(std::move(parts));

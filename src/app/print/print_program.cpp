@@ -53,6 +53,11 @@ MetricSet alwaysShown(const PrintOptions& options) {
   return options.format == PrintFormat::openMetrics ? OpenMetrics::allReadings() : MetricSet();
 }
 
+EventLog eventLog() {
+  return EventLog::fromEnvironment(
+      [](const std::string& line) { std::fprintf(stderr, "%s: %s\n", programName, line.c_str()); });
+}
+
 void tellNotice(const std::optional<std::string>& notice, PrintFormat format) {
   if (notice && format != PrintFormat::json) {
     std::fprintf(stderr, "%s: %s\n", programName, notice->c_str());

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 
+#include "app/event_log.hpp"
 #include "app/print/print_options.hpp"
 #include "app/print/print_output.hpp"
 #include "model/metric.hpp"
@@ -30,6 +31,9 @@ void complainOfFile(const std::string& file, const std::string& reason);
 
 /// What is read besides what the user's modules show.
 [[nodiscard]] MetricSet alwaysShown(const PrintOptions& options);
+
+/// On standard error, as the environment asks for it.
+[[nodiscard]] EventLog eventLog();
 
 /// Says on standard error what the user is to know of the configuration. Not where the
 /// format carries it.

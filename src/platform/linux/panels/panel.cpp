@@ -108,6 +108,18 @@ const Panel& panelOf(std::string_view processName) {
   return unknown;
 }
 
+std::string_view describe(PictureForm form) {
+  switch (form) {
+    case PictureForm::wide:
+      return "imagem inteira";
+    case PictureForm::label:
+      return "ícone com texto ao lado";
+    case PictureForm::square:
+      return "quadrado com um módulo";
+  }
+  return {};
+}
+
 Ink inkFor(const Panel& panel, ColorScheme scheme) {
   // Panels have a style of their own, dark more often than not. A desktop that prefers dark
   // has no light panel; one that prefers light may well have a dark panel, as Plasma has

@@ -51,6 +51,9 @@ struct Panel {
 /// /proc/PID/comm: cut to 15 bytes (proc_pid_comm(5)), with or without the line end.
 [[nodiscard]] const Panel& panelOf(std::string_view processName);
 
+/// The form in a few words of Portuguese.
+[[nodiscard]] std::string_view describe(PictureForm form);
+
 /// The ink for the panel on a desktop that prefers `scheme`.
 [[nodiscard]] Ink inkFor(const Panel& panel, ColorScheme scheme);
 

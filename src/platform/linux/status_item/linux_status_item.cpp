@@ -177,6 +177,7 @@ void LinuxStatusItem::watcherChanged(const StatusNotifierWatcher::State& state) 
     }
   }
   watcher_.setRegistering(!state.isPresent || !(isInTray() || awaitsTray()));
+  explain();
 
   if (state.hasHost || isInTray()) {
     hostTimeout_.reset();
@@ -279,6 +280,7 @@ void LinuxStatusItem::orientationChanged(bool isVertical) {
   }
   isVertical_ = isVertical;
   takeContent();
+  explain();
   if (isRegistered()) {
     item_.announceIcon();
   }
@@ -352,6 +354,27 @@ void LinuxStatusItem::openTrayMenu(const XEmbedWindow::Click& click) {
       chosen(*command);
     }
   });
+}
+
+void LinuxStatusItem::explain() {
+  std::string where = whereShown();
+  if (options_.onDecision != nullptr && where != explained_) {
+    options_.onDecision(where);
+    explained_ = std::move(where);
+  }
+}
+
+std::string LinuxStatusItem::whereShown() const {
+  if (isInTray()) {
+    return tray_->state() == XEmbedWindow::State::docked
+               ? "painel: bandeja do X11; forma: imagem inteira, em uma janela que ela mantém larga"
+               : "painel: bandeja do X11; forma: o que couber na janela";
+  }
+  if (!watcherState_.hasHost) {
+    return watcherState_.hasBus ? "painel: nenhum" : "painel: nenhum; sem barramento da sessão";
+  }
+  return "painel: " + std::string(panel().name) + "; forma: " + std::string(describe(form())) +
+         (form() != panel().form ? ", porque o painel é vertical" : "");
 }
 
 bool LinuxStatusItem::isDark() const {

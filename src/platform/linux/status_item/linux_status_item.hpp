@@ -37,6 +37,8 @@ class LinuxStatusItem final : public StatusItem,
     /// How long a session may be without a panel before that is reported: at login and when
     /// a panel restarts it takes a while.
     Seconds hostTimeout{5};
+    /// Gets a line of Portuguese whenever the item is shown elsewhere or otherwise.
+    std::function<void(const std::string& line)> onDecision;
   };
 
   struct TrayPopups {
@@ -92,6 +94,8 @@ class LinuxStatusItem final : public StatusItem,
   [[nodiscard]] bool isInTray() const;
   [[nodiscard]] bool isRegistered() const;
   void reportStatus(StatusItemSituation situation);
+  void explain();
+  [[nodiscard]] std::string whereShown() const;
   [[nodiscard]] const Panel& panel() const { return *watcherState_.panel; }
   [[nodiscard]] PictureForm form() const;
   void orientationChanged(bool isVertical);
@@ -113,6 +117,7 @@ class LinuxStatusItem final : public StatusItem,
   StatusNotifierWatcher::State watcherState_;
   ColorScheme colorScheme_ = ColorScheme::noPreference;
   std::optional<StatusItemSituation> reported_;
+  std::string explained_;
   TimerHandle hostTimeout_;
   bool hasHostTimedOut_ = false;  // since the last host or tray, or since the bus came
 

@@ -98,6 +98,7 @@ class StatusItemTrayTest : public testing::Test {
   void startItem(DisplayThread& thread) {
     LinuxStatusItem::Options options;
     options.processRoot = processRoot();
+    options.onDecision = [this](const std::string& line) { decisions_.push_back(line); };
     item_ = std::make_unique<LinuxStatusItem>(
         itemConnection_, *queue_, engine_, options,
         [this](StatusItemSituation situation) { situations_.push_back(situation); });
@@ -191,6 +192,7 @@ class StatusItemTrayTest : public testing::Test {
   FakeToolTip toolTip_;
   std::vector<StatusItemSituation> situations_;
   std::vector<std::string> did_;
+  std::vector<std::string> decisions_;
   bool isPaused_ = false;
   BusConnection panelConnection_{loop_.raw(), *queue_, bus_.address()};
   BusConnection portalConnection_{loop_.raw(), *queue_, bus_.address()};
@@ -240,6 +242,27 @@ TEST_F(StatusItemTrayTest, IsASquareInAVerticalPanelWhoseTraySaysSo) {
   ASSERT_TRUE(until([this] { return !panel_->signals().empty(); }));
   EXPECT_EQ(firstPicture(), std::pair(66, 22));
   EXPECT_THAT(tray_->requests(), IsEmpty());
+}
+
+TEST_F(StatusItemTrayTest, ExplainsWhereItIsShownAndInWhichForm) {
+  startTray({.isVertical = true});
+  startPanel("mate-panel");
+  startItem();
+  const std::string square = "quadrado com um módulo, porque o painel é vertical";
+  ASSERT_TRUE(until([&] { return !decisions_.empty() && decisions_.back().ends_with(square); }));
+  EXPECT_EQ(decisions_.back(), "painel: MATE; forma: " + square);
+  tray_->turn(false);
+  ASSERT_TRUE(until([&] { return decisions_.back() == "painel: MATE; forma: imagem inteira"; }));
+  panel_.reset();
+  ASSERT_TRUE(until([&] { return decisions_.back() == "painel: nenhum"; }));
+  startPanel(xfce);
+  ASSERT_TRUE(until([&] {
+    return decisions_.back().starts_with("painel: bandeja do X11; forma: o que couber");
+  }));
+  settle();
+  ASSERT_TRUE(until([&] {
+    return decisions_.back().starts_with("painel: bandeja do X11; forma: imagem inteira");
+  }));
 }
 
 TEST_F(StatusItemTrayTest, ForgetsTheOrientationWithThePanelThatHadIt) {
