@@ -160,7 +160,6 @@ void SettingsProcess::handle(NewConfiguration change) {
   parts_.model.setConfiguration(
       std::move(change.configuration),
       change.isRemoval ? std::optional(UndoableEdit::removal) : std::nullopt);
-  touch();
 }
 
 void SettingsProcess::handle(const StartAtLogin& request) {

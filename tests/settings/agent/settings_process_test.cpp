@@ -391,6 +391,18 @@ TEST_F(SettingsProcessTest, RaisesAnOpenWindow) {
   EXPECT_EQ(launcher_.started().size(), 1U);
 }
 
+// What the places of the executables hold changes without an event.
+TEST_F(SettingsProcessTest, TellsAnOpenWindowWhichExecutableThereIsNow) {
+  open();
+  codexExecutable_ = "/opt/codex";
+  process_->show("again");
+  time_.runPosted();
+  const auto messages = heard();
+  ASSERT_EQ(messages.size(), 2U);
+  EXPECT_EQ(std::get<StateChange>(messages[1]).fields, WindowFields{WindowField::codex});
+  EXPECT_EQ(told_.codex.executable, "/opt/codex");
+}
+
 TEST_F(SettingsProcessTest, OpensAFreshWindowAfterTheUserClosedOne) {
   open();
   exit();
