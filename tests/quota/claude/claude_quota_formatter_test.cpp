@@ -136,6 +136,8 @@ TEST(ClaudeQuotaFormatter, DropsMomentsThatHavePassed) {
   ClaudeQuotaState state = readyState();
   state.sessionResetAt = now;
   EXPECT_NEAR(nextChange(state).value(), 1740.5, 1e-6);
+  state.sessionResetAt = later(0.25);
+  EXPECT_NEAR(nextChange(state).value(), 0.75, 1e-6);
 }
 
 TEST(ClaudeQuotaFormatter, ChangesByItselfOnlyWhileAValueIsShown) {

@@ -529,6 +529,21 @@ TEST_F(SettingsProcessTest, TakesAsManyMessagesAsASliderSends) {
   EXPECT_TRUE(process_->isVisible());
 }
 
+TEST_F(SettingsProcessTest, CountsTheMessagesOfEachSecondAnew) {
+  open();
+  const std::string line = *windowLine(Intent::scrolled);
+  for (int second = 0; second < 3; ++second) {
+    time_.advance(Seconds{1});
+    for (int count = 0; count < SettingsProcess::messagesPerSecond; ++count) {
+      sayBytes(line);
+    }
+  }
+  EXPECT_TRUE(process_->isVisible());
+  time_.advance(Seconds{0.999});
+  sayBytes(line);
+  expectFailure(broken);
+}
+
 TEST_F(SettingsProcessTest, WaitsForTheRestOfALine) {
   open();
   const std::string line = *windowLine(StartAtLogin{true});
