@@ -230,8 +230,8 @@ void SettingsProcess::touch() {
 }
 
 void SettingsProcess::flush() {
-  if (!conversation_.isOpen() || !scale_ || isAwaitingAnswer_) {
-    return;
+  if (!scale_) {
+    return;  // The window has ended meanwhile, and another may have been started.
   }
   WindowState now = currentState();
   StateChange change;

@@ -147,6 +147,7 @@ TEST(ClaudeUsageParser, DropsFractionsWhereverTheyStandInADate) {
   const auto newYear = wallTimeFromUnix(1'767'225'600);
   EXPECT_EQ(dateFromISO("2026-01-01T00:00:00Z"), newYear);
   EXPECT_EQ(dateFromISO("2026-01-01T00:00:00.999999Z"), newYear);
+  EXPECT_EQ(dateFromISO("2026-01-01T00:00:00.090Z"), newYear);
   EXPECT_EQ(dateFromISO("2026-01-01T00:00:00.1.2Z"), newYear);
   EXPECT_EQ(dateFromISO("2026.7-01-01T00:00:00Z"), newYear);
   EXPECT_EQ(dateFromISO("2026-01-01T00:00:00.Z"), std::nullopt);

@@ -413,6 +413,15 @@ TEST_F(SettingsProcessTest, OpensAFreshWindowAfterTheUserClosedOne) {
   EXPECT_EQ(launcher_.started().size(), 2U);
 }
 
+TEST_F(SettingsProcessTest, SendsNothingToAWindowThatIsNotReadyYet) {
+  open();
+  process_->showStatus(presentation_);
+  process_->close();
+  process_->show("");
+  time_.runPosted();
+  EXPECT_THAT(heard(), IsEmpty());
+}
+
 TEST_F(SettingsProcessTest, ClosesWithoutAWord) {
   open();
   process_->close();

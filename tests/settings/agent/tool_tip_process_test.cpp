@@ -65,6 +65,7 @@ TEST_F(ToolTipProcessTest, IsContentWithOneThatEndsByItself) {
   show();
   exit({});
   EXPECT_THAT(failures_, IsEmpty());
+  EXPECT_TRUE(child().isTerminated()) << "with what it may have left behind";
   show();
   EXPECT_EQ(launcher_.started().size(), 2U);
 }
