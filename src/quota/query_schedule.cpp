@@ -54,10 +54,7 @@ void QuerySchedule::scheduleRetry(Seconds interval) {
 void QuerySchedule::scheduleDisplay(std::optional<Seconds> delay) {
   displayTimer_.reset();
   if (delay) {
-    displayTimer_ = queue_.runAfter(*delay, leeways_.display, [this] {
-      displayTimer_.reset();
-      onDisplayDue_();
-    });
+    displayTimer_ = queue_.runAfter(*delay, leeways_.display, onDisplayDue_);
   }
 }
 

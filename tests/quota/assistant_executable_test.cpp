@@ -66,13 +66,17 @@ TEST_F(AssistantExecutableTest, KeepsThePlaceOfALinkBesideTheFileThatItLeadsTo) 
 }
 
 TEST_F(AssistantExecutableTest, TakesTheHighestVersionThatHasTheProgram) {
-  for (const char* version : {"v9.11.2", "v20.9.0", "v20.10.0", "v22.1.0"}) {
+  // More than the folder's own order would bring into this one by chance.
+  constexpr std::array ascending{"v9.11.2",  "v20.9.0", "v20.10.0", "v20.10.1", "v20.10.12",
+                                 "v20.11.0", "v21.0.0", "v21.0.9",  "v22.0.0",  "v22.1.0"};
+  for (const char* version : ascending) {
     fs::create_directories(folder_ / "node" / version / "bin");
   }
+  fs::create_directories(folder_ / "node/v24.0.0/bin");
   const std::array places{(folder_ / "none/*/bin/codex").string(),
                           (folder_ / "node/*/bin/codex").string()};
   EXPECT_EQ(resolveAssistant(std::nullopt, places), std::nullopt);
-  for (const char* version : {"v9.11.2", "v20.9.0", "v20.10.0"}) {
+  for (const char* version : ascending) {
     const std::string program = makeExecutable(std::string("node/") + version + "/bin/codex");
     EXPECT_EQ(resolveAssistant(std::nullopt, places), found(program)) << version;
   }

@@ -45,7 +45,10 @@ class SettingsProcessTest : public test::ChildTest {
                                    return AlphaBitmap(static_cast<int>(image.width * scale),
                                                       static_cast<int>(image.height * scale));
                                  },
-                                 [this] { return codexExecutable_; },
+                                 [this] {
+                                   ++looks_;
+                                   return codexExecutable_;
+                                 },
                                  [] { return std::string("Claude Code"); }};
     return std::make_unique<SettingsProcess>(std::move(parts));
   }
@@ -98,6 +101,7 @@ class SettingsProcessTest : public test::ChildTest {
   test::VirtualWorker worker_{*queue_};
   SettingsModel model_{*queue_, worker_, ConfigurationStore(folder_.path()), loginItem_, defaults_};
   std::string codexExecutable_ = "Codex CLI não encontrado";
+  int looks_ = 0;  // for the executables
   int drawings_ = 0;
   StatusPresentation presentation_;
   std::unique_ptr<SettingsProcess> process_ = makeProcess();
@@ -182,6 +186,20 @@ TEST_F(SettingsProcessTest, SendsNoEnlargedPictureThatWouldBeTooLarge) {
   open();
   EXPECT_EQ(told_.picture.columns, 8000);
   EXPECT_FALSE(told_.picture.enlarged);
+}
+
+TEST_F(SettingsProcessTest, LooksAtTheStateOnceForSeveralChanges) {
+  open();
+  looks_ = 0;
+  for (const double gap : {7, 8, 9}) {
+    AppConfiguration configuration = model_.configuration();
+    configuration.gap = gap;
+    model_.setConfiguration(configuration);
+  }
+  time_.runPosted();
+  EXPECT_EQ(looks_, 1);
+  EXPECT_EQ(heardFields(), WindowFields{WindowField::configuration});
+  EXPECT_EQ(told_.configuration.gap, 9);
 }
 
 TEST_F(SettingsProcessTest, SendsOnlyWhatChanged) {
