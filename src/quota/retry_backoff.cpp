@@ -8,9 +8,8 @@
 namespace vantora {
 
 double systemRandomFraction() {
-  std::random_device source;
-  const std::uint64_t bits = (std::uint64_t{source()} << 32) | source();
-  return static_cast<double>(bits >> 11) * 0x1p-53;
+  static_assert(std::random_device::max() == UINT32_MAX);
+  return std::random_device{}() * 0x1p-32;
 }
 
 Seconds RetryBackoff::afterFailure(Seconds interval) {

@@ -14,7 +14,7 @@ namespace vantora {
 /// Draws a fraction, uniform in [0, 1).
 using RandomFraction = std::function<double()>;
 
-/// A fraction of 53 random bits from the system's random source. Any thread.
+/// A fraction of 32 random bits from the system's random source. Any thread.
 [[nodiscard]] double systemRandomFraction();
 
 class RetryBackoff {

@@ -68,7 +68,7 @@ TEST_F(AssistantExecutableTest, KeepsThePlaceOfALinkBesideTheFileThatItLeadsTo) 
 TEST_F(AssistantExecutableTest, TakesTheHighestVersionThatHasTheProgram) {
   // More than the folder's own order would bring into this one by chance.
   constexpr std::array ascending{"v9.11.2",  "v20.9.0", "v20.10.0", "v20.10.1", "v20.10.12",
-                                 "v20.11.0", "v21.0.0", "v21.0.9",  "v22.0.0",  "v22.1.0"};
+                                 "v20.11.0", "v21.0.0", "v21.0.9",  "v22",      "v22.1.0"};
   for (const char* version : ascending) {
     fs::create_directories(folder_ / "node" / version / "bin");
   }

@@ -606,6 +606,13 @@ TEST_F(SettingsProcessTest, EndsAWindowThatSpeaksOutOfTurn) {
   (void)heardFields();
   say(Seen{sequence_ + 1});
   expectFailure(broken);
+  open();
+  const std::uint64_t first = sequence_;
+  model_.setStartAtLogin(false);
+  time_.runPosted();
+  (void)heardFields();
+  say(Seen{first});
+  expectFailure(broken);
 }
 
 TEST_F(SettingsProcessTest, EndsAWindowThatNoLongerListens) {

@@ -143,6 +143,9 @@ TEST(SettingsProtocol, CountsAFreshReadingAsTheSameUntilItsTextChanges) {
   other.readings[0].sampledAt = WallTime();
   EXPECT_EQ(differences(one, other), WindowFields{WindowField::readings});
   other = one;
+  other.readings[1].quality = Quality::stale;
+  EXPECT_EQ(differences(one, other), WindowFields{WindowField::readings});
+  other = one;
   other.readings.pop_back();
   EXPECT_EQ(differences(one, other), WindowFields{WindowField::readings});
 }
