@@ -127,6 +127,12 @@ TEST(SettingsProtocol, RefusesReadingsThatAreNone) {
   EXPECT_FALSE(reads(changed("\"source\":\"\"", "\"source\":7")));
   EXPECT_FALSE(reads(changed("\"reason\":\"\",", "")));
   EXPECT_FALSE(reads(changed("\"sampledAt\":null", "\"sampledAt\":1e300")));
+  for (const char* latest : {"9000000000000", "-9000000000000"}) {
+    EXPECT_TRUE(reads(changed("\"sampledAt\":null", std::string("\"sampledAt\":") + latest)));
+  }
+  for (const char* beyond : {"9000000000001", "-9000000000001"}) {
+    EXPECT_FALSE(reads(changed("\"sampledAt\":null", std::string("\"sampledAt\":") + beyond)));
+  }
   EXPECT_FALSE(reads(changed("\"reason\":\"\"",
                              "\"reason\":\"" + std::string(maxReadingTextBytes + 1, 'x') + "\"")));
 }
@@ -203,6 +209,7 @@ TEST(SettingsProtocol, RefusesAPictureThatIsNotWhatItsSizesSay) {
   };
   EXPECT_TRUE(read(R"({"width":1,"scale":1,"columns":3,"rows":1,"alpha":"AAAA","warning":null})"));
   EXPECT_TRUE(read(R"({"width":0,"scale":1,"columns":0,"rows":0,"alpha":"","warning":null})"));
+  EXPECT_TRUE(read(R"({"width":1,"scale":1,"columns":16384,"rows":0,"alpha":"","warning":null})"));
   const std::string open = R"({"width":1,"scale":1,"columns":0,"rows":0,"alpha":"","warning":null)";
   const std::string block = R"({"id":"0E5AD96E-59C4-4E8F-A1F0-7C7A6C1F0001","left":1,"width":2})";
   std::string blocks = block;
