@@ -66,7 +66,7 @@ void flushFolder(const fs::path& folder) {
 
 // Where the links lead, whether there is a file or not.
 Result<fs::path> followLinks(fs::path path) {
-  for (int hop = 0; hop < maxLinks; ++hop) {
+  for (int followed = 0; followed <= maxLinks; ++followed) {
     std::error_code error;
     fs::path target = fs::read_symlink(path, error);
     if (error) {

@@ -50,6 +50,19 @@ TEST_F(FileIOTest, BringsTheContentToTheDiskBeforeItsNameAndTheNameAfterwards) {
                                         "flush " + folderName()));
 }
 
+TEST_F(FileIOTest, FollowsFortyLinksAndNoMore) {
+  fs::create_symlink("end", folder_ / "1");
+  for (int link = 2; link <= 41; ++link) {
+    fs::create_symlink(std::to_string(link - 1), folder_ / std::to_string(link));
+  }
+  EXPECT_FALSE(FileIO::replaceFile(folder_ / "40", "new", {}));
+  EXPECT_EQ(readBytes(folder_ / "end"), "new");
+  const auto fault = FileIO::replaceFile(folder_ / "41", "newer", {});
+  ASSERT_TRUE(fault);
+  EXPECT_EQ(fault->detail, systemErrorText(ELOOP));
+  EXPECT_EQ(readBytes(folder_ / "end"), "new");
+}
+
 TEST_F(FileIOTest, ReplacesTheBackupOnlyOnceTheFileIsReplaced) {
   EXPECT_FALSE(replace("one"));
   test::SystemCalls calls;

@@ -156,6 +156,7 @@ TEST_F(MenuProcessTest, SaysThatTheMenuDied) {
 
 TEST_F(MenuProcessTest, EndsAProgramThatNeverShowsItsMenu) {
   open();
+  EXPECT_EQ(queue_->lastLeeway(), Seconds{1});
   time_.advance(MenuProcess::openLimit - Seconds{0.001});
   EXPECT_THAT(failures_, IsEmpty());
   EXPECT_FALSE(child().isTerminated());

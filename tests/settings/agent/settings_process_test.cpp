@@ -474,6 +474,7 @@ TEST_F(SettingsProcessTest, SurvivesAWindowThatDies) {
 
 TEST_F(SettingsProcessTest, SurvivesAWindowThatNeverBecomesReady) {
   process_->show("");
+  EXPECT_EQ(queue_->lastLeeway(), Seconds{1});
   time_.advance(SettingsProcess::answerLimit - Seconds{0.001});
   EXPECT_TRUE(process_->isVisible());
   time_.advance(Seconds{0.001});
