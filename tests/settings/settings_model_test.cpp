@@ -98,6 +98,7 @@ TEST_F(SettingsModelTest, KeepsACorruptFileUnderANameOfItsOwnHoweverOftenItSaves
 
 TEST_F(SettingsModelTest, SavesFourTenthsOfASecondAfterTheChange) {
   padBy(9);
+  EXPECT_EQ(queue_->lastLeeway(), Seconds{0});
   time_.advance(Seconds{0.399});
   EXPECT_FALSE(isSaved());
   time_.advance(Seconds{0.001});

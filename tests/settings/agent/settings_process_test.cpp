@@ -125,6 +125,9 @@ TEST_F(SettingsProcessTest, SendsTheWholeStateOnceTheWindowIsReady) {
   snapshot.networkName = "eth0";
   snapshot.codex.message = "Cota";
   snapshot.codex.candidates = {{"a", "Alfa"}};
+  snapshot.codex.status = CodexQuotaStatus::needsAuthentication;
+  snapshot.claude.message = "Limites";
+  snapshot.claude.lastSuccess = time_.now();
   snapshot.samples.set(MetricID::batteryPercent,
                        MetricSample::unavailable("Bateria interna indisponível"));
   model_.setSnapshot(snapshot);
@@ -145,7 +148,12 @@ TEST_F(SettingsProcessTest, SendsTheWholeStateOnceTheWindowIsReady) {
   EXPECT_EQ(told_.codex.message, "Cota");
   EXPECT_EQ(told_.codex.executable, "Codex CLI não encontrado");
   EXPECT_EQ(told_.codex.candidates, snapshot.codex.candidates);
+  EXPECT_TRUE(told_.codex.needsLogin);
+  EXPECT_EQ(told_.claude.message, "Limites");
+  EXPECT_EQ(told_.claude.lastSuccess, snapshot.claude.lastSuccess);
   EXPECT_EQ(told_.claude.executable, "Claude Code");
+  EXPECT_FALSE(told_.claude.needsLogin);
+  EXPECT_EQ(told_.backupPath, folder_ / "Vantora/configuration.backup.json");
   EXPECT_EQ(told_.picture.width, 100);
   EXPECT_EQ(told_.picture.columns, 200);
   EXPECT_EQ(told_.picture.warning, "Fonte reduzida");
