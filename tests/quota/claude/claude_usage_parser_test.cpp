@@ -150,6 +150,7 @@ TEST(ClaudeUsageParser, DropsFractionsWhereverTheyStandInADate) {
   EXPECT_EQ(dateFromISO("2026-01-01T00:00:00.090Z"), newYear);
   EXPECT_EQ(dateFromISO("2026-01-01T00:00:00.1.2Z"), newYear);
   EXPECT_EQ(dateFromISO("2026.7-01-01T00:00:00Z"), newYear);
+  EXPECT_EQ(dateFromISO("2026-01-01T00:00:00Z.5"), newYear);
   EXPECT_EQ(dateFromISO("2026-01-01T00:00:00.Z"), std::nullopt);
   EXPECT_EQ(dateFromISO("2026-01-01T00:00:00.5"), std::nullopt) << "ends with the fraction";
   EXPECT_EQ(dateFromISO("2026-01-01T00:00:00Z."), std::nullopt);
