@@ -4,41 +4,20 @@
 a quota query runs.
 
     /usr/bin/python3 editing_test.py VANTORA [-v]
-
-Packages: xvfb, at-spi2-core, gir1.2-atspi-2.0, python3-gi besides those of stage.py.
 """
 
-import os
-import shutil
-import sys
-
 import stage
+import window_stage
 from stage import until
 
 
-class EditingTest(stage.StageTest):
-    def open_window(self, agent):
-        # The accessibility library looks for its buses in the environment, once.
-        os.environ.pop("AT_SPI_BUS_ADDRESS", None)
-        os.environ.update(self.environment)
-        import gi
-        gi.require_version("Atspi", "2.0")
-        from gi.repository import Atspi
-        from settings_test import Window
-        agent.click()
-        self.atspi = Atspi
-        return Window(Atspi).open()
-
+class EditingTest(window_stage.WindowTest):
     def set_width(self, window, width):
         field = window.find("spin button", lambda name: name.startswith("Largura, módulo 1 ("))
         self.atspi.Value.set_current_value(field, width)
         until("the width saved", lambda: self.saved()["modules"][0]["width"] == width)
 
     def test_a_query_goes_on_while_its_settings_stay_and_ends_with_them(self):
-        self.environment.update(NO_AT_BRIDGE="0", QT_ACCESSIBILITY="1",
-                                QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
-        self.start_display()
-        self.start_bus()
         tool = self.quota_tool("claude")
         self.configure(stage.QUOTAS[0], claudeSettings=stage.CLAUDE)
         agent = self.start_agent().wait_until_owner()
@@ -88,7 +67,4 @@ class EditingTest(stage.StageTest):
 
 
 if __name__ == "__main__":
-    if not shutil.which("Xvfb"):
-        print("Xvfb is not installed")
-        sys.exit(77)
-    stage.main()
+    window_stage.main()

@@ -18,6 +18,7 @@ import threading
 import time
 
 from stage import start_bus, start_display, until
+from window_stage import Window
 
 TIMEOUT = 20  # seconds: allows for a loaded machine
 
@@ -140,92 +141,6 @@ class Portal:
         self.bus.emit_signal(None, self.PATH, self.NAME, "SettingChanged", self.glib.Variant(
             "(ssv)", ("org.freedesktop.appearance", "color-scheme",
                       self.glib.Variant("u", scheme))))
-
-
-class Window:
-    """The settings window, through the accessibility bus."""
-
-    def __init__(self, atspi):
-        self.atspi = atspi
-        self.frame = None
-
-    def open(self):
-        def find():
-            desktop = self.atspi.get_desktop(0)
-            for index in range(desktop.get_child_count()):
-                application = desktop.get_child_at_index(index)
-                for place in range(application.get_child_count()):
-                    frame = application.get_child_at_index(place)
-                    if frame.get_name().startswith("Configurações do Vantora"):
-                        return frame
-            return None
-        self.frame = until("the window", find)
-        return self
-
-    def application(self):
-        return self.frame.get_application()
-
-    def _search(self, root, role, name):
-        if not self._is_showing(root) and root.get_role_name() != "application":
-            return None  # nothing below shows either
-        if root.get_role_name() == role and name(root.get_name()):
-            return root
-        for index in range(root.get_child_count()):
-            found = self._search(root.get_child_at_index(index), role, name)
-            if found:
-                return found
-        return None
-
-    def _is_showing(self, control):
-        return control.get_state_set().contains(self.atspi.StateType.SHOWING)
-
-    def find(self, role, name, root=None):
-        match = name if callable(name) else lambda text: text == name
-        return until(f"{role} {name}",
-                     lambda: self._search(root or self.application(), role, match))
-
-    def press(self, role, name):
-        control = self.find(role, name)
-        names = [self.atspi.Action.get_action_name(control, index)
-                 for index in range(self.atspi.Action.get_n_actions(control))]
-        wanted = next(i for i, n in enumerate(names) if n in ("Press", "Toggle"))
-        self.atspi.Action.do_action(control, wanted)
-
-    def type(self, field, text):
-        self.atspi.EditableText.set_text_contents(field, text)
-
-    def choose(self, entry):
-        """The entry of the open menu: the toolkit leads assistive tools there by focus alone."""
-        time.sleep(0.5)  # the menu takes the keyboard without a sign of it
-        for key in [0xff54] * entry + [0xff0d]:  # Down, Return
-            self.atspi.generate_keyboard_event(key, None, self.atspi.KeySynthType.SYM)
-            time.sleep(0.1)
-
-    def key(self, keysym):
-        self.atspi.generate_keyboard_event(keysym, None, self.atspi.KeySynthType.SYM)
-
-    def focus(self, control):
-        self.atspi.Component.grab_focus(control)
-        until(f"the focus on {control.get_name()}", lambda: control.get_state_set().contains(
-            self.atspi.StateType.FOCUSED))
-
-    def has_focus(self, control):
-        return control.get_state_set().contains(self.atspi.StateType.FOCUSED)
-
-    def place(self):
-        place = self.atspi.Component.get_extents(self.frame, self.atspi.CoordType.SCREEN)
-        return place.x, place.y, place.width, place.height
-
-    def ground(self):
-        """How light the window's ground is, from 0 to 255."""
-        x, y, _width, height = self.place()
-        pixel = subprocess.run(
-            ["import", "-window", "root", "-crop", f"1x1+{x + 3}+{y + height - 3}", "-depth", "8",
-             "gray:-"], capture_output=True, check=True).stdout
-        return pixel[0]
-
-    def tab(self, name):
-        self.atspi.Action.do_action(self.find("page tab", name), 0)  # its only one, "Press"
 
 
 def main():

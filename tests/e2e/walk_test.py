@@ -5,34 +5,16 @@
 Walks the whole settings window of the real agent through the accessibility bus, tab by tab,
 as a screen reader does, and prints the role, name, value and description of everything that
 shows. Fails where a control has no name, where the preview says nothing, or where the modules
-do not come in their order. Packages: xvfb, dbus-daemon, at-spi2-core, gir1.2-atspi-2.0,
-python3-gi.
+do not come in their order.
 """
-import os
-import shutil
-import sys
-
-import stage
-from stage import until
+import window_stage
 
 TABS = ["Módulos", "Aparência", "Coleta", "Codex semanal", "Claude", "Geral"]
 CONTROLS = {"push button", "check box", "combo box", "spin button", "text", "page tab",
             "radio button", "toggle button"}
 
 
-class WalkTest(stage.StageTest):
-    def open_window(self, agent):
-        # The accessibility library looks for its buses in the environment, once.
-        os.environ.pop("AT_SPI_BUS_ADDRESS", None)
-        os.environ.update(self.environment)
-        import gi
-        gi.require_version("Atspi", "2.0")
-        from gi.repository import Atspi
-        from settings_test import Window
-        agent.click()
-        self.atspi = Atspi
-        return Window(Atspi).open()
-
+class WalkTest(window_stage.WindowTest):
     def value(self, node):
         if node.get_value_iface() is not None:
             return f"{self.atspi.Value.get_current_value(node):g}"
@@ -63,10 +45,6 @@ class WalkTest(stage.StageTest):
                                 f"a {role} on the tab {tab} has no name")
 
     def test_everything_that_shows_can_be_read(self):
-        self.environment.update(NO_AT_BRIDGE="0", QT_ACCESSIBILITY="1",
-                                QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
-        self.start_display()
-        self.start_bus()
         self.configure(("batteryPercent", "batteryTime"), ("upload", "download"),
                        ("cpuUsage", "cpuTemperature"))
         agent = self.start_agent().wait_until_owner()
@@ -97,7 +75,4 @@ class WalkTest(stage.StageTest):
 
 
 if __name__ == "__main__":
-    if not shutil.which("Xvfb"):
-        print("Xvfb is not installed")
-        sys.exit(77)
-    stage.main()
+    window_stage.main()
