@@ -45,19 +45,7 @@ std::optional<ModuleConfiguration> toModule(const Json& value) {
 }
 
 std::optional<std::vector<ModuleConfiguration>> toModules(const Json& value) {
-  if (!value.isArray()) {
-    return std::nullopt;
-  }
-  std::vector<ModuleConfiguration> modules;
-  modules.reserve(value.size());
-  for (const Json& element : value) {
-    auto module = toModule(element);
-    if (!module) {
-      return std::nullopt;
-    }
-    modules.push_back(*module);
-  }
-  return modules;
+  return asList(value, toModule);
 }
 
 std::optional<CodexQuotaSettings> toCodexSettings(const Json& value) {

@@ -4,10 +4,33 @@
 #include <optional>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "model/json.hpp"
 
 namespace vantora {
+
+/// The elements of a JSON array, each read by `toElement`, which takes a Json and returns an
+/// optional. Nothing where the value is no array or one of its elements does not fit.
+template <typename Convert>
+auto asList(const Json& value, Convert toElement) {
+  using Element = typename decltype(toElement(value))::value_type;
+  std::optional<std::vector<Element>> list;
+  if (!value.isArray()) {
+    return list;
+  }
+  list.emplace();
+  list->reserve(value.size());
+  for (const Json& entry : value) {
+    auto element = toElement(entry);
+    if (!element) {
+      list.reset();
+      break;
+    }
+    list->push_back(*std::move(element));
+  }
+  return list;
+}
 
 /// Reads the members of one JSON object into variables. `convert` takes a Json and returns
 /// an optional. The first member that does not fit, or an `object` that is none, spoils

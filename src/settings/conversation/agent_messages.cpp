@@ -148,42 +148,30 @@ std::optional<std::vector<std::uint8_t>> toAlpha(const Json& value) {
   return text ? Base64::decode(*text) : std::nullopt;
 }
 
+std::optional<CodexQuotaCandidate> toCandidate(const Json& value) {
+  CodexQuotaCandidate candidate;
+  ObjectReader reader(value);
+  reader.required("id", candidate.id, asText);
+  reader.nullable("name", candidate.name, asText);
+  return reader.isGood() ? std::optional(std::move(candidate)) : std::nullopt;
+}
+
 std::optional<std::vector<CodexQuotaCandidate>> toCandidates(const Json& value) {
-  if (!value.isArray()) {
-    return std::nullopt;
-  }
-  std::vector<CodexQuotaCandidate> candidates;
-  for (const Json& entry : value) {
-    CodexQuotaCandidate candidate;
-    ObjectReader reader(entry);
-    reader.required("id", candidate.id, asText);
-    reader.nullable("name", candidate.name, asText);
-    if (!reader.isGood()) {
-      return std::nullopt;
-    }
-    candidates.push_back(std::move(candidate));
-  }
-  return candidates;
+  return asList(value, toCandidate);
+}
+
+std::optional<NetworkLink> toLink(const Json& value) {
+  NetworkLink link;
+  ObjectReader reader(value);
+  reader.required("name", link.name, asText);
+  reader.required("isPhysical", link.isPhysical, asBool);
+  reader.required("isUp", link.isUp, asBool);
+  reader.required("isAddressed", link.isAddressed, asBool);
+  return reader.isGood() ? std::optional(std::move(link)) : std::nullopt;
 }
 
 std::optional<std::vector<NetworkLink>> toLinks(const Json& value) {
-  if (!value.isArray()) {
-    return std::nullopt;
-  }
-  std::vector<NetworkLink> links;
-  for (const Json& entry : value) {
-    NetworkLink link;
-    ObjectReader reader(entry);
-    reader.required("name", link.name, asText);
-    reader.required("isPhysical", link.isPhysical, asBool);
-    reader.required("isUp", link.isUp, asBool);
-    reader.required("isAddressed", link.isAddressed, asBool);
-    if (!reader.isGood()) {
-      return std::nullopt;
-    }
-    links.push_back(std::move(link));
-  }
-  return links;
+  return asList(value, toLink);
 }
 
 std::optional<QuotaSummary> toSummary(const Json& value) {
@@ -202,23 +190,20 @@ std::optional<UUID> toUUID(const Json& value) {
   return text ? UUID::parse(*text) : std::nullopt;
 }
 
+std::optional<PictureBlock> toBlock(const Json& value) {
+  PictureBlock block;
+  ObjectReader reader(value);
+  reader.required("id", block.id, toUUID);
+  reader.required("left", block.left, toLength);
+  reader.required("width", block.width, toLength);
+  return reader.isGood() ? std::optional(block) : std::nullopt;
+}
+
 std::optional<std::vector<PictureBlock>> toBlocks(const Json& value) {
-  if (!value.isArray() || value.size() > ConfigurationLimits::modules) {
+  if (value.isArray() && value.size() > ConfigurationLimits::modules) {
     return std::nullopt;
   }
-  std::vector<PictureBlock> blocks;
-  for (const Json& entry : value) {
-    PictureBlock block;
-    ObjectReader reader(entry);
-    reader.required("id", block.id, toUUID);
-    reader.required("left", block.left, toLength);
-    reader.required("width", block.width, toLength);
-    if (!reader.isGood()) {
-      return std::nullopt;
-    }
-    blocks.push_back(block);
-  }
-  return blocks;
+  return asList(value, toBlock);
 }
 
 template <typename Ink>
@@ -307,26 +292,30 @@ std::optional<std::string> toReadingText(const Json& value) {
   return text && text->size() <= maxReadingTextBytes ? std::move(text) : std::nullopt;
 }
 
+std::optional<MetricReading> toReading(const Json& value) {
+  MetricReading reading;
+  ObjectReader reader(value);
+  reader.required("metric", reading.metric, toMetric);
+  reader.required("text", reading.text, toReadingText);
+  reader.required("quality", reading.quality, toQuality);
+  reader.required("source", reading.source, toReadingText);
+  reader.required("reason", reading.reason, toReadingText);
+  reader.nullable("sampledAt", reading.sampledAt, toTime);
+  return reader.isGood() ? std::optional(std::move(reading)) : std::nullopt;
+}
+
+// Of each metric one.
 std::optional<std::vector<MetricReading>> toReadings(const Json& value) {
-  if (!value.isArray()) {
+  auto readings = asList(value, toReading);
+  if (!readings) {
     return std::nullopt;
   }
-  std::vector<MetricReading> readings;
-  MetricSet seen;
-  for (const Json& entry : value) {
-    MetricReading reading;
-    ObjectReader reader(entry);
-    reader.required("metric", reading.metric, toMetric);
-    reader.required("text", reading.text, toReadingText);
-    reader.required("quality", reading.quality, toQuality);
-    reader.required("source", reading.source, toReadingText);
-    reader.required("reason", reading.reason, toReadingText);
-    reader.nullable("sampledAt", reading.sampledAt, toTime);
-    if (!reader.isGood() || seen.contains(reading.metric)) {
+  MetricSet metrics;
+  for (const MetricReading& reading : *readings) {
+    if (metrics.contains(reading.metric)) {
       return std::nullopt;
     }
-    seen.insert(reading.metric);
-    readings.push_back(std::move(reading));
+    metrics.insert(reading.metric);
   }
   return readings;
 }
