@@ -12,30 +12,17 @@ namespace {
 constexpr const char* pausedText = "Coleta pausada";
 constexpr const char* waitingText = "Aguardando amostra";
 
-Quality qualityOf(CodexQuotaStatus status) {
+// Of either provider's status.
+template <typename Status>
+Quality qualityOf(Status status) {
   switch (status) {
-    case CodexQuotaStatus::ready:
+    case Status::ready:
       return Quality::valid;
-    case CodexQuotaStatus::stale:
+    case Status::stale:
       return Quality::stale;
-    case CodexQuotaStatus::connecting:
+    case Status::connecting:
       return Quality::waiting;
-    case CodexQuotaStatus::error:
-      return Quality::temporaryError;
-    default:
-      return Quality::unavailable;
-  }
-}
-
-Quality qualityOf(ClaudeQuotaStatus status) {
-  switch (status) {
-    case ClaudeQuotaStatus::ready:
-      return Quality::valid;
-    case ClaudeQuotaStatus::stale:
-      return Quality::stale;
-    case ClaudeQuotaStatus::connecting:
-      return Quality::waiting;
-    case ClaudeQuotaStatus::error:
+    case Status::error:
       return Quality::temporaryError;
     default:
       return Quality::unavailable;
