@@ -7,14 +7,12 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QTest>
-#include <cstdlib>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "settings/agent/menu_process.hpp"
+#include "settings/program_test.hpp"
 #include "settings/toolkit/color_scheme.hpp"
-#include "support/real_processes.hpp"
 
 namespace vantora {
 namespace {
@@ -132,34 +130,12 @@ TEST_F(MenuProgramTest, EndsWithAFaultOverALineWithoutAnEnd) {
   EXPECT_THAT(ends_, ElementsAre(1));
 }
 
-// The real program on the other side of real pipes.
-class MenuProgramProcess : public testing::Test {
- protected:
-  MenuProgramProcess() { ::setenv("QT_QPA_PLATFORM", "offscreen", 1); }
-  std::unique_ptr<ChildProcess> start() {
-    ChildProcessOptions options;
-    options.executable = VANTORA_SETTINGS;
-    options.arguments = {argument};
-    ChildProcessEvents events;
-    events.onOutput = [this](std::string_view bytes) { output_ += bytes; };
-    events.onExit = [this](ChildExit exit) { exit_ = exit; };
-    auto child = processes_.launcher().start(options, std::move(events));
-    EXPECT_TRUE(child);
-    return std::move(child).value();
-  }
-  void runUntilExit() {
-    processes_.runUntil([this] { return exit_.has_value(); });
-  }
-
-  test::RealProcesses processes_;
-  std::string output_;
-  std::optional<ChildExit> exit_;
-};
+using MenuProgramProcess = test::ProgramTest;
 
 TEST_F(MenuProgramProcess, ShowsItsMenuAndEndsWithItsInput) {
-  const auto child = start();
+  const auto child = startWith(argument);
   ASSERT_TRUE(child->write(menuLine(content)));
-  processes_.runUntil([this] { return output_.ends_with('\n'); });
+  runUntilLine();
   EXPECT_EQ(output_, answerLine(Shown{}));
   child->closeInput();
   runUntilExit();
@@ -168,14 +144,14 @@ TEST_F(MenuProgramProcess, ShowsItsMenuAndEndsWithItsInput) {
 }
 
 TEST_F(MenuProgramProcess, EndsWithItsInputBeforeItEverShowedAnything) {
-  const auto child = start();
+  const auto child = startWith(argument);
   child->closeInput();
   runUntilExit();
   EXPECT_EQ(exit_, ChildExit{});
 }
 
 TEST_F(MenuProgramProcess, EndsWithAFaultOverALineThatIsNoMenu) {
-  const auto child = start();
+  const auto child = startWith(argument);
   ASSERT_TRUE(child->write("garbage\n"));
   runUntilExit();
   EXPECT_EQ(exit_, (ChildExit{1, 0}));

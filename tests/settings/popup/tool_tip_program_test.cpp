@@ -6,14 +6,12 @@
 
 #include <QApplication>
 #include <QToolTip>
-#include <cstdlib>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "settings/agent/tool_tip_process.hpp"
+#include "settings/program_test.hpp"
 #include "settings/toolkit/color_scheme.hpp"
-#include "support/real_processes.hpp"
 
 namespace vantora {
 namespace {
@@ -68,30 +66,10 @@ TEST_F(ToolTipProgramTest, EndsWithAFaultOverALineWithoutAnEnd) {
   EXPECT_THAT(ends_, ElementsAre(1));
 }
 
-// The real program on the other side of real pipes.
-class ToolTipProgramProcess : public testing::Test {
- protected:
-  ToolTipProgramProcess() { ::setenv("QT_QPA_PLATFORM", "offscreen", 1); }
-  std::unique_ptr<ChildProcess> start() {
-    ChildProcessOptions options;
-    options.executable = VANTORA_SETTINGS;
-    options.arguments = {toolTipArgument};
-    ChildProcessEvents events;
-    events.onExit = [this](ChildExit exit) { exit_ = exit; };
-    auto child = processes_.launcher().start(options, std::move(events));
-    EXPECT_TRUE(child);
-    return std::move(child).value();
-  }
-  void runUntilExit() {
-    processes_.runUntil([this] { return exit_.has_value(); });
-  }
-
-  test::RealProcesses processes_;
-  std::optional<ChildExit> exit_;
-};
+using ToolTipProgramProcess = test::ProgramTest;
 
 TEST_F(ToolTipProgramProcess, EndsWithItsInput) {
-  const auto child = start();
+  const auto child = startWith(toolTipArgument);
   ASSERT_TRUE(child->write(toolTipLine(content)));
   child->closeInput();
   runUntilExit();
@@ -99,7 +77,7 @@ TEST_F(ToolTipProgramProcess, EndsWithItsInput) {
 }
 
 TEST_F(ToolTipProgramProcess, EndsWithAFaultOverALineThatIsNoToolTip) {
-  const auto child = start();
+  const auto child = startWith(toolTipArgument);
   ASSERT_TRUE(child->write("garbage\n"));
   runUntilExit();
   EXPECT_EQ(exit_, (ChildExit{1, 0}));

@@ -4,13 +4,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <optional>
-
 #include "runtime/system_clock.hpp"
 #include "settings/agent/settings_process.hpp"
+#include "settings/program_test.hpp"
 #include "support/fake_settings_ports.hpp"
-#include "support/real_processes.hpp"
 #include "support/temporary_folder.hpp"
 #include "support/virtual_worker.hpp"
 
@@ -20,46 +17,31 @@ namespace {
 using namespace SettingsProtocol;
 using testing::IsEmpty;
 
-class WindowProcessTest : public testing::Test {
+class WindowProcessTest : public test::ProgramTest {
  protected:
   WindowProcessTest() {
-    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
     // No desktop's theme, whichever plug-ins are installed: the portal's leaks its question
     // in a program that ends before the answer, which the leak sanitizer counts as ours.
     ::setenv("QT_QPA_PLATFORMTHEME", "none", 1);
     ::setenv("XDG_CONFIG_HOME", folder_.path().c_str(), 1);
   }
-  // Starts the program on its own, with the test as its agent.
-  std::unique_ptr<ChildProcess> start() {
+  // With the test as its agent.
+  std::unique_ptr<ChildProcess> startWindow() {
     auto child = start({VANTORA_SETTINGS, {}, {}, {}});
-    processes_.runUntil([this] { return output_.ends_with('\n'); });
+    runUntilLine();
     const auto first = readWindowLine(output_);
     EXPECT_TRUE(first && std::holds_alternative<Ready>(*first)) << output_;
     output_.clear();
     return child;
   }
-  std::unique_ptr<ChildProcess> start(const ChildProcessOptions& options) {
-    ChildProcessEvents events;
-    events.onOutput = [this](std::string_view bytes) { output_ += bytes; };
-    events.onExit = [this](ChildExit exit) { exit_ = exit; };
-    auto child = processes_.launcher().start(options, std::move(events));
-    EXPECT_TRUE(child);
-    return std::move(child).value();
-  }
-  void runUntilExit() {
-    processes_.runUntil([this] { return exit_.has_value(); });
-  }
 
   test::TemporaryFolder folder_;
-  test::RealProcesses processes_;
-  std::string output_;
-  std::optional<ChildExit> exit_;
 };
 
 TEST_F(WindowProcessTest, AnswersTheStateAndEndsWithItsInput) {
-  const auto child = start();
+  const auto child = startWindow();
   ASSERT_TRUE(child->write(stateLine({}, {41, 0, allWindowFields})));
-  processes_.runUntil([this] { return output_.ends_with('\n'); });
+  runUntilLine();
   const auto answer = readWindowLine(output_);
   ASSERT_TRUE(answer && std::holds_alternative<Seen>(*answer)) << output_;
   EXPECT_EQ(std::get<Seen>(*answer).sequence, 41U);
@@ -72,9 +54,9 @@ TEST_F(WindowProcessTest, AnswersTheStateAndEndsWithItsInput) {
 TEST_F(WindowProcessTest, OpensWithTheTabWhereTheLastOneEnded) {
   std::filesystem::create_directories(folder_ / "Vantora");
   test::writeBytes(folder_ / "Vantora/settings-window.ini", "[General]\ntab=4\n");
-  const auto child = start();
+  const auto child = startWindow();
   ASSERT_TRUE(child->write(stateLine({}, {1, 0, allWindowFields})));
-  processes_.runUntil([this] { return output_.ends_with('\n'); });
+  runUntilLine();
   child->closeInput();
   runUntilExit();
   const std::string kept = test::readBytes(folder_ / "Vantora/settings-window.ini");
@@ -83,7 +65,7 @@ TEST_F(WindowProcessTest, OpensWithTheTabWhereTheLastOneEnded) {
 }
 
 TEST_F(WindowProcessTest, EndsWithItsInputBeforeItEverShowedAnything) {
-  const auto child = start();
+  const auto child = startWindow();
   child->closeInput();
   runUntilExit();
   EXPECT_EQ(exit_, ChildExit{});
@@ -107,7 +89,7 @@ TEST_F(WindowProcessTest, EndsWithItsInputWhereItHasNoOutputAtAll) {
 }
 
 TEST_F(WindowProcessTest, EndsWithAFaultOverALineThatIsNoMessage) {
-  const auto child = start();
+  const auto child = startWindow();
   ASSERT_TRUE(child->write("garbage\n"));
   runUntilExit();
   EXPECT_EQ(exit_, (ChildExit{1, 0}));
