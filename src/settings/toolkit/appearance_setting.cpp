@@ -22,20 +22,52 @@ const QString& interface() {
   static const QString name = QStringLiteral("org.freedesktop.portal.Settings");
   return name;
 }
-const QString& place() {
-  static const QString name = QStringLiteral("org.freedesktop.appearance");
-  return name;
+constexpr const char* appearance = "org.freedesktop.appearance";
+
+// One of the numbers that the portal's interface defines: 0 is no preference.
+std::optional<uint> choice(const QVariant& value, uint most) {
+  const bool isDefined = value.typeId() == QMetaType::UInt && value.toUInt() <= most;
+  return isDefined ? std::optional(value.toUInt()) : std::nullopt;
+}
+
+std::optional<Colors> schemeColors(const QVariant& value) {
+  const auto scheme = choice(value, 2);  // 1 dark, 2 light
+  return scheme ? std::optional(Colors{*scheme == 1, false}) : std::nullopt;
+}
+
+std::optional<Colors> contrastColors(const QVariant& value) {
+  const auto contrast = choice(value, 1);  // 1 higher contrast
+  return contrast ? std::optional(Colors{false, *contrast == 1}) : std::nullopt;
+}
+
+std::optional<Colors> switchColors(const QVariant& value) {
+  const bool isSwitch = value.typeId() == QMetaType::Bool;
+  return isSwitch ? std::optional(Colors{false, value.toBool()}) : std::nullopt;
+}
+
+std::optional<Colors> themeColors(const QVariant& value) {
+  const bool isName = value.typeId() == QMetaType::QString;
+  return isName ? std::optional(colorsOfTheme(value.toString().toStdString())) : std::nullopt;
 }
 
 }  // namespace
 
-AppearanceSetting::AppearanceSetting(QDBusConnection bus, Key key,
-                                     std::function<void(uint)> onValue, QObject* parent)
-    : QObject(parent), bus_(std::move(bus)), key_(key), onValue_(std::move(onValue)) {
+const AppearanceSetting::Key AppearanceSetting::colorScheme{appearance, "color-scheme",
+                                                            schemeColors};
+const AppearanceSetting::Key AppearanceSetting::contrast{appearance, "contrast", contrastColors};
+const AppearanceSetting::Key AppearanceSetting::gnomeHighContrast{
+    "org.gnome.desktop.a11y.interface", "high-contrast", switchColors};
+const AppearanceSetting::Key AppearanceSetting::gtkTheme{"org.gnome.desktop.interface", "gtk-theme",
+                                                         themeColors};
+
+AppearanceSetting::AppearanceSetting(QDBusConnection bus, const Key& key,
+                                     std::function<void(Colors)> onColors, QObject* parent)
+    : QObject(parent), bus_(std::move(bus)), key_(key), onColors_(std::move(onColors)) {
   // The bus itself picks the one setting out, so that no other wakes the program. Before the
   // question: a change in between is reported after the answer.
   bus_.connect(service(), path(), interface(), QStringLiteral("SettingChanged"),
-               {place(), QLatin1String(key_.name)}, QString(), this, SLOT(changed(QDBusMessage)));
+               {QLatin1String(key_.place), QLatin1String(key_.name)}, QString(), this,
+               SLOT(changed(QDBusMessage)));
   read();
 }
 
@@ -46,7 +78,7 @@ void AppearanceSetting::changed(const QDBusMessage& signal) {
 void AppearanceSetting::read() {
   QDBusMessage question =
       QDBusMessage::createMethodCall(service(), path(), interface(), QStringLiteral("Read"));
-  question << place() << QString(QLatin1String(key_.name));
+  question << QString(QLatin1String(key_.place)) << QString(QLatin1String(key_.name));
   auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(question), this);
   QObject::connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
     const QDBusPendingReply<QDBusVariant> reply = *watcher;
@@ -62,8 +94,8 @@ void AppearanceSetting::take(QVariant value) const {
   while (value.canConvert<QDBusVariant>()) {
     value = value.value<QDBusVariant>().variant();
   }
-  if (value.typeId() == QMetaType::UInt && value.toUInt() <= key_.maxValue) {
-    onValue_(value.toUInt());
+  if (const auto colors = key_.colors(value)) {
+    onColors_(*colors);
   }
 }
 

@@ -5,29 +5,35 @@
 #include <QDBusMessage>
 #include <QObject>
 #include <functional>
+#include <optional>
+
+#include "settings/toolkit/color_scheme.hpp"
 
 namespace vantora {
 
 /// One of the desktop's choices about appearance as its portal reports it: now and at every
-/// change (org.freedesktop.portal.Settings, "org.freedesktop.appearance"). Blocks for no
-/// answer; without a portal it stays silent. Main thread.
+/// change (org.freedesktop.portal.Settings). Blocks for no answer; without a portal it stays
+/// silent. Main thread.
 class AppearanceSetting final : public QObject {
   Q_OBJECT
 
  public:
-  /// What the portal's interface defines: the setting and its greatest value.
+  /// A setting and what it asks for; nothing for a value that is not defined.
   struct Key {
+    const char* place;
     const char* name;
-    uint maxValue;
+    std::optional<Colors> (*colors)(const QVariant& value);
   };
-  /// 0 no preference, 1 dark, 2 light.
-  static constexpr Key colorScheme{"color-scheme", 2};
-  /// 0 no preference, 1 higher contrast.
-  static constexpr Key contrast{"contrast", 1};
+  static const Key colorScheme;
+  static const Key contrast;
+  /// Where the portal does not know `contrast` yet: GNOME's own switch, and the name of the theme,
+  /// which such portals hand through.
+  static const Key gnomeHighContrast;
+  static const Key gtkTheme;
 
-  /// `onValue` is called once the portal has answered and whenever it reports a change, with a
-  /// value that may be the same again. A value that the interface does not define is ignored.
-  AppearanceSetting(QDBusConnection bus, Key key, std::function<void(uint value)> onValue,
+  /// `onColors` is called once the portal has answered and whenever it reports a change, with
+  /// colours that may be the same again. A value that is not defined is ignored.
+  AppearanceSetting(QDBusConnection bus, const Key& key, std::function<void(Colors)> onColors,
                     QObject* parent);
 
  private slots:
@@ -38,8 +44,8 @@ class AppearanceSetting final : public QObject {
   void take(QVariant value) const;
 
   QDBusConnection bus_;
-  Key key_;
-  std::function<void(uint)> onValue_;
+  const Key& key_;
+  std::function<void(Colors)> onColors_;
 };
 
 }  // namespace vantora

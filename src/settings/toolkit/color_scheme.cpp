@@ -58,6 +58,11 @@ QPalette paletteOf(Colors colors) {
 
 }  // namespace
 
+Colors colorsOfTheme(std::string_view name) {
+  const bool isHighContrast = name.starts_with("HighContrast") || name.starts_with("ContrastHigh");
+  return {isHighContrast && name.ends_with("Inverse"), isHighContrast};
+}
+
 bool looksDark() {
   const QPalette palette = QApplication::palette();
   return palette.color(QPalette::Window).lightness() <

@@ -39,7 +39,7 @@ class Portal final : public QDBusVirtualObject {
     if (call.member() != QStringLiteral("Read")) {
       return false;
     }
-    const bool isKnown = answer && call.arguments() == QVariantList{appearance, colorScheme};
+    const bool isKnown = answer && call.arguments() == QVariantList{place, key};
     // As the portal answers: a variant in a variant.
     const auto inner = QVariant::fromValue(QDBusVariant(answer.value_or(QVariant())));
     return bus.send(isKnown
@@ -47,18 +47,25 @@ class Portal final : public QDBusVirtualObject {
                         : call.createErrorReply(
                               QStringLiteral("org.freedesktop.portal.Error.NotFound"), QString()));
   }
-  void tell(const QString& settings, const QString& key, const QVariant& value) {
+  void tell(const QString& settings, const QString& setting, const QVariant& value) {
     QDBusMessage signal =
         QDBusMessage::createSignal(portalPath, portalInterface, QStringLiteral("SettingChanged"));
-    signal << settings << key << QVariant::fromValue(QDBusVariant(value));
+    signal << settings << setting << QVariant::fromValue(QDBusVariant(value));
     EXPECT_TRUE(bus_.send(signal));
   }
 
   std::optional<QVariant> answer;  // Nothing: it does not know the setting.
+  QString place = appearance;
+  QString key = colorScheme;
 
  private:
   QDBusConnection bus_;
 };
+
+constexpr Colors usual{false, false};
+constexpr Colors dark{true, false};
+constexpr Colors contrasting{false, true};
+constexpr Colors contrastingDark{true, true};
 
 class AppearanceSettingTest : public testing::Test {
  protected:
@@ -66,10 +73,10 @@ class AppearanceSettingTest : public testing::Test {
     follower_.reset();
     QDBusConnection::disconnectFromBus(QStringLiteral("window"));
   }
-  void follow() {
+  void follow(const AppearanceSetting::Key& key = AppearanceSetting::colorScheme) {
     follower_.emplace(
-        QDBusConnection::connectToBus(address_, QStringLiteral("window")),
-        AppearanceSetting::colorScheme, [this](uint value) { seen_.push_back(value); }, nullptr);
+        QDBusConnection::connectToBus(address_, QStringLiteral("window")), key,
+        [this](Colors colors) { seen_.push_back(colors); }, nullptr);
   }
   // Whether `count` choices were told; after time for more when none more are due.
   bool sees(std::size_t count) {
@@ -80,7 +87,7 @@ class AppearanceSettingTest : public testing::Test {
   test::PrivateBus bus_;
   const QString address_ = QString::fromStdString(bus_.address());
   Portal portal_{address_};
-  std::vector<uint> seen_;
+  std::vector<Colors> seen_;
   std::optional<AppearanceSetting> follower_;
 };
 
@@ -88,7 +95,7 @@ TEST_F(AppearanceSettingTest, ReportsTheDesktopsChoiceAtTheStart) {
   portal_.answer = 1U;
   follow();
   EXPECT_TRUE(sees(1));
-  EXPECT_EQ(seen_.back(), 1U);
+  EXPECT_EQ(seen_.back(), dark);
 }
 
 TEST_F(AppearanceSettingTest, TellsEachOfTheChoices) {
@@ -97,7 +104,7 @@ TEST_F(AppearanceSettingTest, TellsEachOfTheChoices) {
     portal_.answer = scheme;
     follow();
     EXPECT_TRUE(sees(1));
-    EXPECT_EQ(seen_.back(), scheme);
+    EXPECT_EQ(seen_.back(), usual);
   }
 }
 
@@ -109,7 +116,7 @@ TEST_F(AppearanceSettingTest, FollowsEveryChange) {
     const std::size_t before = seen_.size();
     tell(scheme);
     ASSERT_TRUE(sees(before + 1));
-    EXPECT_EQ(seen_.back(), scheme);
+    EXPECT_EQ(seen_.back(), scheme == 1 ? dark : usual);
   }
 }
 
@@ -117,7 +124,7 @@ TEST_F(AppearanceSettingTest, FollowsAPortalThatDidNotKnowTheSettingAtFirst) {
   follow();
   tell(1);
   EXPECT_TRUE(sees(1));
-  EXPECT_EQ(seen_.back(), 1U);
+  EXPECT_EQ(seen_.back(), dark);
 }
 
 TEST_F(AppearanceSettingTest, IgnoresOtherSettingsAndWhatIsNoChoice) {
@@ -132,15 +139,52 @@ TEST_F(AppearanceSettingTest, IgnoresOtherSettingsAndWhatIsNoChoice) {
 }
 
 TEST_F(AppearanceSettingTest, TellsTheContrastBesideTheScheme) {
-  std::vector<uint> contrasts;
-  const AppearanceSetting contrast(
-      QDBusConnection::connectToBus(address_, QStringLiteral("window")),
-      AppearanceSetting::contrast, [&](uint value) { contrasts.push_back(value); }, nullptr);
+  follow(AppearanceSetting::contrast);
   portal_.tell(appearance, QStringLiteral("contrast"), 2U);
   tell(1);
-  portal_.tell(appearance, QStringLiteral("contrast"), 1U);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !contrasts.empty(); }));
-  EXPECT_EQ(contrasts, std::vector<uint>{1});
+  for (const uint contrast : {1U, 0U}) {
+    const std::size_t before = seen_.size();
+    portal_.tell(appearance, QStringLiteral("contrast"), contrast);
+    ASSERT_TRUE(sees(before + 1));
+    EXPECT_EQ(seen_.back(), contrast == 1 ? contrasting : usual);
+  }
+}
+
+TEST_F(AppearanceSettingTest, TellsTheSwitchOfAnOlderGnome) {
+  portal_.place = QStringLiteral("org.gnome.desktop.a11y.interface");
+  portal_.key = QStringLiteral("high-contrast");
+  portal_.answer = true;
+  follow(AppearanceSetting::gnomeHighContrast);
+  ASSERT_TRUE(sees(1));
+  EXPECT_EQ(seen_.back(), contrasting);
+  portal_.tell(portal_.place, portal_.key, 1U);
+  portal_.tell(portal_.place, portal_.key, false);
+  ASSERT_TRUE(sees(2));
+  EXPECT_EQ(seen_.back(), usual);
+}
+
+TEST_F(AppearanceSettingTest, TellsTheColoursOfTheThemeByItsName) {
+  portal_.place = QStringLiteral("org.gnome.desktop.interface");
+  portal_.key = QStringLiteral("gtk-theme");
+  portal_.answer = QStringLiteral("Adwaita");
+  follow(AppearanceSetting::gtkTheme);
+  ASSERT_TRUE(sees(1));
+  EXPECT_EQ(seen_.back(), usual);
+  portal_.tell(portal_.place, portal_.key, QStringLiteral("HighContrastInverse"));
+  ASSERT_TRUE(sees(2));
+  EXPECT_EQ(seen_.back(), contrastingDark);
+}
+
+TEST(Theme, IsOfHighContrastWhereItsNameSaysSo) {
+  for (const char* name : {"HighContrast", "ContrastHigh", "HighContrastLargePrint"}) {
+    EXPECT_EQ(colorsOfTheme(name), contrasting) << name;
+  }
+  for (const char* name : {"HighContrastInverse", "ContrastHighInverse"}) {
+    EXPECT_EQ(colorsOfTheme(name), contrastingDark) << name;
+  }
+  for (const char* name : {"", "Adwaita", "Adwaita-dark", "ContrastLow", "Inverse"}) {
+    EXPECT_EQ(colorsOfTheme(name), usual) << name;
+  }
 }
 
 TEST_F(AppearanceSettingTest, StaysSilentWithoutABus) {
