@@ -298,9 +298,9 @@ class StageTest(unittest.TestCase):
         """Whether the settings window was built, which needs its toolkit."""
         return os.path.exists(os.path.join(os.path.dirname(self.program), "vantora-settings"))
 
-    def start_display(self):
-        """An X server of the test's own."""
-        _, self.environment["DISPLAY"] = start_display(self.start)
+    def start_display(self, *size):
+        """An X server of the test's own; the size of its screen as in "800x600"."""
+        _, self.environment["DISPLAY"] = start_display(self.start, *size)
 
     def windows(self, title):
         """Whether the display shows a window with that title."""

@@ -104,11 +104,13 @@ class Window:
 class WindowTest(stage.StageTest):
     """A test with a display, a session bus and the accessibility bus behind it."""
 
+    screen = "1000x800"
+
     def setUp(self):
         super().setUp()
         self.environment.update(NO_AT_BRIDGE="0", QT_ACCESSIBILITY="1",
                                 QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
-        self.start_display()
+        self.start_display(self.screen)
         self.start_bus()
 
     def open_window(self, agent):

@@ -37,11 +37,7 @@ constexpr int claudeTab = 4;
 }  // namespace
 
 SettingsView::SettingsView(WindowModel& model)
-    : model_(model),
-      tabs_(new QTabWidget),
-      notice_(Controls::makeText()),
-      paused_(Controls::makeText()),
-      undo_(new UndoBar(model)) {
+    : model_(model), tabs_(new QTabWidget), footer_(new Footer(model)) {
   setWindowTitle(qtText("Configurações do Vantora"));
   resize(firstSize());
   auto* content = new QWidget;
@@ -49,13 +45,7 @@ SettingsView::SettingsView(WindowModel& model)
   auto* column = new QVBoxLayout(content);
   column->setContentsMargins(margin, margin, margin, margin);
   column->addWidget(tabs_, 1);
-  notice_->setObjectName(QStringLiteral("footerNotice"));
-  column->addWidget(notice_);
-  paused_->setObjectName(QStringLiteral("footerPaused"));
-  paused_->setText(qtText("Coleta pausada"));
-  paused_->hide();
-  column->addWidget(paused_);
-  column->addWidget(undo_);
+  column->addWidget(footer_);
   noticeTimer_.setObjectName(QStringLiteral("noticeTimer"));
   noticeTimer_.setSingleShot(true);
   noticeTimer_.setInterval(minNoticeDuration);
@@ -109,18 +99,16 @@ void SettingsView::refresh(WindowFields fields) {
     showNotice();
   }
   if (fields.contains(WindowField::configuration)) {
-    paused_->setVisible(model_.state().configuration.paused);
+    footer_->showPaused(model_.state().configuration.paused);
   }
   if (fields.contains(WindowField::undoable)) {
-    undo_->refresh();
+    footer_->refreshUndo();
   }
 }
 
 // The last tab shows the notice among its own controls.
 void SettingsView::showNotice() {
-  const auto& notice = model_.notice();
-  notice_->setText(qtText(notice.value_or(std::string())));
-  notice_->setVisible(notice.has_value() && tabs_->currentWidget() != pages_.back());
+  footer_->showNotice(tabs_->currentWidget() != pages_.back() ? model_.notice() : std::nullopt);
 }
 
 void SettingsView::closeEvent(QCloseEvent* event) {
@@ -134,6 +122,11 @@ void SettingsView::paintEvent(QPaintEvent* event) {
   // The window may have come to a screen of another scale, or the screen's have changed.
   model_.setScale(devicePixelRatioF());
   QMainWindow::paintEvent(event);
+}
+
+void SettingsView::resizeEvent(QResizeEvent* event) {
+  QMainWindow::resizeEvent(event);
+  footer_->updateGeometry();  // Its height depends on the window's.
 }
 
 void SettingsView::raiseWith(const std::string& activationToken) {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QLabel>
 #include <QMainWindow>
 #include <QTabWidget>
 #include <QTimer>
@@ -11,8 +10,8 @@
 #include <vector>
 
 #include "settings/conversation/window_model.hpp"
+#include "settings/window/footer.hpp"
 #include "settings/window/settings_tab.hpp"
-#include "settings/window/undo_bar.hpp"
 
 namespace vantora {
 
@@ -38,6 +37,7 @@ class SettingsView final : public QMainWindow {
  protected:
   void closeEvent(QCloseEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   void addTab(SettingsTab* tab, const char* title);
@@ -47,9 +47,7 @@ class SettingsView final : public QMainWindow {
 
   WindowModel& model_;
   QTabWidget* tabs_;
-  QLabel* notice_;
-  QLabel* paused_;
-  UndoBar* undo_;
+  Footer* footer_;
   QTimer noticeTimer_{this};
   std::vector<SettingsTab*> pages_;
 };

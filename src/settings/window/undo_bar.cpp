@@ -44,7 +44,8 @@ UndoBar::UndoBar(WindowModel& model)
   setObjectName(QStringLiteral("undoBar"));
   auto* row = new QHBoxLayout(this);
   row->setContentsMargins(0, 0, 0, 0);
-  row->addWidget(text_, 1);
+  text_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+  row->addWidget(text_);
   row->addWidget(button_);
   const QKeySequence keys(QKeySequence::Undo);
   button_->setToolTip(QStringLiteral("Desfazer (%1)").arg(keys.toString(QKeySequence::NativeText)));
@@ -63,6 +64,10 @@ void UndoBar::refresh() {
     text_->setText(qtText(undoneText(*edit)));
   }
   setVisible(edit.has_value());
+}
+
+void UndoBar::setTextShown(bool isShown) {
+  text_->setVisible(isShown);
 }
 
 // A text field claims the key whether or not it has anything to take back.

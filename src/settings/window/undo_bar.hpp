@@ -20,6 +20,9 @@ class UndoBar final : public QWidget {
   /// Brings the line to the model's state.
   void refresh();
 
+  /// Whether it says in words what can be undone.
+  void setTextShown(bool isShown);
+
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:

@@ -5,7 +5,12 @@
 
 #include <QGuiApplication>
 #include <QKeySequence>
+#include <QLabel>
 #include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTabBar>
+#include <algorithm>
 
 #include "settings/window/window_fixture.hpp"
 
@@ -71,6 +76,78 @@ TEST_F(SettingsViewTest, FitsIntoASmallScreenAndIsNeverLargerThanIt) {
   const QSize screen = QGuiApplication::primaryScreen()->availableSize();
   EXPECT_LE(view_->height(), screen.height());
   EXPECT_LE(view_->width(), screen.width());
+}
+
+// As small as the window gets, with all that the footer can say.
+class SmallWindow : public test::WindowTest {
+ protected:
+  static constexpr QSize least{300, 200};
+  SmallWindow() {
+    view_->resize(least);
+    settle();
+  }
+  void sayEverything() {
+    agent_.configuration.paused = true;
+    agent_.undoable = UndoableEdit::restoring;
+    agent_.notice =
+        "Falha ao ajustar início automático: a pasta de início automático não pode ser escrita.";
+    tellAll();
+  }
+  QScrollArea* footer() {
+    auto* label = view_->findChild<QLabel*>(QStringLiteral("footerNotice"));
+    return qobject_cast<QScrollArea*>(label->parentWidget()->parentWidget()->parentWidget());
+  }
+};
+
+TEST_F(SmallWindow, LeavesMostOfItselfToItsTabs) {
+  sayEverything();
+  EXPECT_EQ(view_->size(), least);
+  ASSERT_NE(footer(), nullptr);
+  EXPECT_LE(footer()->height(), least.height() / 3);
+  EXPECT_GE(view_->findChild<QTabWidget*>()->height(), least.height() / 2);
+}
+
+TEST_F(SmallWindow, ScrollsAFooterThatDoesNotFit) {
+  sayEverything();
+  auto* notice = view_->findChild<QLabel*>(QStringLiteral("footerNotice"));
+  EXPECT_GE(notice->height(), notice->heightForWidth(notice->width()));
+  const int hidden = footer()->widget()->height() - footer()->viewport()->height();
+  EXPECT_GT(hidden, 0);
+  EXPECT_EQ(footer()->verticalScrollBar()->maximum(), hidden);
+  EXPECT_LE(footer()->widget()->width(), footer()->viewport()->width());
+}
+
+TEST_F(SmallWindow, HasNoFooterWhileThereIsNothingToSay) {
+  EXPECT_FALSE(footer()->isVisible());
+  sayEverything();
+  EXPECT_TRUE(footer()->isVisible());
+}
+
+TEST_F(SmallWindow, KeepsTheControlWithTheFocusInSight) {
+  view_->activateWindow();
+  for (int tab = 0; tab < 6; ++tab) {
+    view_->setCurrentTab(tab);
+    settle();
+    QWidget* bar = view_->findChild<QTabBar*>();
+    bar->setFocus(Qt::TabFocusReason);
+    int visited = 0;
+    for (QWidget* focused = bar;; ++visited) {
+      QTest::keyClick(focused, Qt::Key_Tab);
+      settle();
+      focused = QApplication::focusWidget();
+      ASSERT_NE(focused, nullptr);
+      if (focused == bar || visited > 100) {
+        break;
+      }
+      const QRect seen = focused->visibleRegion().boundingRect();
+      EXPECT_GE(seen.height(), std::min(focused->height(), 20))
+          << tab << ' ' << focused->accessibleName().toStdString();
+      EXPECT_GE(seen.width(), std::min(focused->width(), 40))
+          << tab << ' ' << focused->accessibleName().toStdString();
+    }
+    EXPECT_GT(visited, 2) << tab;
+    EXPECT_LT(visited, 100) << tab;
+  }
 }
 
 }  // namespace
