@@ -15,7 +15,7 @@ namespace {
 
 using M = ModuleConfiguration;
 
-constexpr int valueCharacters = 9;  // Room for the widest text of the bar, in bold.
+constexpr int valueCharacters = 8;  // Room for the widest text of the bar, in bold.
 
 constexpr SwitchField<M> enabledField = {"Ati&vo", &Access<&M::enabled>::get,
                                          &Access<&M::enabled>::set};
@@ -51,7 +51,7 @@ ModuleRow::ModuleRow(WindowModel& model, const UUID& id)
       cells_(new QBoxLayout(QBoxLayout::LeftToRight)),
       top_(makeCell()),
       bottom_(makeCell()),
-      hidden_(new LiveReading(7)),
+      hidden_(new LiveReading(6)),
       open_(new QToolButton) {
   setFrameShape(QFrame::StyledPanel);
   auto* column = new QVBoxLayout(this);
@@ -187,9 +187,11 @@ LiveReading::Content ModuleRow::content(MetricID metric, bool isInLine, const ch
     content.spoken = content.text.isEmpty() ? name : name + QStringLiteral(": ") + content.text;
     return content;
   }
-  content.text = ReadingText::line(*reading);
+  // What only has to come, or is not measured now, is no news in every line of the list.
+  const bool isAwaited = reading->quality == Quality::waiting || reading->quality == Quality::stale;
+  content.text = isInLine && isAwaited ? qtText(reading->text) : ReadingText::line(*reading);
   content.isStrong = MetricFormatter::isReading(reading->text) && reading->reason.empty();
-  content.spoken = name + QStringLiteral(": ") + content.text;
+  content.spoken = name + QStringLiteral(": ") + ReadingText::line(*reading);
   content.details =
       (isInLine ? name + QStringLiteral(": ") : QString()) + ReadingText::details(*reading);
   return content;
@@ -231,8 +233,9 @@ void ModuleRow::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 int ModuleRow::lineWidth(QBoxLayout::Direction direction) const {
-  const int cell = top_->minimumSizeHint().width();
-  const int cells = direction == QBoxLayout::LeftToRight ? 2 * cell + cells_->spacing() : cell;
+  const bool isWide = direction == QBoxLayout::LeftToRight;
+  const int cell = isWide ? top_->sizeHint().width() : top_->minimumSizeHint().width();
+  const int cells = isWide ? 2 * cell + cells_->spacing() : cell;
   int width = cells + line_->spacing() * (line_->count() - 1);
   for (int index = 0; index < line_->count(); ++index) {
     if (QWidget* widget = line_->itemAt(index)->widget()) {

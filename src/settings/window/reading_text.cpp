@@ -19,7 +19,7 @@ QString shortName(MetricID metric) {
       case MetricID::batteryTime:
         return "Bateria · tempo";
       case MetricID::batteryTemperature:
-        return "Bateria · temperatura";
+        return "Bateria · °C";
       case MetricID::upload:
         return "Upload";
       case MetricID::download:
@@ -27,7 +27,7 @@ QString shortName(MetricID metric) {
       case MetricID::cpuUsage:
         return "CPU";
       case MetricID::cpuTemperature:
-        return "CPU · temperatura";
+        return "CPU · °C";
       case MetricID::fan1Percent:
         return "Ventoinha 1 · %";
       case MetricID::fan2Percent:

@@ -90,6 +90,32 @@ TEST_F(ReadingsTest, SayTheReasonBesideThePickerInFull) {
   EXPECT_EQ(shown[3]->toolTip(), QStringLiteral("12%\nFonte: Linux /proc/stat"));
 }
 
+TEST_F(ReadingsTest, AreOnlyADashInTheFoldedLineWhileTheyAreAwaited) {
+  agent_.readings[1] = {MetricID::cpuUsage, "—",       Quality::stale, "Linux /proc/stat",
+                        "Coleta pausada",   WallTime()};
+  row(0)->setOpen(true);
+  tell({WindowField::readings});
+  const auto shown = readings(0);
+  EXPECT_EQ(shown[1]->content().text, QStringLiteral("—"));
+  EXPECT_EQ(shown[1]->accessibleName(), QStringLiteral("CPU · uso total: — Coleta pausada"));
+  EXPECT_TRUE(shown[1]->toolTip().startsWith(QStringLiteral("CPU · uso total: — Coleta pausada")));
+  EXPECT_EQ(shown[3]->content().text, QStringLiteral("— Coleta pausada"));
+}
+
+TEST_F(ReadingsTest, HaveALineOfTheirOwnWhereTheyDoNotFitBesideEachOther) {
+  const auto isCut = [&] {
+    const auto shown = readings(0);
+    return shown[0]->width() < shown[0]->sizeHint().width();
+  };
+  const auto areStacked = [&] { return readings(0)[0]->y() != readings(0)[1]->y(); };
+  EXPECT_FALSE(areStacked());
+  EXPECT_FALSE(isCut());
+  view_->resize(525, 360);
+  settle();
+  EXPECT_TRUE(areStacked());
+  EXPECT_FALSE(isCut());
+}
+
 TEST_F(ReadingsTest, ChangeWithoutMovingAnythingOrTakingTheFocus) {
   view_->activateWindow();
   open(0);
