@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "settings/toolkit/color_scheme.hpp"
 #include "settings/window/accessible_roles.hpp"
 
 namespace vantora {
@@ -50,7 +51,7 @@ void LiveReading::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   QColor ink = palette().color(QPalette::WindowText);
   QColor faint = ink;
-  faint.setAlphaF(faintOpacity);
+  faint.setAlphaF(looksHighContrast() ? 1 : faintOpacity);
   QRect place = rect();
   const auto draw = [&](const QRect& within, const QString& text, const QColor& color) {
     painter.setPen(color);

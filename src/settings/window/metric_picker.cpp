@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QStyledItemDelegate>
 
+#include "settings/toolkit/color_scheme.hpp"
 #include "settings/window/qt_text.hpp"
 
 namespace vantora::MetricPicker {
@@ -79,7 +80,7 @@ class MarkedItems final : public QStyledItemDelegate {
     if (!marked.isEmpty()) {
       option->text = marked;
       QColor faint = option->palette.color(QPalette::Text);
-      faint.setAlphaF(0.6F);
+      faint.setAlphaF(looksHighContrast() ? 1 : 0.6F);
       option->palette.setColor(QPalette::Text, faint);
     }
   }

@@ -10,6 +10,7 @@
 
 #include "settings/toolkit/color_scheme.hpp"
 #include "settings/toolkit/outlining_style.hpp"
+#include "settings/window/live_reading.hpp"
 #include "settings/window/window_fixture.hpp"
 
 namespace vantora {
@@ -99,6 +100,32 @@ TEST_F(WindowColors, HaveTheMostContrastWhereTheDesktopAsksForIt) {
   }
   useColors({});
   EXPECT_FALSE(looksHighContrast());
+}
+
+TEST_F(WindowColors, MakeNoReadingFaintWhereTheDesktopAsksForContrast) {
+  LiveReading reading(8);
+  reading.resize(reading.sizeHint());
+  LiveReading::Content content;
+  content.text = QStringLiteral("███");
+  content.isFaint = true;
+  reading.show(content);
+  const auto inkContrast = [&] {
+    settle();
+    const QImage image = reading.grab().toImage();
+    const QColor ground = image.pixelColor(image.width() - 1, 0);
+    double most = 1;
+    for (int x = 0; x < image.width(); ++x) {
+      most = std::max(most, contrast(image.pixelColor(x, image.height() / 2), ground));
+    }
+    return most;
+  };
+  useColors({false, true});
+  EXPECT_GE(inkContrast(), 20);
+  useColors({true, true});
+  EXPECT_GE(inkContrast(), 20);
+  useColors({});
+  EXPECT_GE(inkContrast(), 4.5);
+  EXPECT_LT(inkContrast(), 10);
 }
 
 }  // namespace
