@@ -12,7 +12,7 @@ namespace vantora {
 namespace {
 
 constexpr float faintOpacity = 0.6F;
-constexpr int gap = 6;  // between the label and the text, in points
+constexpr int gap = 8;  // between the label and the text, in points
 
 }  // namespace
 

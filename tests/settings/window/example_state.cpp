@@ -27,10 +27,14 @@ ModuleConfiguration module(std::uint8_t number, MetricID top, MetricID bottom) {
   return made;
 }
 
-MetricSnapshot snapshot() {
+MetricSnapshot snapshot(bool isPaused) {
   MetricSnapshot readings;
   const auto set = [&](MetricID metric, double value) {
-    readings.samples.set(metric, MetricSample::valid(value, "exemplo", now));
+    MetricSample sample = MetricSample::valid(value, "exemplo", now);
+    if (isPaused) {
+      sample.quality = Quality::stale;
+    }
+    readings.samples.set(metric, sample);
   };
   set(MetricID::batteryPercent, 87);
   set(MetricID::batteryTime, 254);
@@ -45,19 +49,19 @@ MetricSnapshot snapshot() {
   readings.codex.usedPercent = 38;
   readings.codex.lastSuccess = now - std::chrono::minutes(2);
   readings.codex.resetAt = now + std::chrono::hours(77);
-  readings.codex.message = "Cota semanal atualizada.";
+  readings.codex.message = "Cota semanal da categoria codex, consultada com sucesso.";
   readings.codex.candidates = {{"codex", "Codex"}, {"codex-spark", "Codex Spark"}};
   readings.claude.status = ClaudeQuotaStatus::ready;
   readings.claude.weeklyUsed = 52;
   readings.claude.sessionUsed = 17;
   readings.claude.lastSuccess = now - std::chrono::minutes(1);
-  readings.claude.message = "Cotas atualizadas.";
+  readings.claude.message = "Limites do Claude (semanal e 5 horas) consultados com sucesso.";
   return readings;
 }
 
 }  // namespace
 
-WindowState exampleState(double scale) {
+WindowState exampleState(double scale, bool isPaused) {
   WindowState state;
   AppConfiguration& configuration = state.configuration;
   configuration.modules = {
@@ -74,8 +78,14 @@ WindowState exampleState(double scale) {
   configuration.claudeSettings = ClaudeQuotaSettings{};
   configuration.claudeSettings->enabled = true;
 
-  const MetricSnapshot readings = snapshot();
+  configuration.paused = isPaused;
+
+  const MetricSnapshot readings = snapshot(isPaused);
   state.networkName = readings.networkName;
+  state.links = {{"wlp3s0", true, true, true},
+                 {"enp0s31f6", true, true, false},
+                 {"docker0", false, false, true},
+                 {"wg0", false, true, true}};
   state.codex = {readings.codex.message, readings.codex.lastSuccess, "/usr/local/bin/codex",
                  readings.codex.candidates};
   state.claude = {

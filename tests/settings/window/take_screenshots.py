@@ -1,10 +1,10 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""take_screenshots.py PROGRAM FOLDER: pictures of every tab of the settings window on desktops
-that want light, dark or high contrast, at once and twice the size and in the smallest window
-in which everything must be readable:
+"""take_screenshots.py PROGRAM FOLDER: pictures of every tab of the settings window, and of what
+shows only at times (PROGRAM's scenes), on desktops that want light, dark or high contrast, at
+once and twice the size and in the smallest window in which everything must be readable:
 
-    settings-TAB-SCHEME.png  settings-TAB-SCHEME@2x.png  settings-TAB-SCHEME-640x520.png
+    settings-SCENE-SCHEME.png  settings-SCENE-SCHEME@2x.png  settings-SCENE-SCHEME-640x520.png
 
 Where the window is of that size by itself, the last one would be the first again and is left out.
 PROGRAM is vantora_settings_screenshots. The display, the bus and the desktop's portal are this
