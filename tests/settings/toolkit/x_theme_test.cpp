@@ -4,6 +4,7 @@
 #include "settings/toolkit/x_theme.hpp"
 
 #include <gtest/gtest.h>
+#include <poll.h>
 
 #include <cstdlib>
 #include <optional>
@@ -81,7 +82,13 @@ class XThemeTest : public testing::Test {
   }
   // Whether the next event that comes says that the name may be another.
   bool isNextAChange(const XTheme& theme) {
-    auto* event = xcb_wait_for_event(connection_);
+    constexpr int limit = 10'000;  // milliseconds
+    xcb_flush(connection_);
+    auto* event = xcb_poll_for_event(connection_);
+    pollfd socket{xcb_get_file_descriptor(connection_), POLLIN, 0};
+    while (event == nullptr && ::poll(&socket, 1, limit) > 0) {
+      event = xcb_poll_for_event(connection_);
+    }
     const bool isChange = event != nullptr && theme.isChangedBy(*event);
     std::free(event);
     return isChange;

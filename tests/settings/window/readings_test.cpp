@@ -321,6 +321,10 @@ TEST_F(ReadingsTest, DrawNothingAgainThatLooksTheSame) {
   agent_.readings[1].sampledAt = WallTime(std::chrono::seconds(60));
   tell({WindowField::readings, WindowField::picture});
   EXPECT_EQ(paints.count, 0);
+  agent_.readings[1].source = "Linux /proc/stat · 4 CPUs";
+  tell({WindowField::readings});
+  EXPECT_THAT(readings(0)[1]->toolTip().toStdString(), testing::HasSubstr("4 CPUs"));
+  EXPECT_EQ(paints.count, 0);
   agent_.readings[1].text = "13%";
   tell({WindowField::readings});
   EXPECT_GT(paints.count, 0);

@@ -3,15 +3,19 @@
 // The window itself: how it comes to the front and how it closes.
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
+#include <QComboBox>
 #include <QGuiApplication>
 #include <QKeySequence>
 #include <QLabel>
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QStyleOption>
 #include <QTabBar>
 #include <algorithm>
 
+#include "settings/window/status_preview.hpp"
 #include "settings/window/window_fixture.hpp"
 
 namespace vantora {
@@ -76,6 +80,75 @@ TEST_F(SettingsViewTest, FitsIntoASmallScreenAndIsNeverLargerThanIt) {
   const QSize screen = QGuiApplication::primaryScreen()->availableSize();
   EXPECT_LE(view_->height(), screen.height());
   EXPECT_LE(view_->width(), screen.width());
+}
+
+// What of a control's text does not fit into it; nothing when all does.
+QString cutPart(const QWidget* widget) {
+  if (const auto* label = qobject_cast<const QLabel*>(widget)) {
+    const bool isLow = label->wordWrap() && label->height() < label->heightForWidth(label->width());
+    const bool isNarrow = !label->wordWrap() && label->width() < label->sizeHint().width();
+    return isLow || isNarrow ? label->text() : QString();
+  }
+  if (const auto* picker = qobject_cast<const QComboBox*>(widget)) {
+    QStyleOptionComboBox option;
+    option.initFrom(picker);
+    option.editable = picker->isEditable();
+    const int room =
+        picker->style()
+            ->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, picker)
+            .width();
+    const QString text = picker->currentText();
+    return picker->fontMetrics().horizontalAdvance(text) > room ? text : QString();
+  }
+  const auto* button = qobject_cast<const QAbstractButton*>(widget);
+  const bool isCut = button != nullptr && button->width() < button->minimumSizeHint().width();
+  return isCut ? button->text() : QString();
+}
+
+class WholeWindow : public test::WindowTest {
+ protected:
+  // Everything that is cut on any tab, with the first row open; of a window that is not small
+  // what scrolls sideways as well.
+  std::string cutParts(bool isSmall = false) {
+    for (ModuleRow* row : rows()) {
+      row->setOpen(row->id() == agent_.configuration.modules[0].id);
+    }
+    QStringList cut;
+    for (int tab = 0; tab < 6; ++tab) {
+      view_->setCurrentTab(tab);
+      settle();
+      for (auto* widget : page(tab)->findChildren<QWidget*>()) {
+        const bool isPicker = qobject_cast<QComboBox*>(widget) != nullptr;
+        if (widget->isVisible() && !(isSmall && isPicker)) {
+          cut << cutPart(widget);
+        }
+      }
+      // The bar does so on purpose.
+      for (auto* area : page(tab)->findChildren<QScrollArea*>()) {
+        const bool isBar = dynamic_cast<StatusPreview*>(area->widget()) != nullptr;
+        if (!isSmall && !isBar && area->horizontalScrollBar()->maximum() > 0) {
+          cut << QStringLiteral("tab %1: %2").arg(tab).arg(area->horizontalScrollBar()->maximum());
+        }
+      }
+    }
+    cut.removeAll(QString());
+    return cut.join(QLatin1Char('\n')).toStdString();
+  }
+};
+
+TEST_F(WholeWindow, CutsNothingAtItsUsualSize) {
+  for (const MetricID metric : allMetrics) {
+    agent_.configuration.modules[0].top = metric;
+    tell({WindowField::configuration});
+    EXPECT_EQ(cutParts(), "") << title(metric);
+  }
+}
+
+TEST_F(WholeWindow, CutsNothingButATitleInItsPickerWhereItIsSmall) {
+  view_->resize(300, 200);
+  agent_.configuration.modules[0].top = MetricID::fan1RPM;
+  tell({WindowField::configuration});
+  EXPECT_EQ(cutParts(true), "");
 }
 
 // As small as the window gets, with all that the footer can say.
