@@ -13,7 +13,7 @@ namespace {
 using M = ModuleConfiguration;
 
 // Room for "— Bateria interna indisponível".
-constexpr int readingCharacters = 27;
+constexpr int readingCharacters = 23;
 
 constexpr SwitchField<M> hideFansField = {
     "&Ocultar na barra quando paradas ou sem leitura",
@@ -67,6 +67,15 @@ QBoxLayout* beside(std::initializer_list<QWidget*> widgets) {
     layout->addWidget(widget);
   }
   return layout;
+}
+
+// Of a picker that cuts no title.
+int wholePickerWidth(const QFontMetrics& metrics) {
+  int widest = 0;
+  for (const MetricID metric : allMetrics) {
+    widest = std::max(widest, metrics.horizontalAdvance(qtText(title(metric))));
+  }
+  return widest + 2 * metrics.height();  // its frame and its arrow
 }
 
 bool shows(const M& module, MetricFamily wanted) {
@@ -279,7 +288,8 @@ void ModuleEditor::resizeEvent(QResizeEvent* event) {
     sideBySideWidth += halves_->itemAt(index)->sizeHint().width();
   }
   turn(halves_, available >= sideBySideWidth);
-  const int lineWidth = 2 * topReading_->sizeHint().width() + 2 * top_->minimumSizeHint().width();
+  const int lineWidth =
+      wholePickerWidth(fontMetrics()) + lines_[0]->spacing() + topReading_->sizeHint().width();
   for (QBoxLayout* line : lines_) {
     turn(line, available >= lineWidth);
   }

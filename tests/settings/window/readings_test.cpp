@@ -90,6 +90,17 @@ TEST_F(ReadingsTest, SayTheReasonBesideThePickerInFull) {
   EXPECT_EQ(shown[3]->toolTip(), QStringLiteral("12%\nFonte: Linux /proc/stat"));
 }
 
+TEST_F(ReadingsTest, StandBesideThePickerWithTheWholeReasonAtTheUsualSize) {
+  row(0)->setOpen(true);
+  settle();
+  const LiveReading* reading = readings(0)[2];
+  const auto* picker = reading->parentWidget()->findChild<QComboBox*>();
+  ASSERT_NE(picker, nullptr);
+  EXPECT_GT(reading->x(), picker->geometry().right());
+  EXPECT_EQ(reading->geometry().center().y(), picker->geometry().center().y());
+  EXPECT_GE(reading->width(), reading->fontMetrics().horizontalAdvance(reading->content().text));
+}
+
 TEST_F(ReadingsTest, AreOnlyADashInTheFoldedLineWhileTheyAreAwaited) {
   agent_.readings[1] = {MetricID::cpuUsage, "—",       Quality::stale, "Linux /proc/stat",
                         "Coleta pausada",   WallTime()};
