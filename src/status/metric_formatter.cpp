@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdint>
 
-#include "model/decimal.hpp"
 #include "quota/claude/claude_quota_formatter.hpp"
 #include "quota/codex/codex_quota_formatter.hpp"
 
@@ -26,6 +25,16 @@ std::string whole(double value, std::string_view unit) {
   std::string text = std::to_string(static_cast<std::int64_t>(std::round(value)));
   text += unit;
   return text;
+}
+
+/// The hundredths of a number from 0 to below 1, rounded as "%.2f" does: the exact binary value
+/// decides, a tie goes to the even digit. printf itself takes as long as all other texts together.
+int hundredths(double value) {
+  constexpr double scale = 100;
+  const int below = static_cast<int>(value * scale);
+  // Rounded once, so that its sign is that of the exact difference.
+  const double aboveMiddle = std::fma(value, scale, -(below + 0.5));
+  return aboveMiddle > 0 || (aboveMiddle == 0 && below % 2 != 0) ? below + 1 : below;
 }
 
 std::string watts(double value) {
@@ -120,7 +129,10 @@ std::string compactRate(double bytesPerSecond) {
   if (megabytes < 1.0) {
     // The cap keeps "1,00M", which is wider, from ever appearing.
     constexpr double maxWithFraction = 0.99;
-    std::string text = fixedDecimal(std::min(megabytes, maxWithFraction), 2, ',');
+    const int fraction = hundredths(std::min(megabytes, maxWithFraction));
+    std::string text = "0,";
+    text += static_cast<char>('0' + fraction / 10);
+    text += static_cast<char>('0' + fraction % 10);
     text += 'M';
     return text;
   }

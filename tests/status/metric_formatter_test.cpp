@@ -3,11 +3,15 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <clocale>
+#include <cmath>
 #include <limits>
 #include <string>
 #include <vector>
+
+#include "model/decimal.hpp"
 
 namespace vantora {
 namespace {
@@ -182,6 +186,25 @@ TEST(MetricFormatter, ShowsRatesBelowAMegabyteWithTwoDecimals) {
   EXPECT_EQ(MetricFormatter::compactRate(5'001), "0,01M");
   EXPECT_EQ(MetricFormatter::compactRate(750'000), "0,75M");
   EXPECT_EQ(MetricFormatter::compactRate(984'999), "0,98M");
+}
+
+TEST(MetricFormatter, RoundsHundredthsOfAMegabyteByTheExactBinaryValue) {
+  const auto expectPrinted = [](double megabytes) {
+    // The quotient that is formatted, of a rate in bytes.
+    const double rate = megabytes * 1e6;
+    EXPECT_EQ(MetricFormatter::compactRate(rate),
+              fixedDecimal(std::min(rate / 1e6, 0.99), 2, ',') + "M")
+        << std::hexfloat << megabytes;
+  };
+  for (int step = 0; step < 20'000; ++step) {
+    const double value = step / 20'000.0;
+    for (const double each : {value, std::nextafter(value, 0.0), std::nextafter(value, 1.0)}) {
+      expectPrinted(each);
+    }
+  }
+  // Ties that are exact in binary: to the even digit.
+  EXPECT_EQ(MetricFormatter::compactRate(125'000), "0,12M");
+  EXPECT_EQ(MetricFormatter::compactRate(375'000), "0,38M");
 }
 
 TEST(MetricFormatter, CapsRatesJustBelowAMegabyte) {
