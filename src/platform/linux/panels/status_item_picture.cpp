@@ -105,10 +105,34 @@ void put(std::span<std::uint8_t> pixels, std::size_t index, const Pixel& pixel) 
   std::memcpy(&pixels[index * sizeof(Pixel)], pixel.data(), sizeof(Pixel));
 }
 
-void tintOverPlate(const AlphaBitmap& bitmap, double radius, std::span<std::uint8_t> pixels) {
-  for (std::size_t index = 0; index < bitmap.pixels.size(); ++index) {
-    put(pixels, index, plainPlate[bitmap.pixels[index]]);
+// Most of a picture has no ink, so that it is put by whole runs.
+void putPlainPlate(std::span<const std::uint8_t> inks, std::span<std::uint8_t> pixels) {
+  constexpr std::size_t run = 8;
+  constexpr auto bare = [] {
+    std::array<Pixel, run> same{};
+    same.fill(plainPlate[0]);
+    return same;
+  }();
+  std::size_t index = 0;
+  for (; index + run <= inks.size(); index += run) {
+    std::uint64_t together = 0;
+    static_assert(sizeof together == run);
+    std::memcpy(&together, &inks[index], run);
+    if (together == 0) {
+      std::memcpy(&pixels[index * sizeof(Pixel)], bare.data(), sizeof bare);
+      continue;
+    }
+    for (std::size_t each = index; each < index + run; ++each) {
+      put(pixels, each, plainPlate[inks[each]]);
+    }
   }
+  for (; index < inks.size(); ++index) {
+    put(pixels, index, plainPlate[inks[index]]);
+  }
+}
+
+void tintOverPlate(const AlphaBitmap& bitmap, double radius, std::span<std::uint8_t> pixels) {
+  putPlainPlate(bitmap.pixels, pixels);
   // All four corners are alike, so each coverage is computed once.
   const int reach = static_cast<int>(std::ceil(radius));
   const int columns = std::min(reach, (bitmap.width + 1) / 2);
@@ -120,11 +144,13 @@ void tintOverPlate(const AlphaBitmap& bitmap, double radius, std::span<std::uint
       if (coverage >= 1) {
         continue;
       }
+      const Pixel bare = overPlate(0, plateOpacity * coverage);
       for (const int y : {row, bitmap.height - 1 - row}) {
         for (const int x : {column, bitmap.width - 1 - column}) {
           const std::size_t index =
               static_cast<std::size_t>(y) * width + static_cast<std::size_t>(x);
-          put(pixels, index, overPlate(bitmap.pixels[index], plateOpacity * coverage));
+          const std::uint8_t ink = bitmap.pixels[index];
+          put(pixels, index, ink == 0 ? bare : overPlate(ink, plateOpacity * coverage));
         }
       }
     }
