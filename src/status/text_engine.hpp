@@ -41,6 +41,21 @@ struct LineMetrics {
   double descent = 0;  ///< From the baseline down to the line's bottom; positive.
 };
 
+/// What a drawing left in the mask.
+struct InkSpan {
+  /// All ink is in the mask's columns from `begin` up to before `end`; none where they are equal.
+  int begin = 0;
+  int end = 0;
+  /// Drawing the same again would give the same ink. Not so while characters are missing that may
+  /// be had later.
+  bool isFinal = true;
+  bool operator==(const InkSpan&) const = default;
+
+  [[nodiscard]] bool meets(const InkSpan& other) const {
+    return begin < other.end && other.begin < end;
+  }
+};
+
 /// Lives on the main thread. Never fails: a glyph that no font has shows as the font's
 /// own sign for that, and bytes that are no UTF-8 as U+FFFD.
 class TextEngine {
@@ -56,8 +71,8 @@ class TextEngine {
   /// Draws the line into the mask, its baseline's left end at (x, y) points from the
   /// mask's lower left corner. `scale` is the number of pixels in a point. What falls
   /// outside of the mask is cut off; ink that is there stays.
-  virtual void draw(AlphaBitmap& target, double scale, double x, double y,
-                    const StyledText& text) = 0;
+  virtual InkSpan draw(AlphaBitmap& target, double scale, double x, double y,
+                       const StyledText& text) = 0;
 };
 
 }  // namespace vantora

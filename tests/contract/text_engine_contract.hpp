@@ -149,6 +149,22 @@ TEST_P(TextEngineContract, DrawsTheSamePixelsEachTime) {
   }
 }
 
+TEST_P(TextEngineContract, NamesTheColumnsOfItsInk) {
+  for (const double x : {-12.0, 0.0, 3.3, 27.0}) {
+    AlphaBitmap bitmap(60, 40);
+    const InkSpan span = engine->draw(bitmap, 2, x, 5.6, line("41°C —"));
+    EXPECT_TRUE(span.isFinal);
+    EXPECT_GE(span.begin, 0);
+    EXPECT_LE(span.end, bitmap.width);
+    for (int column = 0; column < bitmap.width; ++column) {
+      for (int row = 0; row < bitmap.height; ++row) {
+        const bool isNamed = span.begin <= column && column < span.end;
+        ASSERT_TRUE(isNamed || bitmap.at(column, row) == 0) << x << ", column " << column;
+      }
+    }
+  }
+}
+
 TEST_P(TextEngineContract, LeavesInkThatIsThere) {
   AlphaBitmap bitmap(40, 20);
   std::fill(bitmap.pixels.begin(), bitmap.pixels.end(), std::uint8_t{255});

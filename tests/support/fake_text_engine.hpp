@@ -34,8 +34,9 @@ class FakeTextEngine final : public TextEngine {
     return {ascent * font.pointSize, descent * font.pointSize};
   }
 
-  void draw(AlphaBitmap& target, double scale, double x, double y,
-            const StyledText& text) override {
+  InkSpan draw(AlphaBitmap& target, double scale, double x, double y,
+               const StyledText& text) override {
+    ++drawnLines;
     const double bottom = target.height - y * scale;
     double left = x * scale;
     for (const TextRun& run : text) {
@@ -45,9 +46,11 @@ class FakeTextEngine final : public TextEngine {
         left += advance * size;
       }
     }
+    return {pixel(x * scale, target.width), pixel(left, target.width)};
   }
 
   int measurements = 0;
+  int drawnLines = 0;
 
  private:
   static std::ptrdiff_t characters(std::string_view text) {

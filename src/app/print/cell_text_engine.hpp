@@ -13,7 +13,7 @@ class CellTextEngine final : public TextEngine {
   /// Every character takes 0.6 of its point size, as in a usual terminal's typeface.
   [[nodiscard]] double width(const StyledText& text) override;
   [[nodiscard]] LineMetrics metrics(const Font& font) override;
-  void draw(AlphaBitmap&, double, double, double, const StyledText&) override {}
+  InkSpan draw(AlphaBitmap&, double, double, double, const StyledText&) override { return {}; }
 };
 
 }  // namespace vantora

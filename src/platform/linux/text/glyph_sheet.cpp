@@ -11,9 +11,9 @@ std::uint32_t keyOf(char32_t character, int phase) {
   return static_cast<std::uint32_t>(character) * glyphPhases + static_cast<std::uint32_t>(phase);
 }
 
-bool comesBefore(const GlyphSheet::Glyph& glyph, std::uint32_t key) {
+constexpr auto comesBefore = [](const GlyphSheet::Glyph& glyph, std::uint32_t key) {
   return glyph.key < key;
-}
+};
 
 /// Both inks together, as if each let through what the other leaves.
 std::uint8_t over(std::uint8_t below, std::uint8_t above) {
@@ -49,14 +49,17 @@ void GlyphSheet::add(char32_t character, int phase, const GlyphImage& image) {
   ink_.insert(ink_.end(), image.ink.pixels.begin(), image.ink.pixels.end());
 }
 
-void GlyphSheet::draw(const Glyph& glyph, AlphaBitmap& target, int penColumn,
-                      int baselineRow) const {
+InkSpan GlyphSheet::draw(const Glyph& glyph, AlphaBitmap& target, int penColumn,
+                         int baselineRow) const {
   const int left = penColumn + glyph.left;
   const int top = baselineRow - glyph.top;
   const int firstColumn = std::max(0, -left);
   const int endColumn = std::min<int>(glyph.width, target.width - left);
   const int firstRow = std::max(0, -top);
   const int endRow = std::min<int>(glyph.height, target.height - top);
+  if (firstColumn >= endColumn || firstRow >= endRow) {
+    return {};
+  }
   for (int row = firstRow; row < endRow; ++row) {
     const std::uint8_t* source =
         ink_.data() + glyph.offset + static_cast<std::ptrdiff_t>(row) * glyph.width;
@@ -65,6 +68,7 @@ void GlyphSheet::draw(const Glyph& glyph, AlphaBitmap& target, int penColumn,
       pixel = over(pixel, source[column]);
     }
   }
+  return {left + firstColumn, left + endColumn};
 }
 
 }  // namespace vantora

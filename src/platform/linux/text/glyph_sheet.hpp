@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/linux/text/glyph_source.hpp"
+#include "status/text_engine.hpp"
 
 namespace vantora {
 
@@ -43,8 +44,8 @@ class GlyphSheet {
   /// Keeps the picture; the one that is there already if there is one.
   void add(char32_t character, int phase, const GlyphImage& image);
 
-  /// Draws the ink into the mask, over what is there.
-  void draw(const Glyph& glyph, AlphaBitmap& target, int penColumn, int baselineRow) const;
+  /// Draws the ink into the mask, over what is there; tells the columns.
+  InkSpan draw(const Glyph& glyph, AlphaBitmap& target, int penColumn, int baselineRow) const;
 
  private:
   bool isMonospaced_;

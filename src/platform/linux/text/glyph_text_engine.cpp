@@ -58,10 +58,17 @@ void addTo(GlyphSheet& sheet, const GlyphAnswer& answer) {
 }
 
 /// A box in the place of a character that there is no picture of now.
-void drawUnknown(AlphaBitmap& target, std::int32_t size, int column, int baseline) {
+InkSpan drawUnknown(AlphaBitmap& target, std::int32_t size, int column, int baseline) {
   GlyphSheet sheet(false, size);
   sheet.add(0, 0, unknownGlyph(size / pixelSteps));
-  sheet.draw(*sheet.find(0, 0), target, column, baseline);
+  return sheet.draw(*sheet.find(0, 0), target, column, baseline);
+}
+
+void add(InkSpan& span, const InkSpan& ink) {
+  if (ink.begin < ink.end) {
+    span.begin = span.begin < span.end ? std::min(span.begin, ink.begin) : ink.begin;
+    span.end = std::max(span.end, ink.end);
+  }
 }
 
 // The other characters than digits that readings are written with.
@@ -86,11 +93,34 @@ std::u32string charactersToMeasure(char32_t character, bool isFirst) {
 
 }  // namespace
 
-GlyphTextEngine::GlyphTextEngine(GlyphSource& source) : source_(source) {
-  for (Advances& each : advances_) {
-    each.ascii.fill(-1);
+std::size_t GlyphTextEngine::Advances::placeOf(char32_t character) const {
+  const auto place = std::lower_bound(
+      others_.begin(), others_.end(), character,
+      [](const Entry& entry, char32_t wanted) { return entry.character < wanted; });
+  return static_cast<std::size_t>(place - others_.begin());
+}
+
+std::optional<float> GlyphTextEngine::Advances::find(char32_t character) const {
+  if (character < ascii_.size()) {
+    const float em = ascii_[character];
+    return em == unknown ? std::nullopt : std::optional(em);
+  }
+  const std::size_t place = placeOf(character);
+  return place < others_.size() && others_[place].character == character
+             ? std::optional(others_[place].em)
+             : std::nullopt;
+}
+
+void GlyphTextEngine::Advances::keep(char32_t character, float em) {
+  if (character < ascii_.size()) {
+    ascii_[character] = em;
+  } else if (!find(character)) {
+    others_.insert(others_.begin() + static_cast<std::ptrdiff_t>(placeOf(character)),
+                   {character, em});
   }
 }
+
+GlyphTextEngine::GlyphTextEngine(GlyphSource& source) : source_(source) {}
 
 void GlyphTextEngine::learnAdvances(bool isMonospaced, char32_t character) {
   Advances& known = advances_[isMonospaced ? 1 : 0];
@@ -102,39 +132,19 @@ void GlyphTextEngine::learnAdvances(bool isMonospaced, char32_t character) {
   known.wereAsked = true;
   digitHeight_ = answer->digitHeight < 0 ? unknownHeight : answer->digitHeight;
   for (const DrawnCharacter& each : answer->characters) {
-    const float em = each.advance < 0 ? static_cast<float>(unknownAdvance) : each.advance;
-    if (each.character < known.ascii.size()) {
-      known.ascii[each.character] = em;
-      continue;
-    }
-    const auto place = std::lower_bound(
-        known.others.begin(), known.others.end(), each.character,
-        [](const Advances::Entry& entry, char32_t wanted) { return entry.character < wanted; });
-    if (place == known.others.end() || place->character != each.character) {
-      known.others.insert(place, {each.character, em});
-    }
+    known.keep(each.character,
+               each.advance < 0 ? static_cast<float>(unknownAdvance) : each.advance);
   }
 }
 
-float GlyphTextEngine::advance(bool isMonospaced, char32_t character) {
+std::optional<float> GlyphTextEngine::advance(bool isMonospaced, char32_t character) {
   const Advances& known = advances_[isMonospaced ? 1 : 0];
-  const auto find = [&]() -> std::optional<float> {
-    if (character < known.ascii.size()) {
-      const float em = known.ascii[character];
-      return em < 0 ? std::nullopt : std::optional(em);
-    }
-    const auto place = std::lower_bound(
-        known.others.begin(), known.others.end(), character,
-        [](const Advances::Entry& entry, char32_t wanted) { return entry.character < wanted; });
-    return place != known.others.end() && place->character == character ? std::optional(place->em)
-                                                                        : std::nullopt;
-  };
-  std::optional<float> em = find();
+  std::optional<float> em = known.find(character);
   if (!em) {
     learnAdvances(isMonospaced, character);
-    em = find();
+    em = known.find(character);
   }
-  return em.value_or(static_cast<float>(unknownAdvance));
+  return em;
 }
 
 /// Adds what the sheet lacks of `text`, and with it what readings that change will need
@@ -185,7 +195,8 @@ double GlyphTextEngine::width(const StyledText& text) {
   for (const TextRun& run : text) {
     double ems = 0;
     for (std::string_view rest = run.text; !rest.empty();) {
-      ems += advance(run.font.face == FontFace::monospaced, takeCharacter(rest));
+      ems += advance(run.font.face == FontFace::monospaced, takeCharacter(rest))
+                 .value_or(static_cast<float>(unknownAdvance));
     }
     sum += ems * run.font.pointSize;
   }
@@ -201,13 +212,14 @@ LineMetrics GlyphTextEngine::metrics(const Font& font) {
           (lineHeight - digitHeight) / 2 * font.pointSize};
 }
 
-void GlyphTextEngine::draw(AlphaBitmap& target, double scale, double x, double y,
-                           const StyledText& text) {
+InkSpan GlyphTextEngine::draw(AlphaBitmap& target, double scale, double x, double y,
+                              const StyledText& text) {
   const auto isNear = [](double pixels) { return std::fabs(pixels) < farAway; };
   double pen = x * scale;
   if (target.pixels.empty() || !(scale > 0) || !isNear(pen) || !isNear(y * scale)) {
-    return;
+    return {};
   }
+  InkSpan span;
   // Baselines are on whole rows of pixels: that is what keeps small type crisp.
   const int baseline = target.height - static_cast<int>(std::lround(y * scale));
   for (const TextRun& run : text) {
@@ -228,13 +240,17 @@ void GlyphTextEngine::draw(AlphaBitmap& target, double scale, double x, double y
         glyph = glyphs.find(character, phase);
       }
       if (glyph != nullptr) {
-        glyphs.draw(*glyph, target, column, baseline);
+        add(span, glyphs.draw(*glyph, target, column, baseline));
       } else {
-        drawUnknown(target, size, column, baseline);
+        add(span, drawUnknown(target, size, column, baseline));
+        span.isFinal = false;
       }
-      pen += static_cast<double>(advance(isMonospaced, character)) * run.font.pointSize * scale;
+      const std::optional<float> em = advance(isMonospaced, character);
+      span.isFinal = span.isFinal && em;
+      pen += em.value_or(static_cast<float>(unknownAdvance)) * run.font.pointSize * scale;
     }
   }
+  return span;
 }
 
 }  // namespace vantora

@@ -13,6 +13,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -31,21 +32,34 @@ class GlyphTextEngine final : public TextEngine {
 
   [[nodiscard]] double width(const StyledText& text) override;
   [[nodiscard]] LineMetrics metrics(const Font& font) override;
-  void draw(AlphaBitmap& target, double scale, double x, double y, const StyledText& text) override;
+  InkSpan draw(AlphaBitmap& target, double scale, double x, double y,
+               const StyledText& text) override;
 
  private:
   /// What is known of one typeface, in ems.
-  struct Advances {
+  class Advances {
+   public:
+    Advances() { ascii_.fill(unknown); }
+
+    [[nodiscard]] std::optional<float> find(char32_t character) const;
+    void keep(char32_t character, float em);
+
+    bool wereAsked = false;
+
+   private:
+    static constexpr float unknown = -1;
     struct Entry {
       char32_t character;
       float em;
     };
-    bool wereAsked = false;
-    std::array<float, 128> ascii;  // negative while not known
-    std::vector<Entry> others;     // by character
+    [[nodiscard]] std::size_t placeOf(char32_t character) const;
+
+    std::array<float, 128> ascii_;
+    std::vector<Entry> others_;  // by character
   };
 
-  float advance(bool isMonospaced, char32_t character);
+  /// Nothing when it cannot be had now.
+  std::optional<float> advance(bool isMonospaced, char32_t character);
   void learnAdvances(bool isMonospaced, char32_t character);
   void learnGlyphs(std::string_view text, GlyphSheet& sheet);
   GlyphSheet& sheet(bool isMonospaced, std::int32_t size);

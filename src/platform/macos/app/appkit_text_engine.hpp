@@ -11,7 +11,9 @@ class AppKitTextEngine final : public TextEngine {
  public:
   [[nodiscard]] double width(const StyledText& text) override;
   [[nodiscard]] LineMetrics metrics(const Font& font) override;
-  void draw(AlphaBitmap& target, double scale, double x, double y, const StyledText& text) override;
+  /// Names all columns of the mask.
+  InkSpan draw(AlphaBitmap& target, double scale, double x, double y,
+               const StyledText& text) override;
 };
 
 }  // namespace vantora

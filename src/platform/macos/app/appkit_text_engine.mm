@@ -16,18 +16,18 @@ LineMetrics AppKitTextEngine::metrics(const Font& font) {
   return {.ascent = resolved.ascender, .descent = -resolved.descender};
 }
 
-void AppKitTextEngine::draw(AlphaBitmap& target, double scale, double x, double y,
-                            const StyledText& text) {
+InkSpan AppKitTextEngine::draw(AlphaBitmap& target, double scale, double x, double y,
+                               const StyledText& text) {
   const auto width = static_cast<std::size_t>(target.width);
   const auto height = static_cast<std::size_t>(target.height);
   if (width == 0 || height == 0) {
-    return;
+    return {};
   }
   // A bitmap context's first row is its top one, its origin the lower left corner.
   const CFOwned<CGContextRef> context(CGBitmapContextCreate(target.pixels.data(), width, height, 8,
                                                             width, nullptr, kCGImageAlphaOnly));
   if (!context) {
-    return;
+    return {.isFinal = false};
   }
   CGContextScaleCTM(context.get(), scale, scale);
   CGContextSetShouldSmoothFonts(context.get(), false);
@@ -36,6 +36,7 @@ void AppKitTextEngine::draw(AlphaBitmap& target, double scale, double x, double 
                                                                              flipped:NO];
   AppKitText::draw(AppKitText::attributed(text), x, y);
   [NSGraphicsContext restoreGraphicsState];
+  return {.begin = 0, .end = target.width};
 }
 
 }  // namespace vantora

@@ -15,9 +15,9 @@ class FreetypeTextEngine final : public TextEngine {
 
   [[nodiscard]] double width(const StyledText& text) override { return engine_.width(text); }
   [[nodiscard]] LineMetrics metrics(const Font& font) override { return engine_.metrics(font); }
-  void draw(AlphaBitmap& target, double scale, double x, double y,
-            const StyledText& text) override {
-    engine_.draw(target, scale, x, y, text);
+  InkSpan draw(AlphaBitmap& target, double scale, double x, double y,
+               const StyledText& text) override {
+    return engine_.draw(target, scale, x, y, text);
   }
 
  private:

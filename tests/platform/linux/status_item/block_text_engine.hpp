@@ -21,9 +21,10 @@ class BlockTextEngine final : public TextEngine {
   [[nodiscard]] LineMetrics metrics(const Font& font) override {
     return {.ascent = font.pointSize * 0.9, .descent = font.pointSize * 0.2};
   }
-  void draw(AlphaBitmap& target, double scale, double x, double y,
-            const StyledText& text) override {
+  InkSpan draw(AlphaBitmap& target, double scale, double x, double y,
+               const StyledText& text) override {
     ++drawnLines;
+    const double left = x;
     for (const TextRun& run : text) {
       for (std::size_t index = 0; index < run.text.size(); ++index) {
         fill(target, x * scale, y * scale, advance(run) * 0.9 * scale,
@@ -31,6 +32,10 @@ class BlockTextEngine final : public TextEngine {
         x += advance(run);
       }
     }
+    const auto column = [&](double points) {
+      return std::clamp(static_cast<int>(std::lround(points * scale)), 0, target.width);
+    };
+    return {column(left), column(x)};
   }
 
   int drawnLines = 0;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -242,6 +243,31 @@ TEST(GlyphTextEngine, DrawsAtAnySize) {
   }
   // ... and comes back to one that it gave up meanwhile.
   EXPECT_EQ(draw(engine, line("17%")), before);
+}
+
+/// Answers advances, and pictures only later.
+class LateGlyphs final : public GlyphSource {
+ public:
+  [[nodiscard]] std::optional<GlyphAnswer> draw(const GlyphRequest& request) override {
+    return request.size != 0 && isLate ? std::nullopt : glyphs_.draw(request);
+  }
+
+  bool isLate = true;
+
+ private:
+  FreetypeGlyphs glyphs_{dejavuFonts()};
+};
+
+TEST(GlyphTextEngine, SaysThatADrawingIsNotFinalWhileItHasNoPictureOfACharacter) {
+  LateGlyphs glyphs;
+  GlyphTextEngine engine(glyphs);
+  EXPECT_GT(engine.width(line("17%")), 0);
+  AlphaBitmap boxes(120, 40);
+  const InkSpan span = engine.draw(boxes, 2, 2, 5, line("17%"));
+  EXPECT_FALSE(span.isFinal);
+  EXPECT_LT(span.begin, span.end) << "boxes are ink";
+  glyphs.isLate = false;
+  EXPECT_TRUE(engine.draw(boxes, 2, 2, 5, line("17%")).isFinal);
 }
 
 TEST(GlyphTextEngine, AllocatesNothingForCharactersThatItHasDrawn) {
