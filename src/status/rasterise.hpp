@@ -13,6 +13,7 @@ struct ImageFrame {
   double height = 0;
   double left = 0;    ///< From the frame's left edge to the image's.
   double bottom = 0;  ///< From the frame's lower edge to the image's.
+  bool operator==(const ImageFrame&) const = default;
 };
 
 /// The picture as pixels, `scale` of them to a point. A picture whose size is no whole
