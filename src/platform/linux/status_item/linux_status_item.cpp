@@ -149,6 +149,7 @@ void LinuxStatusItem::watcherChanged(const StatusNotifierWatcher::State& state) 
   watcherState_ = state;
   if (isNewPanel) {
     isVertical_ = false;
+    drawn_.clear();
     takeContent();
     item_.setHasLabel(panel().form == PictureForm::label);
   }
@@ -279,6 +280,7 @@ void LinuxStatusItem::orientationChanged(bool isVertical) {
     return;
   }
   isVertical_ = isVertical;
+  drawn_.clear();
   takeContent();
   explain();
   if (isRegistered()) {
@@ -300,7 +302,7 @@ AlphaBitmap LinuxStatusItem::trayPicture(int width, int height, int scale) {
     ImageFrame frame = centredFrame(image, pointsWide, pointsHigh);
     frame.width -= hair;
     frame.height -= hair;
-    return rasterise(image, frame, engine_, scale);
+    return trayDrawn_.draw(image, frame, engine_, scale);
   };
   if (pointsWide + 1 >= presentation_.image.width) {
     return drawn(presentation_.image);
@@ -405,6 +407,10 @@ std::size_t LinuxStatusItem::pictureCount() const {
 }
 
 StatusNotifierContent::Picture LinuxStatusItem::picture(std::size_t index) {
+  if (index >= drawn_.size()) {
+    drawn_.resize(index + 1);
+  }
+  Drawn& drawn = drawn_[index];
   switch (form()) {
     case PictureForm::wide: {
       const StatusImage& image = presentation_.image;
@@ -417,16 +423,21 @@ StatusNotifierContent::Picture LinuxStatusItem::picture(std::size_t index) {
         frame.height = panel().exactHeights[index - maxScale];
         frame.bottom = centredFrame(image, frame.width, frame.height).bottom;
       }
-      return {rasterise(image, frame, engine_, scale), plateRadius * scale};
+      return {drawn.image.draw(image, frame, engine_, scale), plateRadius * scale};
     }
     case PictureForm::label:
-      return {applicationMark(markSides.at(index)), 0};
+      if (drawn.mark.pixels.empty()) {
+        drawn.mark = applicationMark(markSides.at(index));
+      }
+      return {drawn.mark, 0};
     case PictureForm::square: {
       const double side = squareSides.at(index);
-      return {rasterise(squareImage(square_, side, engine_), engine_, 1), side / plateRadius};
+      const StatusImage image = squareImage(square_, side, engine_);
+      const ImageFrame frame{.width = side, .height = side};
+      return {drawn.image.draw(image, frame, engine_, 1), side / plateRadius};
     }
   }
-  return {};
+  return {drawn.mark, 0};
 }
 
 Ink LinuxStatusItem::ink() const {

@@ -23,6 +23,7 @@
 #include "ports/popup_menu.hpp"
 #include "ports/status_item.hpp"
 #include "ports/tool_tip.hpp"
+#include "status/drawn_image.hpp"
 
 namespace vantora {
 
@@ -113,6 +114,14 @@ class LinuxStatusItem final : public StatusItem,
   StatusPresentation presentation_;
   SquareContent square_;  // of the square form; empty otherwise
   std::string label_;     // of the label form; empty otherwise
+
+  /// What was drawn for one of the pictures that panels ask for, for when they ask again.
+  struct Drawn {
+    DrawnImage image;
+    AlphaBitmap mark;
+  };
+  std::vector<Drawn> drawn_;  // by the picture's index, for the panel that is there now
+  DrawnImage trayDrawn_;
 
   StatusNotifierWatcher::State watcherState_;
   ColorScheme colorScheme_ = ColorScheme::noPreference;

@@ -21,10 +21,10 @@ class StatusNotifierContent {
  public:
   virtual ~StatusNotifierContent() = default;
 
-  /// One size of the icon, made on demand and not kept.
+  /// One size of the icon, made on demand.
   struct Picture {
-    AlphaBitmap bitmap;
-    double cornerRadius = 0;  ///< Of its plate, in pixels.
+    const AlphaBitmap& bitmap;  ///< Valid until the next picture().
+    double cornerRadius = 0;    ///< Of its plate, in pixels.
   };
   [[nodiscard]] virtual std::size_t pictureCount() const = 0;
   [[nodiscard]] virtual Picture picture(std::size_t index) = 0;

@@ -298,6 +298,32 @@ TEST_F(LinuxStatusItemTest, DrawsNothingBeforeAPanelAsks) {
   EXPECT_EQ(engine_.drawnLines, 6) << "three lines at two scales";
 }
 
+TEST_F(LinuxStatusItemTest, DrawsNothingTwiceForAPanelThatAsksAgain) {
+  startPanel("waybar");
+  startItem();
+  item_->show(examplePresentation("12%"));
+  ASSERT_TRUE(untilRegistered());
+  const ItemProperties first = ask();
+  engine_.drawnLines = 0;
+  const ItemProperties second = ask();
+  EXPECT_EQ(engine_.drawnLines, 0);
+  ASSERT_EQ(second.pixmaps.size(), first.pixmaps.size());
+  EXPECT_EQ(second.pixmaps[1].bytes, first.pixmaps[1].bytes);
+}
+
+TEST_F(LinuxStatusItemTest, DrawsNoSquareTwiceForAPanelThatAsksAgain) {
+  startPanel("plasmashell");
+  startItem();
+  item_->show(examplePresentation("12%"));
+  ASSERT_TRUE(untilRegistered());
+  const ItemProperties first = ask();
+  engine_.drawnLines = 0;
+  const ItemProperties second = ask();
+  EXPECT_EQ(engine_.drawnLines, 0);
+  ASSERT_EQ(second.pixmaps.size(), first.pixmaps.size());
+  EXPECT_EQ(second.pixmaps[1].bytes, first.pixmaps[1].bytes);
+}
+
 TEST_F(LinuxStatusItemTest, RegistersWithAPanelThatComesLate) {
   startItem();
   item_->show(examplePresentation("12%"));
