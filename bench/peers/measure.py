@@ -1,130 +1,57 @@
 #!/usr/bin/python3
-"""Runs Vantora and its peers one after the other and prints what each costs, as ratios
-to Vantora. Usage: measure.py SECONDS VANTORA_FOLDER [NAME...]
+# SPDX-License-Identifier: MIT
+"""measure.py [--moving] [--together] SECONDS VANTORA_FOLDER [NAME...]: what Vantora and its peers
+cost on the same laptop, as ratios to Vantora. scripts/bench-peers says more.
 
-CPU is the process's CPU clock (all threads, in nanoseconds), wake-ups are voluntary
-context switches of all threads, memory is smaps_rollup after the measured span
-(Anonymous: the private pages that the program wrote), and
-system calls come from a separate run under strace, which would disturb the others."""
+CPU is the process's CPU clock (all threads, in nanoseconds), switches are the voluntary context
+switches of all threads, memory is smaps_rollup after the measured span (Anonymous: the private
+pages that the program wrote), and system calls come from a span of their own under strace, which
+would disturb the others."""
+import argparse
 import contextlib
 import os
 import pathlib
+import shutil
 import signal
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 
-WARM_UP = 8
-TRACED = 20
+import figures
+import laptop
+import programs
+from session.servers import start_bus, start_display
 
-I3STATUS = """general { output_format = "none" colors = false interval = 1 }
-order += "battery all"
-order += "ethernet _first_"
-order += "cpu_usage"
-order += "cpu_temperature 0"
-battery all { format = "%percentage %remaining" }
-ethernet _first_ { format_up = "%ip (%speed)" format_down = "E: down" }
-cpu_usage { format = "%usage" }
-cpu_temperature 0 { format = "%degrees" }
-"""
-CONKY = """conky.config = { update_interval = 1, out_to_x = true, own_window = true,
-  double_buffer = true, use_xft = true, font = 'DejaVu Sans:size=9' }
-conky.text = [[${battery_percent} ${upspeed %s} ${downspeed %s} ${cpu cpu0}%%]]
-"""
-POLYBAR = """[bar/peer]
-width = 100%
-height = 24
-font-0 = DejaVu Sans:size=9
-modules-right = battery network cpu temperature
-[module/battery]
-type = internal/battery
-poll-interval = 1
-[module/network]
-type = internal/network
-interface = {interface}
-interval = 1
-label-connected = %upspeed% %downspeed%
-[module/cpu]
-type = internal/cpu
-interval = 1
-[module/temperature]
-type = internal/temperature
-interval = 1
-"""
-VANTORA = """{"schemaVersion":1,"intervalSeconds":1,"modules":[
-{"id":"00000000-0000-4000-8000-000000000001","enabled":true,"top":"batteryPercent","bottom":"batteryTime","widthMode":"fixed","width":34,"fontTop":9,"fontBottom":9,"alignment":"center"},
-{"id":"00000000-0000-4000-8000-000000000002","enabled":true,"top":"upload","bottom":"download","widthMode":"fixed","width":39,"fontTop":9,"fontBottom":9,"alignment":"center"},
-{"id":"00000000-0000-4000-8000-000000000003","enabled":true,"top":"cpuUsage","bottom":"cpuTemperature","widthMode":"fixed","width":34,"fontTop":9,"fontBottom":9,"alignment":"center"}],
-"gap":4,"horizontalPadding":3,"verticalPadding":0,"lineGap":0,"paused":false}"""
+WARM_UP = 8  # seconds
+MAX_TRACED = 20  # seconds
+# The panel that is played: it keeps the whole picture, so that every text is drawn.
+PANEL = "waybar"
+HERE = pathlib.Path(__file__).resolve().parent
 
 
-def default_interface():
-    for line in pathlib.Path("/proc/net/route").read_text().splitlines()[1:]:
-        name, destination = line.split()[:2]
-        if destination == "00000000":
-            return name
-    return "eth0"
+class Lines:
+    """Reads what a program writes, as a bar does, and counts the lines that differ from the one
+    before."""
+
+    def __init__(self, stream):
+        self.changes = 0
+        self.last = b""
+        self.thread = threading.Thread(target=self._read, args=[stream], daemon=True)
+        self.thread.start()
+
+    def _read(self, stream):
+        for line in stream:
+            self.changes += line != self.last
+            self.last = line
 
 
-def threads(pid):
-    return list(pathlib.Path(f"/proc/{pid}/task").iterdir())
+def started(stack, command, **options):
+    """A process that ends with the stack."""
+    process = subprocess.Popen(command, **{"stderr": subprocess.DEVNULL, **options})
 
-
-def cpu_seconds(pid):
-    # clock_getcpuclockid(3): the clock of another process, CPUCLOCK_SCHED.
-    return time.clock_gettime((~pid << 3) | 2)
-
-
-def switches(pid):
-    total = 0
-    for thread in threads(pid):
-        for line in (thread / "status").read_text().splitlines():
-            if line.startswith("voluntary_ctxt_switches"):
-                total += int(line.split()[1])
-    return total
-
-
-def memory(pid):
-    values = {}
-    for line in pathlib.Path(f"/proc/{pid}/smaps_rollup").read_text().splitlines()[1:]:
-        key, value = line.split(":")
-        values[key] = int(value.split()[0]) / 1024
-    return values["Rss"], values["Pss"], values["Anonymous"]
-
-
-def system_calls(pid):
-    with tempfile.NamedTemporaryFile("r") as summary:
-        tracer = subprocess.Popen(["strace", "-f", "-c", "-o", summary.name, "-p", str(pid)],
-                                  stderr=subprocess.DEVNULL)
-        time.sleep(TRACED)
-        tracer.send_signal(signal.SIGINT)
-        tracer.wait()
-        for line in summary.read().splitlines():
-            if line.endswith("total"):
-                return int(line.split()[3 if len(line.split()) > 3 else 2]) / TRACED
-    return float("nan")
-
-
-def measure(pid, seconds):
-    time.sleep(WARM_UP)
-    cpu, woken, start = cpu_seconds(pid), switches(pid), time.monotonic()
-    time.sleep(seconds)
-    minutes = (time.monotonic() - start) / 60
-    rss, pss, anonymous = memory(pid)
-    return {"CPU ms/min": (cpu_seconds(pid) - cpu) * 1000 / minutes,
-            "switches/min": (switches(pid) - woken) / minutes,
-            "RSS MB": rss, "PSS MB": pss, "Anonymous MB": anonymous,
-            "calls/s": system_calls(pid)}
-
-
-@contextlib.contextmanager
-def running(command, **options):
-    process = subprocess.Popen(command, **{"stdout": subprocess.DEVNULL,
-                                           "stderr": subprocess.DEVNULL, **options})
-    try:
-        yield process
-    finally:
+    def end():
         process.terminate()
         try:
             process.wait(5)
@@ -132,65 +59,126 @@ def running(command, **options):
             process.kill()
             process.wait()
 
+    stack.callback(end)
+    return process
 
-@contextlib.contextmanager
-def session(folder):
-    """A display, a session bus and a panel of this run alone."""
-    reader, writer = os.pipe()
-    with running(["Xvfb", "-displayfd", str(writer), "-screen", "0", "1280x720x24",
-                  "-nolisten", "tcp"], pass_fds=[writer]):
-        display = ":" + os.read(reader, 16).decode().strip()
-        with running(["dbus-daemon", "--session", "--nofork", "--print-address=1"],
-                     stdout=subprocess.PIPE) as bus:
-            address = bus.stdout.readline().decode().strip()
-            environment = {**os.environ, "DISPLAY": display, "DBUS_SESSION_BUS_ADDRESS": address,
-                           "XDG_CONFIG_HOME": str(folder), "LC_ALL": "C.UTF-8"}
-            here = pathlib.Path(__file__).parent
-            with running(["/usr/bin/python3", str(here / "panel.py")], env=environment,
-                         stdin=subprocess.PIPE):
-                time.sleep(1)
-                yield environment
+
+def start_session(stack, folder):
+    """A display, a bus and a panel of this run alone: the environment, and the panel's words."""
+    def start(command, **options):
+        return started(stack, command, **options)
+
+    _, display = start_display(start)
+    _, address = start_bus(start, folder / "bus")
+    environment = {**os.environ, "DISPLAY": display, "DBUS_SESSION_BUS_ADDRESS": address,
+                   "XDG_CONFIG_HOME": str(folder), "LC_ALL": "C.UTF-8"}
+    link = folder / PANEL
+    link.symlink_to("/usr/bin/python3")
+    panel = start([link, HERE / "panel.py", "--count"], env=environment, stdin=subprocess.PIPE,
+                  stdout=subprocess.PIPE)
+    time.sleep(1)
+    return environment, Lines(panel.stdout)
+
+
+def system_calls(pid, seconds):
+    with tempfile.NamedTemporaryFile("r") as summary:
+        tracer = subprocess.Popen(["strace", "-f", "-c", "-o", summary.name, "-p", str(pid)],
+                                  stderr=subprocess.DEVNULL)
+        time.sleep(seconds)
+        tracer.send_signal(signal.SIGINT)
+        tracer.wait()
+        return figures.calls_in(summary.read()) / seconds
+
+
+class Program:
+    def __init__(self, stack, title, command, environment, fetches):
+        self.title = title
+        self.process = started(stack, command, env=environment, stdout=subprocess.PIPE)
+        # What the panel fetched is what the status item told.
+        self.output = fetches if title == "Vantora" else Lines(self.process.stdout)
+        if title == "Vantora":
+            Lines(self.process.stdout)
+
+    def begin(self):
+        self.span = figures.Span(self.process.pid)
+        self.changes = self.output.changes
+
+    def row(self, seconds):
+        if self.process.poll() is not None:
+            sys.exit(f"{self.title} ended with status {self.process.returncode}")
+        row = self.span.row()
+        self.changes = self.output.changes - self.changes
+        print(f"{self.title}: {self.changes} changes seen in {seconds} s; "
+              f"last: {self.output.last.decode(errors='replace').strip() or '(drawn)'}",
+              file=sys.stderr)
+        return {**row, **figures.memory(self.process.pid)}
+
+
+def measure(rows, environment, fetches, seconds):
+    """All of `rows` at once."""
+    with contextlib.ExitStack() as stack:
+        running = [Program(stack, title, command, environment, fetches)
+                   for title, command in rows.items()]
+        time.sleep(WARM_UP)
+        for program in running:
+            program.begin()
+        time.sleep(seconds)
+        results = {program.title: program.row(seconds) for program in running}
+        if shutil.which("strace"):
+            for program in running:
+                results[program.title]["calls/s"] = system_calls(program.process.pid,
+                                                                 min(MAX_TRACED, seconds))
+        return results
+
+
+def chosen(rows, wanted):
+    """Those that are wanted and can be started; Vantora always, as the ratios are to it."""
+    found = {}
+    for title, command in rows.items():
+        if wanted and title != "Vantora" and not any(title.startswith(name) for name in wanted):
+            continue
+        if shutil.which(command[0]) is None:
+            print(f"{command[0]} is not installed: without the row \"{title}\"", file=sys.stderr)
+            continue
+        found[title] = command
+    return found
+
+
+def measure_all(options, mode):
+    with tempfile.TemporaryDirectory() as name, contextlib.ExitStack() as stack:
+        folder = pathlib.Path(name)
+        laptop.build(folder)
+        stack.enter_context(laptop.feeding(mode, folder))
+        programs.write(folder)
+        environment, fetches = start_session(stack, folder)
+        rows = chosen(programs.commands(folder, options.programs), options.names)
+        groups = [rows] if options.together else [{title: rows[title]} for title in rows]
+        results = {}
+        for group in groups:
+            results.update(measure(group, environment, fetches, options.seconds))
+        return results
 
 
 def main():
-    seconds, programs = int(sys.argv[1]), pathlib.Path(sys.argv[2])
-    wanted = sys.argv[3:]
-    interface = default_interface()
-    results = {}
-    with tempfile.TemporaryDirectory() as name:
-        folder = pathlib.Path(name)
-        (folder / "Vantora").mkdir()
-        (folder / "Vantora/configuration.json").write_text(VANTORA)
-        (folder / "i3status").write_text(I3STATUS)
-        (folder / "conky").write_text(CONKY % (interface, interface))
-        (folder / "polybar").write_text(POLYBAR.replace("{interface}", interface))
-        commands = {
-            "Vantora": [programs / "vantora"],
-            "vantora-print --follow": [programs / "vantora-print", "--follow"],
-            "i3status": ["i3status", "-c", folder / "i3status"],
-            "conky": ["conky", "-c", folder / "conky"],
-            "polybar": ["polybar", "-c", folder / "polybar", "peer"],
-        }
-        with session(folder) as environment:
-            for title, command in commands.items():
-                if wanted and title not in wanted and title != "Vantora":
-                    continue
-                # A pipe that is read, as a bar reads it.
-                with running(list(map(str, command)), env=environment,
-                             stdout=subprocess.PIPE) as process:
-                    with running(["cat"], stdin=process.stdout):
-                        results[title] = measure(process.pid, seconds)
-                    if process.poll() is not None:
-                        sys.exit(f"{title} ended with status {process.returncode}")
-    columns = list(next(iter(results.values())))
-    print(f"{'program':24}" + "".join(f"{column:>24}" for column in columns))
-    base = results["Vantora"]
-    for title, row in results.items():
-        cells = "".join(f"{row[c]:>14.1f} ({row[c] / base[c]:6.2f}x)" for c in columns)
-        print(f"{title:24}{cells}")
-    print(f"{seconds} s each after {WARM_UP} s of warm-up, at 1 s; calls over {TRACED} s traced; "
-          f"{os.uname().machine}, Linux {os.uname().release}, {os.cpu_count()} cores, "
-          f"{time.strftime('%Y-%m-%d')}")
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--moving", action="store_true")
+    parser.add_argument("--together", action="store_true")
+    parser.add_argument("seconds", type=int)
+    parser.add_argument("programs", type=pathlib.Path)
+    parser.add_argument("names", nargs="*")
+    options = parser.parse_args()
+    mode = "moving" if options.moving else "still"
+    load = os.getloadavg()[0]
+    try:
+        laptop.go_apart()
+        results = measure_all(options, mode)
+    except laptop.Unavailable as problem:
+        sys.exit(f"bench-peers cannot give all programs the same readings: {problem}.")
+    print(figures.table(results))
+    print(f"{'a text changes each second' if options.moving else 'nothing changes'}, "
+          f"{'all side by side' if options.together else 'each alone'}; {options.seconds} s after "
+          f"{WARM_UP} s of warm-up, at 1 s; {os.uname().machine}, Linux {os.uname().release}, "
+          f"{os.cpu_count()} cores, load {load:.1f} before, {time.strftime('%Y-%m-%d')}")
 
 
 main()

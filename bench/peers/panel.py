@@ -1,7 +1,8 @@
 #!/usr/bin/python3
 """A panel without a window: watches for status items as a desktop's panel does, and
 fetches the picture and the tool tip of each at every change. It owns
-org.kde.StatusNotifierWatcher on the session bus and ends with its standard input."""
+org.kde.StatusNotifierWatcher on the session bus and ends with its standard input. With --count
+it writes a line at each fetch."""
 import sys
 
 from gi.repository import Gio, GLib
@@ -41,6 +42,8 @@ def fetch(connection, sender):
         try:
             source.call_finish(result)
             fetches += 1
+            if "--count" in sys.argv:
+                print(fetches, flush=True)
         except GLib.Error as error:
             print(error.message, file=sys.stderr)
 
