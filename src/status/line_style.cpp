@@ -19,7 +19,7 @@ double maxFontSize(double rowHeight) {
 }
 
 Font font(double size, double rowHeight, MetricID metric) {
-  return {isRate(metric) ? FontFace::monospaced : FontFace::tabularDigits,
+  return {isRate(metric) ? Typeface::monospaced : Typeface::tabularDigits,
           std::min(size, maxFontSize(rowHeight))};
 }
 
@@ -35,7 +35,7 @@ void style(std::string_view text, const Font& font, MetricID metric, StyledText&
     constexpr double unitShare = 0.7;
     constexpr double minUnitSize = 5;
     line.back().text = "M";
-    line.back().font = {FontFace::monospaced, std::max(font.pointSize * unitShare, minUnitSize)};
+    line.back().font = {Typeface::monospaced, std::max(font.pointSize * unitShare, minUnitSize)};
   }
 }
 

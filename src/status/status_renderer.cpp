@@ -232,7 +232,7 @@ bool hasReducedFont(const AppConfiguration& configuration, const std::vector<Sta
 void layOutMark(double height, TextEngine& engine, StatusPresentation& presentation) {
   constexpr double width = 20;
   constexpr double lineHeight = 11;
-  const Font font{FontFace::system, 9};
+  const Font font{Typeface::system, 9};
   presentation.image.width = width;
   presentation.image.height = height;
   presentation.image.texts.clear();

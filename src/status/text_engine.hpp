@@ -14,14 +14,14 @@
 namespace vantora {
 
 /// The typefaces that the picture uses, all of medium weight.
-enum class FontFace : std::uint8_t {
+enum class Typeface : std::uint8_t {
   system,         ///< The desktop's user interface typeface.
   tabularDigits,  ///< The same, with all digits of one width.
   monospaced,     ///< Every glyph of one width.
 };
 
 struct Font {
-  FontFace face = FontFace::tabularDigits;
+  Typeface typeface = Typeface::tabularDigits;
   double pointSize = 9;
   auto operator<=>(const Font&) const = default;
 };

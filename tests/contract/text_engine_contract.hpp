@@ -24,12 +24,12 @@ struct TextEngineMaker {
 };
 
 struct TextEngineContract : ::testing::TestWithParam<TextEngineMaker> {
-  static constexpr std::array faces{FontFace::system, FontFace::tabularDigits,
-                                    FontFace::monospaced};
+  static constexpr std::array typefaces{Typeface::system, Typeface::tabularDigits,
+                                        Typeface::monospaced};
 
-  static StyledText line(std::string text, FontFace face = FontFace::tabularDigits,
+  static StyledText line(std::string text, Typeface typeface = Typeface::tabularDigits,
                          double pointSize = 9) {
-    return {{std::move(text), {face, pointSize}}};
+    return {{std::move(text), {typeface, pointSize}}};
   }
 
   /// The columns and rows that hold ink; end is one past.
@@ -69,34 +69,35 @@ TEST_P(TextEngineContract, GivesAnEmptyLineNoWidthAndNoInk) {
 }
 
 TEST_P(TextEngineContract, AddsUpTheWidthsOfItsRuns) {
-  const StyledText first = line("0,04", FontFace::monospaced);
-  const StyledText second = line("M", FontFace::monospaced, 6.3);
+  const StyledText first = line("0,04", Typeface::monospaced);
+  const StyledText second = line("M", Typeface::monospaced, 6.3);
   const StyledText both{first.front(), second.front()};
   EXPECT_GT(engine->width(first), 0);
   EXPECT_NEAR(engine->width(both), engine->width(first) + engine->width(second), 1e-9);
 }
 
 TEST_P(TextEngineContract, SetsAllDigitsInOneWidth) {
-  for (const FontFace face : {FontFace::tabularDigits, FontFace::monospaced}) {
+  for (const Typeface typeface : {Typeface::tabularDigits, Typeface::monospaced}) {
     for (const char* digit : {"1", "2", "3", "4", "5", "6", "7", "8", "9"}) {
-      EXPECT_NEAR(engine->width(line(digit, face)), engine->width(line("0", face)), 1e-6) << digit;
+      EXPECT_NEAR(engine->width(line(digit, typeface)), engine->width(line("0", typeface)), 1e-6)
+          << digit;
     }
   }
 }
 
 TEST_P(TextEngineContract, SetsEveryMonospacedCharacterInOneWidth) {
-  const double zero = engine->width(line("0", FontFace::monospaced));
+  const double zero = engine->width(line("0", Typeface::monospaced));
   for (const char* character : {",", "M", ">", "1", "—"}) {
-    EXPECT_NEAR(engine->width(line(character, FontFace::monospaced)), zero, 1e-6) << character;
+    EXPECT_NEAR(engine->width(line(character, Typeface::monospaced)), zero, 1e-6) << character;
   }
 }
 
 TEST_P(TextEngineContract, GrowsWithThePointSize) {
-  for (const FontFace face : faces) {
-    EXPECT_NEAR(engine->width(line("166:39", face, 12)),
-                1.5 * engine->width(line("166:39", face, 8)), 0.5);
-    const LineMetrics small = engine->metrics({face, 8});
-    const LineMetrics large = engine->metrics({face, 12});
+  for (const Typeface typeface : typefaces) {
+    EXPECT_NEAR(engine->width(line("166:39", typeface, 12)),
+                1.5 * engine->width(line("166:39", typeface, 8)), 0.5);
+    const LineMetrics small = engine->metrics({typeface, 8});
+    const LineMetrics large = engine->metrics({typeface, 12});
     EXPECT_GT(small.ascent, 0);
     EXPECT_GT(small.descent, 0);
     EXPECT_NEAR(large.ascent, 1.5 * small.ascent, 0.5);
@@ -105,20 +106,20 @@ TEST_P(TextEngineContract, GrowsWithThePointSize) {
 }
 
 TEST_P(TextEngineContract, HasALineBoxOfAboutTheFontsSize) {
-  for (const FontFace face : faces) {
-    const LineMetrics metrics = engine->metrics({face, 10});
+  for (const Typeface typeface : typefaces) {
+    const LineMetrics metrics = engine->metrics({typeface, 10});
     EXPECT_GT(metrics.ascent, 7);
     EXPECT_LT(metrics.ascent + metrics.descent, 15);
   }
 }
 
 TEST_P(TextEngineContract, PutsItsTextOnTheBaseline) {
-  for (const FontFace face : faces) {
+  for (const Typeface typeface : typefaces) {
     for (const int scale : {1, 2, 3}) {
       AlphaBitmap bitmap(60 * scale, 30 * scale);
-      engine->draw(bitmap, scale, 10, 8, line("0123", face, 10));
+      engine->draw(bitmap, scale, 10, 8, line("0123", typeface, 10));
       const Ink ink = inkOf(bitmap);
-      const double width = engine->width(line("0123", face, 10)) * scale;
+      const double width = engine->width(line("0123", typeface, 10)) * scale;
       EXPECT_NEAR(ink.left, 10 * scale, 2 * scale);
       EXPECT_NEAR(ink.right, 10 * scale + width, 2 * scale);
       // Round digits may reach a little below the baseline.
@@ -132,9 +133,9 @@ TEST_P(TextEngineContract, PutsItsTextOnTheBaseline) {
 TEST_P(TextEngineContract, PutsRunsSideBySide) {
   AlphaBitmap together(60, 20);
   engine->draw(together, 1, 3, 5,
-               {{"12", {FontFace::monospaced, 10}}, {"34", {FontFace::monospaced, 10}}});
+               {{"12", {Typeface::monospaced, 10}}, {"34", {Typeface::monospaced, 10}}});
   AlphaBitmap asOne(60, 20);
-  engine->draw(asOne, 1, 3, 5, line("1234", FontFace::monospaced, 10));
+  engine->draw(asOne, 1, 3, 5, line("1234", Typeface::monospaced, 10));
   EXPECT_EQ(together, asOne);
 }
 

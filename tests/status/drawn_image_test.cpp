@@ -11,7 +11,7 @@
 namespace vantora {
 namespace {
 
-const Font font{FontFace::tabularDigits, 9};
+const Font font{Typeface::tabularDigits, 9};
 const ImageFrame frame{.width = 126, .height = 22, .left = 3};
 
 PlacedText line(double x, double y, std::string text) {

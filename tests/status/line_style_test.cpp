@@ -8,7 +8,7 @@ namespace {
 
 double unitSize(double pointSize) {
   const StyledText text =
-      LineStyle::styled("0,04M", {FontFace::monospaced, pointSize}, MetricID::download);
+      LineStyle::styled("0,04M", {Typeface::monospaced, pointSize}, MetricID::download);
   return text.size() == 2 ? text.back().font.pointSize : 0;
 }
 
@@ -19,8 +19,8 @@ TEST(LineStyle, KeepsTheUnitOfARateAtFivePointsAtLeast) {
 }
 
 TEST(LineStyle, SetsAUnitWithoutDigitsAlone) {
-  const StyledText text = LineStyle::styled("M", {FontFace::monospaced, 10}, MetricID::upload);
-  EXPECT_EQ(text, (StyledText{{"M", {FontFace::monospaced, 7}}}));
+  const StyledText text = LineStyle::styled("M", {Typeface::monospaced, 10}, MetricID::upload);
+  EXPECT_EQ(text, (StyledText{{"M", {Typeface::monospaced, 7}}}));
 }
 
 }  // namespace

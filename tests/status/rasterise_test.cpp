@@ -37,7 +37,7 @@ TEST(Rasterise, RoundsAPartOfAPixelUp) {
 TEST(Rasterise, DrawsEveryTextAtItsPlace) {
   test::FakeTextEngine engine;
   StatusImage image = imageOf(40, 20);
-  const Font font{FontFace::tabularDigits, 10};
+  const Font font{Typeface::tabularDigits, 10};
   image.texts.push_back({2, 12, {{"1", font}}});
   image.texts.push_back({30, 1, {{"1", font}}});
   const AlphaBitmap bitmap = rasterise(image, engine, 1);
@@ -73,9 +73,9 @@ TEST(Rasterise, MakesPicturesFromOnePixelToItsLimit) {
 TEST(Rasterise, PutsAnImageIntoAFrame) {
   test::FakeTextEngine engine;
   StatusImage image = imageOf(20, 10);
-  image.texts.push_back({2, 1, {{"7%", {FontFace::system, 5}}}});
+  image.texts.push_back({2, 1, {{"7%", {Typeface::system, 5}}}});
   StatusImage moved = imageOf(26, 15);
-  moved.texts.push_back({5, 3, {{"7%", {FontFace::system, 5}}}});
+  moved.texts.push_back({5, 3, {{"7%", {Typeface::system, 5}}}});
   const ImageFrame frame{.width = 26, .height = 15, .left = 3, .bottom = 2};
   EXPECT_EQ(rasterise(image, frame, engine, 2), rasterise(moved, engine, 2));
 }

@@ -72,7 +72,7 @@ void expectFallback(const StatusPresentation& presentation, double height) {
   EXPECT_EQ(presentation.warning, std::nullopt);
   ASSERT_EQ(presentation.image.texts.size(), 1U);
   const PlacedText& mark = presentation.image.texts.front();
-  EXPECT_EQ(mark.text, (StyledText{{"VA", {FontFace::system, 9}}}));
+  EXPECT_EQ(mark.text, (StyledText{{"VA", {Typeface::system, 9}}}));
   EXPECT_EQ(mark.x, 2);
   // The text's box, not its baseline, is on the point.
   EXPECT_DOUBLE_EQ(mark.y, (height - 11) * 0.5 + FakeTextEngine::descent * 9);
@@ -188,10 +188,10 @@ TEST_F(StatusRendererTest, SetsRatesMonospacedAndEverythingElseInTabularDigits) 
   add(MetricID::batteryTime, MetricID::download);
   const StatusImage image = render().image;
   ASSERT_EQ(image.texts.size(), 4U);
-  EXPECT_EQ(image.texts[0].text.front().font, (Font{FontFace::monospaced, 9}));
-  EXPECT_EQ(image.texts[1].text.front().font, (Font{FontFace::tabularDigits, 9}));
-  EXPECT_EQ(image.texts[2].text.front().font, (Font{FontFace::tabularDigits, 9}));
-  EXPECT_EQ(image.texts[3].text.front().font, (Font{FontFace::monospaced, 9}));
+  EXPECT_EQ(image.texts[0].text.front().font, (Font{Typeface::monospaced, 9}));
+  EXPECT_EQ(image.texts[1].text.front().font, (Font{Typeface::tabularDigits, 9}));
+  EXPECT_EQ(image.texts[2].text.front().font, (Font{Typeface::tabularDigits, 9}));
+  EXPECT_EQ(image.texts[3].text.front().font, (Font{Typeface::monospaced, 9}));
 }
 
 TEST_F(StatusRendererTest, ReducesAFontToItsRowAndWarns) {
@@ -232,22 +232,22 @@ TEST_F(StatusRendererTest, DoesNotWarnOfAHiddenModulesFont) {
 TEST_F(StatusRendererTest, SetsTheUnitOfARateSmaller) {
   add(MetricID::upload, MetricID::download);
   const StatusImage image = render().image;
-  const Font unit{FontFace::monospaced, 9 * 0.7};
-  EXPECT_EQ(image.texts[0].text, (StyledText{{"0,04", {FontFace::monospaced, 9}}, {"M", unit}}));
-  EXPECT_EQ(image.texts[1].text, (StyledText{{"125", {FontFace::monospaced, 9}}, {"M", unit}}));
+  const Font unit{Typeface::monospaced, 9 * 0.7};
+  EXPECT_EQ(image.texts[0].text, (StyledText{{"0,04", {Typeface::monospaced, 9}}, {"M", unit}}));
+  EXPECT_EQ(image.texts[1].text, (StyledText{{"125", {Typeface::monospaced, 9}}, {"M", unit}}));
 }
 
 TEST_F(StatusRendererTest, LeavesARateWithoutUnitInOneRun) {
   snapshot.samples.set(MetricID::upload, MetricSample::waiting("fonte"));
   add(MetricID::upload, MetricID::none);
-  EXPECT_EQ(render().image.texts[0].text, (StyledText{{"—", {FontFace::monospaced, 9}}}));
+  EXPECT_EQ(render().image.texts[0].text, (StyledText{{"—", {Typeface::monospaced, 9}}}));
 }
 
 TEST_F(StatusRendererTest, LeavesOtherTextsThatEndInTheUnitLetterAlone) {
   add(MetricID::codexWeeklyPercent, MetricID::codexWeeklyReset);
   snapshot.codex.status = CodexQuotaStatus::weeklyUnavailable;
   const StatusImage image = render().image;
-  EXPECT_EQ(image.texts[1].text, (StyledText{{"S/SEM", {FontFace::tabularDigits, 9}}}));
+  EXPECT_EQ(image.texts[1].text, (StyledText{{"S/SEM", {Typeface::tabularDigits, 9}}}));
 }
 
 // --- widths
@@ -435,8 +435,8 @@ TEST_F(StatusRendererTest, HandsOnTheModulesThatThePictureIsMadeOf) {
       modules[0],
       (StatusModule{.id = configuration.modules[1].id,
                     .index = 1,
-                    .top = {MetricID::cpuUsage, "17%", true, {FontFace::tabularDigits, 9}},
-                    .bottom = {MetricID::batteryTime, "—", false, {FontFace::tabularDigits, 7}},
+                    .top = {MetricID::cpuUsage, "17%", true, {Typeface::tabularDigits, 9}},
+                    .bottom = {MetricID::batteryTime, "—", false, {Typeface::tabularDigits, 7}},
                     .x = 3,
                     .width = 34}));
   EXPECT_EQ(modules[1].index, 2U);

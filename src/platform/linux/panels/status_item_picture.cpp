@@ -176,7 +176,7 @@ std::string labelText(const StatusPresentation& presentation) {
 SquareContent squareContent(const StatusPresentation& presentation) {
   const std::vector<StatusModule>& modules = presentation.modules;
   if (modules.empty()) {
-    return {{{StatusPresentation::emptyMark, {FontFace::system, 9}}}, {}};
+    return {{{StatusPresentation::emptyMark, {Typeface::system, 9}}}, {}};
   }
   const auto reading = std::find_if(modules.begin(), modules.end(),
                                     [](const StatusModule& module) { return module.hasReading(); });

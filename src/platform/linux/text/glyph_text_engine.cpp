@@ -195,7 +195,7 @@ double GlyphTextEngine::width(const StyledText& text) {
   for (const TextRun& run : text) {
     double ems = 0;
     for (std::string_view rest = run.text; !rest.empty();) {
-      ems += advance(run.font.face == FontFace::monospaced, takeCharacter(rest))
+      ems += advance(run.font.typeface == Typeface::monospaced, takeCharacter(rest))
                  .value_or(static_cast<float>(unknownAdvance));
     }
     sum += ems * run.font.pointSize;
@@ -223,7 +223,7 @@ InkSpan GlyphTextEngine::draw(AlphaBitmap& target, double scale, double x, doubl
   // Baselines are on whole rows of pixels: that is what keeps small type crisp.
   const int baseline = target.height - static_cast<int>(std::lround(y * scale));
   for (const TextRun& run : text) {
-    const bool isMonospaced = run.font.face == FontFace::monospaced;
+    const bool isMonospaced = run.font.typeface == Typeface::monospaced;
     constexpr double minPixels = 1;
     constexpr double maxPixels = 512;
     const auto size = static_cast<std::int32_t>(

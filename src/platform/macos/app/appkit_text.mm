@@ -9,12 +9,12 @@
 namespace vantora::AppKitText {
 
 NSFont* font(const Font& font) {
-  switch (font.face) {
-    case FontFace::system:
+  switch (font.typeface) {
+    case Typeface::system:
       return [NSFont systemFontOfSize:font.pointSize weight:NSFontWeightMedium];
-    case FontFace::monospaced:
+    case Typeface::monospaced:
       return [NSFont monospacedSystemFontOfSize:font.pointSize weight:NSFontWeightMedium];
-    case FontFace::tabularDigits:
+    case Typeface::tabularDigits:
       break;
   }
   return [NSFont monospacedDigitSystemFontOfSize:font.pointSize weight:NSFontWeightMedium];

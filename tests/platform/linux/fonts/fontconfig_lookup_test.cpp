@@ -105,7 +105,7 @@ TEST_F(FontconfigLookup, AddsAFontForWhatTheFaceLacks) {
   EXPECT_EQ(fonts.text[1].path, font("DejaVuSerif.ttf"));
   FreetypeTextEngine engine(fonts);
   FreetypeTextEngine serif({{fonts.text[1]}, {}});
-  const StyledText text{{"—", {FontFace::tabularDigits, 9}}};
+  const StyledText text{{"—", {Typeface::tabularDigits, 9}}};
   EXPECT_EQ(engine.width(text), serif.width(text));
 }
 

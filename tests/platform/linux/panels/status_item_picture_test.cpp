@@ -16,7 +16,7 @@ namespace {
 using test::BlockTextEngine;
 
 StyledText line(const std::string& text, double pointSize = 9) {
-  return {{.text = text, .font = {.face = FontFace::tabularDigits, .pointSize = pointSize}}};
+  return {{.text = text, .font = {.typeface = Typeface::tabularDigits, .pointSize = pointSize}}};
 }
 
 StatusModule module(const std::string& top, const std::string& bottom) {
@@ -82,14 +82,14 @@ TEST(StatusItemPicture, ShowsTheFirstModuleWithAReadingInASquare) {
 TEST(StatusItemPicture, SetsTheSquaresTextsAsThePictureDoes) {
   StatusModule rate = module("0,1M", "");
   rate.top.metric = MetricID::upload;
-  rate.top.font = {FontFace::monospaced, 10};
+  rate.top.font = {Typeface::monospaced, 10};
   const SquareContent content = squareContent(presentation({rate}));
   EXPECT_EQ(content.top,
-            (StyledText{{"0,1", {FontFace::monospaced, 10}}, {"M", {FontFace::monospaced, 7}}}));
+            (StyledText{{"0,1", {Typeface::monospaced, 10}}, {"M", {Typeface::monospaced, 7}}}));
 }
 
 TEST(StatusItemPicture, ShowsTheMarkInASquareWhereThereIsNoModule) {
-  EXPECT_EQ(squareContent({}), (SquareContent{{{"VA", {FontFace::system, 9}}}, {}}));
+  EXPECT_EQ(squareContent({}), (SquareContent{{{"VA", {Typeface::system, 9}}}, {}}));
 }
 
 TEST(StatusItemPicture, DrawsAModuleInsideOfASquareOfAnySize) {
@@ -120,7 +120,7 @@ TEST(StatusItemPicture, DrawsASingleLineLargerThanOneOfTwo) {
 TEST(StatusItemPicture, KeepsTheProportionsOfALinesRuns) {
   BlockTextEngine engine;
   StyledText text = line("0,1", 9);
-  text.push_back({.text = "M", .font = {.face = FontFace::monospaced, .pointSize = 6}});
+  text.push_back({.text = "M", .font = {.typeface = Typeface::monospaced, .pointSize = 6}});
   const StyledText drawn = squareImage({text, {}}, 32, engine).texts.front().text;
   EXPECT_NEAR(drawn[1].font.pointSize / drawn[0].font.pointSize, 6.0 / 9.0, 1e-9);
 }

@@ -12,7 +12,7 @@
 namespace vantora::test {
 
 inline StyledText line(const std::string& text) {
-  return {{.text = text, .font = {.face = FontFace::tabularDigits, .pointSize = 9}}};
+  return {{.text = text, .font = {.typeface = Typeface::tabularDigits, .pointSize = 9}}};
 }
 
 inline StatusLine statusLine(const std::string& text) {

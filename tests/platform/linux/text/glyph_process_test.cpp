@@ -68,7 +68,7 @@ TEST_F(GlyphProcessTest, TakesNothingFromAProgramThatAnswersSomethingElse) {
 TEST_F(GlyphProcessTest, KeepsThePictureInShapeWithoutAnswers) {
   GlyphProcess process(folder / "glyphs", time);
   GlyphTextEngine engine(process);
-  const StyledText text{{"17%", {FontFace::tabularDigits, 9}}};
+  const StyledText text{{"17%", {Typeface::tabularDigits, 9}}};
   EXPECT_NEAR(engine.width(text), 3 * 0.6 * 9, 1e-4);
   AlphaBitmap boxes(60, 20);
   engine.draw(boxes, 1, 2, 5, text);

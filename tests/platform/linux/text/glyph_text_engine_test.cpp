@@ -35,8 +35,8 @@ namespace {
 
 using test::dejavuFonts;
 
-StyledText line(std::string text, FontFace face = FontFace::tabularDigits, double size = 9) {
-  return {{std::move(text), {face, size}}};
+StyledText line(std::string text, Typeface typeface = Typeface::tabularDigits, double size = 9) {
+  return {{std::move(text), {typeface, size}}};
 }
 
 AlphaBitmap draw(TextEngine& engine, const StyledText& text, double scale = 2, double x = 2,
@@ -61,26 +61,26 @@ std::string write(const std::filesystem::path& path, std::string_view bytes) {
 
 TEST(GlyphTextEngine, MeasuresAsTheFontSays) {
   FreetypeTextEngine engine(dejavuFonts());
-  // DejaVu Sans: digits 1303 of 2048 units, the percent sign 1946; the mono face 1233.
+  // DejaVu Sans: digits 1303 of 2048 units, the percent sign 1946; the mono typeface 1233.
   EXPECT_NEAR(engine.width(line("17%")), (2 * 1303 + 1946) / 2048.0 * 9, 1e-4);
-  EXPECT_NEAR(engine.width(line("0,04", FontFace::monospaced)), 4 * 1233 / 2048.0 * 9, 1e-4);
+  EXPECT_NEAR(engine.width(line("0,04", Typeface::monospaced)), 4 * 1233 / 2048.0 * 9, 1e-4);
 }
 
 TEST(GlyphTextEngine, CentresTheDigitsInItsLineBox) {
   FreetypeTextEngine engine(dejavuFonts());
-  const LineMetrics metrics = engine.metrics({FontFace::tabularDigits, 9});
+  const LineMetrics metrics = engine.metrics({Typeface::tabularDigits, 9});
   EXPECT_NEAR(metrics.ascent + metrics.descent, 11, 1e-9);
   const double digitHeight = 1493 / 2048.0 * 9;
   EXPECT_NEAR(metrics.ascent - digitHeight, metrics.descent, 1e-3);
 }
 
 TEST(GlyphTextEngine, HasOneLineBoxForAllFaces) {
-  // So that lines in different faces share a baseline.
+  // So that lines in different typefaces share a baseline.
   FreetypeTextEngine engine(dejavuFonts());
-  const LineMetrics text = engine.metrics({FontFace::tabularDigits, 9});
-  for (const FontFace face : {FontFace::system, FontFace::monospaced}) {
-    EXPECT_EQ(engine.metrics({face, 9}).ascent, text.ascent);
-    EXPECT_EQ(engine.metrics({face, 9}).descent, text.descent);
+  const LineMetrics text = engine.metrics({Typeface::tabularDigits, 9});
+  for (const Typeface typeface : {Typeface::system, Typeface::monospaced}) {
+    EXPECT_EQ(engine.metrics({typeface, 9}).ascent, text.ascent);
+    EXPECT_EQ(engine.metrics({typeface, 9}).descent, text.descent);
   }
 }
 
@@ -142,17 +142,17 @@ TEST(GlyphTextEngine, ThickensAFaceThatIsLighterThanMedium) {
 }
 
 TEST(GlyphTextEngine, BorrowsLettersFromTheFontsBehindTheFirst) {
-  // DejaVu Sans has Georgian letters and the mono face has them, too; Arabic digits in
+  // DejaVu Sans has Georgian letters and the mono typeface has them, too; Arabic digits in
   // their Persian form only the former: U+1D7D8, a double-struck zero.
-  const StyledText rare = line("\U0001D7D8", FontFace::monospaced);
+  const StyledText rare = line("\U0001D7D8", Typeface::monospaced);
   FontSelection fonts = dejavuFonts();
   FreetypeTextEngine alone(fonts);
   fonts.monospaced.push_back(fonts.text.front());
   FreetypeTextEngine helped(fonts);
   EXPECT_NE(draw(helped, rare), draw(alone, rare));
-  EXPECT_EQ(draw(helped, rare), draw(helped, line("\U0001D7D8", FontFace::tabularDigits)));
-  EXPECT_EQ(draw(helped, line("0", FontFace::monospaced)),
-            draw(alone, line("0", FontFace::monospaced)));
+  EXPECT_EQ(draw(helped, rare), draw(helped, line("\U0001D7D8", Typeface::tabularDigits)));
+  EXPECT_EQ(draw(helped, line("0", Typeface::monospaced)),
+            draw(alone, line("0", Typeface::monospaced)));
 }
 
 TEST(GlyphTextEngine, ShowsABoxForWhatNoFontHas) {
@@ -239,7 +239,7 @@ TEST(GlyphTextEngine, DrawsAtAnySize) {
   for (int step = 0; step < 200; ++step) {
     const double size = 0.01 + step * step * 0.1;
     [[maybe_unused]] const AlphaBitmap bitmap =
-        draw(engine, line("17%", FontFace::monospaced, size), 1 + step % 3);
+        draw(engine, line("17%", Typeface::monospaced, size), 1 + step % 3);
   }
   // ... and comes back to one that it gave up meanwhile.
   EXPECT_EQ(draw(engine, line("17%")), before);
@@ -272,8 +272,8 @@ TEST(GlyphTextEngine, SaysThatADrawingIsNotFinalWhileItHasNoPictureOfACharacter)
 
 TEST(GlyphTextEngine, AllocatesNothingForCharactersThatItHasDrawn) {
   FreetypeTextEngine engine(dejavuFonts());
-  const StyledText first = line("17% —", FontFace::tabularDigits, 9);
-  const StyledText second = line("71%—", FontFace::tabularDigits, 9);
+  const StyledText first = line("17% —", Typeface::tabularDigits, 9);
+  const StyledText second = line("71%—", Typeface::tabularDigits, 9);
   AlphaBitmap bitmap(120, 40);
   engine.draw(bitmap, 2, 2, 5, first);
   const std::size_t before = test::allocations();

@@ -129,7 +129,7 @@ TEST_F(KeptPictureTest, EqualsThePictureThatIsDrawnAnewWhereLinesReachIntoEachOt
   const auto places = [&] { return static_cast<double>(chance() % 90); };
   StatusImage image{.width = 100, .height = 22, .texts = {}};
   for (int line = 0; line < 5; ++line) {
-    image.texts.push_back({places(), 7, {{"8W4", {FontFace::system, 9}}}});
+    image.texts.push_back({places(), 7, {{"8W4", {Typeface::system, 9}}}});
   }
   DrawnImage drawn;
   const ImageFrame whole{.width = 100, .height = 22};
