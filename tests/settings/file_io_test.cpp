@@ -99,6 +99,13 @@ TEST_F(FileIOTest, CopiesTheBackupWhereAFileCanHaveOneNameOnly) {
   EXPECT_EQ(readBytes(backup_), "one");
 }
 
+TEST_F(FileIOTest, CopiesAFileOfASingleByteToo) {
+  writeBytes(file_, "1");
+  fs::permissions(file_, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+  EXPECT_FALSE(replace("two"));
+  EXPECT_EQ(readBytes(backup_), "1");
+}
+
 TEST_F(FileIOTest, FlushesBothFoldersOfAFileWhoseBackupIsElsewhere) {
   fs::create_directory(folder_ / "elsewhere");
   writeBytes(folder_ / "elsewhere/file", "one");

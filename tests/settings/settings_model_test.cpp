@@ -177,6 +177,7 @@ TEST_F(FailingSaveTest, IsTriedAgainEverLessOften) {
     const auto interval = time_.untilNext();
     ASSERT_TRUE(interval);
     intervals.push_back(interval->count());
+    EXPECT_EQ(queue_->lastLeeway(), *interval / 8);
     time_.advance(*interval);
   }
   EXPECT_THAT(intervals, ElementsAre(10, 20, 40, 80, 160, 320, 600, 600, 600));
@@ -504,9 +505,13 @@ TEST_F(SettingsModelTest, ReportsWhichFieldChanged) {
   model_->setSnapshot(snapshot);
   model_->setPendingScrollID(model_->configuration().modules[0].id);
   model_->setPendingScrollID(std::nullopt);
+  model_->setLinks({{"eth0", true, true, true}});
+  model_->setLinks({{"eth0", true, true, true}});
+  EXPECT_EQ(model_->links().size(), 1U);
   setStartAtLogin(true);
   EXPECT_THAT(fields, ElementsAre(Field::configuration, Field::snapshot, Field::pendingScrollID,
-                                  Field::pendingScrollID, Field::loginItemStatus, Field::notice));
+                                  Field::pendingScrollID, Field::links, Field::loginItemStatus,
+                                  Field::notice));
 }
 
 }  // namespace
