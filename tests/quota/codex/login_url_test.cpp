@@ -32,7 +32,8 @@ INSTANTIATE_TEST_SUITE_P(
                     "https://chatgpt.com/@somebody", "https://chatgpt.com/?mail=a@b.c",
                     "https://chatgpt.com/a:b//c",
                     // The first and the last of everything that may be there.
-                    "https://chatgpt.com/azAZ09-._~!$&'()*+,;=%af%AF%09%90?:/@#?"));
+                    "https://chatgpt.com/azAZ09-._~!$&'()*+,;=%af%AF%09%90?:/@#?",
+                    "https://chatgpt.com/%20"));
 
 INSTANTIATE_TEST_SUITE_P(Schemes, LoginURLRefused,
                          testing::Values("", "https", "https:", "https:/", "https://",
