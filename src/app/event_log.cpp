@@ -10,8 +10,7 @@ namespace vantora {
 namespace {
 
 // The message says why, but may name what is the user's own; the status never does.
-std::string queryLine(std::string_view assistant, std::string_view before,
-                      std::string_view after) {
+std::string queryLine(std::string_view assistant, std::string_view before, std::string_view after) {
   return "cotas do " + std::string(assistant) + ": " + std::string(before) + " → " +
          std::string(after);
 }

@@ -30,7 +30,9 @@ TEST_F(EventLogTest, KnowsTwoLevelsByTheirNames) {
 
 TEST_F(EventLogTest, IsSilentUnlessTheEnvironmentAsksForIt) {
   const auto note = [this] {
-    EventLog::fromEnvironment([this](const std::string& line) { lines_.push_back(line); }).info("i");
+    EventLog::fromEnvironment([this](const std::string& line) {
+      lines_.push_back(line);
+    }).info("i");
   };
   unsetenv("VANTORA_LOG");
   note();
