@@ -259,6 +259,7 @@ TEST_F(StatusItemTrayTest, ExplainsWhereItIsShownAndInWhichForm) {
   ASSERT_TRUE(until([&] {
     return decisions_.back().starts_with("painel: bandeja do X11; forma: o que couber");
   }));
+  ASSERT_TRUE(untilDocked());
   settle();
   ASSERT_TRUE(until([&] {
     return decisions_.back().starts_with("painel: bandeja do X11; forma: imagem inteira");
