@@ -3,8 +3,11 @@
 // Preloaded into a program, makes every read of a file with the name in BLOCKED_ATTRIBUTE
 // wait for ever, as a broken driver's attribute does.
 #include <dlfcn.h>
+#include <sys/ioctl.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
+#include <cstdarg>
 #include <cstdlib>
 #include <string_view>
 
@@ -43,4 +46,17 @@ extern "C" ssize_t pread64(int file, void* buffer, size_t size, off64_t offset) 
 
 extern "C" ssize_t pread(int file, void* buffer, size_t size, off_t offset) {
   return pread64(file, buffer, size, offset);
+}
+
+// The mock of the machine now and then answers FIONBIO, with which the event loop makes a new
+// pipe non-blocking, by ENOTTY while another thread reads the machine. The kernel never does.
+extern "C" int ioctl(int file, unsigned long request, ...) {
+  using Ioctl = int (*)(int, unsigned long, void*);
+  static const auto next = reinterpret_cast<Ioctl>(dlsym(RTLD_NEXT, "ioctl"));
+  va_list arguments;
+  va_start(arguments, request);
+  void* argument = va_arg(arguments, void*);
+  va_end(arguments);
+  return request == FIONBIO ? static_cast<int>(syscall(SYS_ioctl, file, request, argument))
+                            : next(file, request, argument);
 }

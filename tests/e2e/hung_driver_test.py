@@ -30,7 +30,8 @@ class HungDriverTest(stage.StageTest):
         self.configure(("cpuUsage", "download"), ("batteryPercent", "cpuTemperature"))
 
     def block(self, attribute):
-        self.environment["LD_PRELOAD"] = os.environ["LD_PRELOAD"] + ":" + BLOCKED_DRIVER
+        # In front of the mock, for what it answers in its place.
+        self.environment["LD_PRELOAD"] = BLOCKED_DRIVER + ":" + os.environ["LD_PRELOAD"]
         self.environment["BLOCKED_ATTRIBUTE"] = "/" + attribute
 
     def printed(self):
