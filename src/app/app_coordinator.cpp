@@ -38,18 +38,17 @@ std::shared_ptr<AppCoordinator> AppCoordinator::create(AppParts parts) {
 AppCoordinator::AppCoordinator(Token, AppParts parts)
     : parts_(std::move(parts)),
       launchedAtUptime_(parts_.clock.uptime()),
-      shown_(withModulesFor(parts_.alwaysShown, parts_.model->configuration())),
       redraw_(parts_.statusItem, parts_.textEngine) {}
 
 void AppCoordinator::launch() {
+  shown_ = withModulesFor(parts_.alwaysShown, parts_.model->configuration());
   observeStatusItem();
   observeModel();
   observeProviders();
   observeSampling();
   observePower();
   drawStatus();
-  samplingConfiguration_ = shown_;
-  parts_.sampling->configure(*samplingConfiguration_);
+  parts_.sampling->configure(shown_);
   configureProviders(/*sleeping=*/false);
 }
 
@@ -101,7 +100,8 @@ void AppCoordinator::observeProviders() {
   const std::weak_ptr<AppCoordinator> weak = weak_from_this();
   parts_.codexQuota->onState = [weak](const CodexQuotaState& state) {
     if (const auto self = weak.lock()) {
-      self->parts_.log.queried(self->snapshot_.codex, state);
+      self->parts_.log.queried("Codex", rawText(self->snapshot_.codex.status),
+                               rawText(state.status));
       self->snapshot_.codex = state;
       self->snapshotChanged();
     }
@@ -114,7 +114,8 @@ void AppCoordinator::observeProviders() {
   };
   parts_.claudeQuota->onState = [weak](const ClaudeQuotaState& state) {
     if (const auto self = weak.lock()) {
-      self->parts_.log.queried(self->snapshot_.claude, state);
+      self->parts_.log.queried("Claude", rawText(self->snapshot_.claude.status),
+                               rawText(state.status));
       self->snapshot_.claude = state;
       self->snapshotChanged();
     }
@@ -147,19 +148,15 @@ void AppCoordinator::observePower() {
 }
 
 void AppCoordinator::configurationChanged(const AppConfiguration& edited) {
-  shown_ = withModulesFor(parts_.alwaysShown, edited);
-  const AppConfiguration& configuration = shown_;
+  const AppConfiguration before = std::exchange(shown_, withModulesFor(parts_.alwaysShown, edited));
   drawStatus();
   // Widths, fonts, gaps and quota settings never disturb the sampling timer.
   const bool isSamplingUnchanged =
-      samplingConfiguration_ && samplingConfiguration_->demand() == configuration.demand() &&
-      samplingConfiguration_->intervalSeconds == configuration.intervalSeconds &&
-      samplingConfiguration_->networkInterface == configuration.networkInterface &&
-      samplingConfiguration_->paused == configuration.paused;
+      before.demand() == shown_.demand() && before.intervalSeconds == shown_.intervalSeconds &&
+      before.networkInterface == shown_.networkInterface && before.paused == shown_.paused;
   if (!isSamplingUnchanged) {
-    parts_.sampling->configure(configuration);
+    parts_.sampling->configure(shown_);
   }
-  samplingConfiguration_ = configuration;
   configureProviders(/*sleeping=*/false);
 }
 

@@ -9,7 +9,6 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -120,11 +119,10 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
 
   AppParts parts_;
   const Seconds launchedAtUptime_;
-  AppConfiguration shown_;
+  AppConfiguration shown_;  // since launch()
   MetricSnapshot snapshot_;
   int samplingRounds_ = 0;
   StatusRedraw redraw_;
-  std::optional<AppConfiguration> samplingConfiguration_;  // handed to the sampling last
 };
 
 }  // namespace vantora

@@ -7,16 +7,6 @@
 #include "model/metric.hpp"
 
 namespace vantora {
-namespace {
-
-// The message says why, but may name what is the user's own; the status never does.
-std::string queryLine(std::string_view assistant, std::string_view before, std::string_view after) {
-  return "cotas do " + std::string(assistant) + ": " + std::string(before) + " → " +
-         std::string(after);
-}
-
-}  // namespace
-
 EventLog::Level EventLog::levelOf(std::string_view name) {
   if (name == "info") {
     return Level::info;
@@ -49,15 +39,11 @@ void EventLog::sampled(const MetricSnapshot& before, const MetricSnapshot& after
   }
 }
 
-void EventLog::queried(const CodexQuotaState& before, const CodexQuotaState& after) const {
-  if (before.status != after.status) {
-    info(queryLine("Codex", rawText(before.status), rawText(after.status)));
-  }
-}
-
-void EventLog::queried(const ClaudeQuotaState& before, const ClaudeQuotaState& after) const {
-  if (before.status != after.status) {
-    info(queryLine("Claude", rawText(before.status), rawText(after.status)));
+void EventLog::queried(std::string_view assistant, std::string_view before,
+                       std::string_view after) const {
+  if (before != after) {
+    info("cotas do " + std::string(assistant) + ": " + std::string(before) + " → " +
+         std::string(after));
   }
 }
 

@@ -40,9 +40,9 @@ class EventLog {
 
   /// Which readings have come, gone, or are missing for another reason.
   void sampled(const MetricSnapshot& before, const MetricSnapshot& after) const;
-  /// A query that has begun or ended otherwise than the one before.
-  void queried(const CodexQuotaState& before, const CodexQuotaState& after) const;
-  void queried(const ClaudeQuotaState& before, const ClaudeQuotaState& after) const;
+  /// A quota whose status (rawText()) has changed: a query has begun or ended. Not its message,
+  /// which may hold what is the user's own.
+  void queried(std::string_view assistant, std::string_view before, std::string_view after) const;
 
  private:
   void write(Level level, std::string_view line) const;

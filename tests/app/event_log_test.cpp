@@ -74,19 +74,13 @@ TEST_F(EventLogTest, SaysWhichReadingsComeAndGo) {
   EXPECT_THAT(lines_, ElementsAre("leitura cpuTemperature: unavailable (não responde)"));
 }
 
-TEST_F(EventLogTest, SaysHowQueriesEndWithoutTheirMessages) {
+TEST_F(EventLogTest, SaysHowQueriesEnd) {
   const EventLog events = log(EventLog::Level::info);
-  CodexQuotaState codex;
-  CodexQuotaState asked = codex;
-  asked.status = CodexQuotaStatus::connecting;
-  asked.message = "pessoa@example.org";
-  events.queried(codex, asked);
-  asked.message = "outra";
-  events.queried(asked, asked);
-  ClaudeQuotaState claude;
-  ClaudeQuotaState ready = claude;
-  ready.status = ClaudeQuotaStatus::ready;
-  events.queried(claude, ready);
+  events.queried("Codex", rawText(CodexQuotaStatus::disabled),
+                 rawText(CodexQuotaStatus::connecting));
+  events.queried("Codex", rawText(CodexQuotaStatus::connecting),
+                 rawText(CodexQuotaStatus::connecting));
+  events.queried("Claude", rawText(ClaudeQuotaStatus::disabled), rawText(ClaudeQuotaStatus::ready));
   EXPECT_THAT(lines_, ElementsAre("cotas do Codex: disabled → connecting",
                                   "cotas do Claude: disabled → ready"));
 }

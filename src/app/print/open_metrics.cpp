@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "app/print/open_metrics.hpp"
 
-#include <chrono>
 #include <cmath>
 #include <initializer_list>
 #include <optional>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "model/json.hpp"
 #include "model/utf8.hpp"

@@ -13,7 +13,7 @@
 namespace vantora {
 
 /// Replaces the file whole at each print. A reader finds the file before or the new one,
-/// never a part; both on this machine's own file system, which is not waited for.
+/// never a part. The content is not flushed: it means nothing after a restart of the machine.
 class PrintFile final : public PrintOutput {
  public:
   /// `onFailure` gets the reason, in Portuguese, when a print fails after one that did not.
@@ -29,7 +29,7 @@ class PrintFile final : public PrintOutput {
   [[nodiscard]] bool resized() override { return false; }
   [[nodiscard]] bool hasReader() const override { return true; }
 
-  /// Removes a file that was followed: what nobody renews must not pass for a reading.
+  /// Removes a file that was followed: a stale file would pass for a current reading.
   void finish() override;
 
  private:

@@ -5,7 +5,7 @@
 
 namespace vantora {
 
-/// Where prints go: a stream or a file. Lives on the main thread and blocks nothing.
+/// Where prints go: a stream or a file. Lives on the main thread. A slow reader never blocks it.
 class PrintOutput {
  public:
   virtual ~PrintOutput() = default;
