@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "runtime/thread_hints.hpp"
+#include "runtime/wake_signal.hpp"
 
 namespace vantora {
 namespace {
@@ -40,8 +41,11 @@ struct ScheduledTask {
 
 struct UvTaskQueue::Core {
   uv_loop_t* loop = nullptr;
-  uv_async_t* wake = nullptr;  // for tasks that other threads post
-  uv_idle_t* soon = nullptr;   // for those of the loop's own thread: no system call
+  // For tasks that other threads post. Not uv_async_t: a thread that it wakes on the processor
+  // of the one that posted spins until that one runs again, 45 microseconds and more.
+  WakeSignal signal;
+  uv_poll_t* wake = nullptr;
+  uv_idle_t* soon = nullptr;  // for those of the loop's own thread: no system call
   std::thread::id thread;
 
   std::mutex mutex;
@@ -66,17 +70,21 @@ struct UvTaskQueue::Core {
 
   // From any thread. False when the queue has ended; the task is then dropped.
   bool post(Task task) {
-    const std::lock_guard lock(mutex);
-    if (isClosed) {
-      return false;
-    }
-    pending.push_back(std::move(task));
-    if (pending.size() == 1) {
-      if (std::this_thread::get_id() == thread) {
-        uv_idle_start(soon, [](uv_idle_t* idle) { static_cast<Core*>(idle->data)->runPending(); });
-      } else {
-        uv_async_send(wake);
+    {
+      const std::lock_guard lock(mutex);
+      if (isClosed) {
+        return false;
       }
+      pending.push_back(std::move(task));
+      if (pending.size() > 1) {
+        return true;
+      }
+    }
+    // Without the mutex, which the thread that wakes takes first.
+    if (std::this_thread::get_id() == thread) {
+      uv_idle_start(soon, [](uv_idle_t* idle) { static_cast<Core*>(idle->data)->runPending(); });
+    } else {
+      signal.raise();
     }
     return true;
   }
@@ -167,17 +175,19 @@ class UvTaskQueue::UvTimer final : public Timer {
 
 UvTaskQueue::UvTaskQueue(uv_loop_t& loop) : core_(std::make_shared<Core>()) {
   assert(loop.data == nullptr && "one queue a loop");
-  auto wake = std::make_unique<uv_async_t>();
-  const int status = uv_async_init(&loop, wake.get(), [](uv_async_t* handle) {
-    static_cast<Core*>(handle->data)->runPending();
-  });
-  if (status != 0) {
-    throw std::system_error(-status, std::generic_category());
-  }
   core_->loop = &loop;
   core_->thread = std::this_thread::get_id();
+  auto wake = std::make_unique<uv_poll_t>();
+  if (const int status = uv_poll_init(&loop, wake.get(), core_->signal.descriptor()); status != 0) {
+    throw std::system_error(-status, std::generic_category());
+  }
   core_->wake = wake.release();
   core_->wake->data = core_.get();
+  uv_poll_start(core_->wake, UV_READABLE, [](uv_poll_t* handle, int, int) {
+    auto* core = static_cast<Core*>(handle->data);
+    core->signal.clear();
+    core->runPending();
+  });
   core_->soon = new uv_idle_t;
   core_->soon->data = core_.get();
   uv_idle_init(&loop, core_->soon);
@@ -198,7 +208,7 @@ UvTaskQueue::~UvTaskQueue() {
     core_->close(*timer);
   }
   uv_close(reinterpret_cast<uv_handle_t*>(core_->wake),
-           [](uv_handle_t* handle) { delete reinterpret_cast<uv_async_t*>(handle); });
+           [](uv_handle_t* handle) { delete reinterpret_cast<uv_poll_t*>(handle); });
   uv_close(reinterpret_cast<uv_handle_t*>(core_->soon),
            [](uv_handle_t* handle) { delete reinterpret_cast<uv_idle_t*>(handle); });
   core_->loop->data = nullptr;
