@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "runtime/task_queue.hpp"
+#include "runtime/work_thread.hpp"
 
 namespace vantora {
 
@@ -43,9 +44,10 @@ class ThreadWorker final : public Worker {
   [[nodiscard]] bool endBy(std::chrono::steady_clock::time_point deadline);
 
  private:
-  struct Core;
+  struct Reports;
   const Seconds endTimeout_;
-  std::shared_ptr<Core> core_;
+  const std::shared_ptr<Reports> reports_;  // shared with the work
+  WorkThread thread_{"vantora-files"};
   bool hasEnded_ = false;
 };
 

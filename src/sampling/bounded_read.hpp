@@ -7,11 +7,10 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <system_error>
 #include <utility>
 
 #include "runtime/clock.hpp"
-#include "runtime/lazy_queue_thread.hpp"
+#include "runtime/work_thread.hpp"
 
 namespace vantora {
 
@@ -22,6 +21,9 @@ struct ReadLimits {
   Seconds waitTimeout{0.5};
   /// While a read takes no longer than this, the answer before it still counts.
   Seconds overdueAfter{5};
+  /// An answer whose read began less than this ago is returned at once; the read that
+  /// begins is for the next pass. So a pass that comes soon again waits for no other thread.
+  Seconds reuseFor{0};
 };
 
 /// Reads on a thread of their own, because a driver may take any time over them, or never
@@ -30,7 +32,7 @@ struct ReadLimits {
 template <typename Answer>
 class BoundedRead {
  public:
-  BoundedRead(LazyQueueThread& thread, const Clock& clock, ReadLimits limits)
+  BoundedRead(WorkThread& thread, const Clock& clock, ReadLimits limits)
       : thread_(thread), clock_(clock), limits_(limits) {}
 
   /// Calls `read` on the thread, unless an earlier one is still under way, and returns the
@@ -39,7 +41,14 @@ class BoundedRead {
   [[nodiscard]] std::optional<Answer> operator()(std::function<Answer()> read) {
     std::unique_lock lock(state_->mutex);
     if (!state_->isReading) {
-      if (!begin(std::move(read))) {
+      const bool isReusable =
+          state_->newest.has_value() && clock_.uptime() - begunAt_ < limits_.reuseFor;
+      if (isReusable) {
+        std::optional<Answer> answer = state_->newest;
+        begin(std::move(read), lock);
+        return answer;
+      }
+      if (!begin(std::move(read), lock)) {
         return std::nullopt;
       }
       const std::chrono::duration<double> wait = limits_.waitTimeout;
@@ -51,6 +60,12 @@ class BoundedRead {
     return state_->newest;
   }
 
+  /// Forgets the newest answer, so that the next call waits for one.
+  void forget() {
+    const std::lock_guard lock(state_->mutex);
+    state_->newest.reset();
+  }
+
  private:
   struct State {
     std::mutex mutex;
@@ -59,27 +74,29 @@ class BoundedRead {
     std::optional<Answer> newest;  // guarded by mutex
   };
 
-  // With the mutex held.
-  bool begin(std::function<Answer()> read) {
-    TaskQueue* queue = nullptr;
-    try {
-      queue = &thread_.queue();
-    } catch (const std::system_error&) {
-      return false;
-    }
+  // With the mutex held, before and after.
+  bool begin(std::function<Answer()> read, std::unique_lock<std::mutex>& lock) {
     state_->isReading = true;
     begunAt_ = clock_.uptime();
-    queue->post([state = state_, read = std::move(read)] {
+    // Without the mutex, which the thread that wakes may take soon.
+    lock.unlock();
+    const bool hasBegun = thread_.post([state = state_, read = std::move(read)] {
       Answer answer = read();
-      const std::lock_guard lock(state->mutex);
-      state->newest = std::move(answer);
-      state->isReading = false;
+      {
+        const std::lock_guard guard(state->mutex);
+        state->newest = std::move(answer);
+        state->isReading = false;
+      }
       state->finished.notify_one();
     });
-    return true;
+    lock.lock();
+    if (!hasBegun) {
+      state_->isReading = false;
+    }
+    return hasBegun;
   }
 
-  LazyQueueThread& thread_;
+  WorkThread& thread_;
   const Clock& clock_;
   const ReadLimits limits_;
   const std::shared_ptr<State> state_ = std::make_shared<State>();  // shared with the thread

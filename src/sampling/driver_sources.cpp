@@ -8,7 +8,7 @@ namespace {
 
 // Once the thread has been started the source belongs to it.
 bool isReadInPlace(const DriverPlace& place) {
-  return !place.thread.isStarted() && !place.hasDrivers();
+  return !place.thread.hasStarted() && !place.hasDrivers();
 }
 
 }  // namespace
@@ -37,10 +37,11 @@ DriverSensors::DriverSensors(std::shared_ptr<SensorSource> source, DriverPlace p
       boundedRead_(place_.thread, place_.clock, place_.limits) {}
 
 void DriverSensors::configure(MetricSet demand) {
+  boundedRead_.forget();
   if (isReadInPlace(place_)) {
     source_->configure(demand);
-  } else if (place_.thread.isStarted()) {
-    place_.thread.queue().post([source = source_, demand] { source->configure(demand); });
+  } else if (place_.thread.hasStarted()) {
+    post([source = source_, demand] { source->configure(demand); });
   }
   // Otherwise the first sample() opens what it needs.
 }
@@ -60,11 +61,17 @@ SampleTable DriverSensors::sample(MetricSet demand) {
 }
 
 void DriverSensors::reset() {
-  if (place_.thread.isStarted()) {
-    place_.thread.queue().post([source = source_] { source->reset(); });
+  boundedRead_.forget();
+  if (place_.thread.hasStarted()) {
+    post([source = source_] { source->reset(); });
   } else {
     source_->reset();
   }
+}
+
+void DriverSensors::post(WorkThread::Task task) {
+  // Where there is no thread to be had, the source stays as it was: sample() says so.
+  [[maybe_unused]] const bool isTaken = place_.thread.post(std::move(task));
 }
 
 }  // namespace vantora

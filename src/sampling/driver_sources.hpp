@@ -16,8 +16,8 @@ namespace vantora {
 
 /// Where such a source is read, and what it says meanwhile.
 struct DriverPlace {
-  LazyQueueThread& thread;  ///< Of this source alone.
-  const Clock& clock;       ///< Both must outlive every read.
+  WorkThread& thread;  ///< Of this source alone.
+  const Clock& clock;  ///< Both must outlive every read.
   /// Whether there is a driver that may block. While there has been none, the source is read
   /// on the sampling queue itself and costs no thread.
   std::function<bool()> hasDrivers;
@@ -46,6 +46,8 @@ class DriverSensors final : public SensorSource {
   void reset() override;
 
  private:
+  void post(WorkThread::Task task);
+
   const std::shared_ptr<SensorSource> source_;
   const DriverPlace place_;
   BoundedRead<SampleTable> boundedRead_;

@@ -9,7 +9,6 @@
 #include <string>
 #include <system_error>
 
-#include "runtime/lazy_queue_thread.hpp"
 #include "runtime/system_clock.hpp"
 #include "runtime/uv_loop.hpp"
 
@@ -168,16 +167,6 @@ TEST(UvQueueThread, ThrowsWhereNoDescriptorIsLeftForItsLoop) {
   EXPECT_THROW(UvQueueThread("test"), std::system_error);
   EXPECT_THROW(UvLoop(), std::system_error);
   ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
-}
-
-TEST(LazyQueueThread, StartsWithTheFirstUseOfItsQueue) {
-  LazyQueueThread thread("test");
-  EXPECT_TRUE(thread.endBy(std::chrono::steady_clock::now()));
-  EXPECT_FALSE(thread.isStarted());
-  runOn(thread.queue(), [] {});
-  EXPECT_TRUE(thread.isStarted());
-  EXPECT_TRUE(thread.endBy(std::chrono::steady_clock::now() + std::chrono::minutes(10)));
-  EXPECT_FALSE(thread.isStarted());
 }
 
 TEST(UvLoop, RunsItsQueueOnTheCallingThread) {

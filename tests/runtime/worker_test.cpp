@@ -10,6 +10,7 @@
 #include <string>
 #include <thread>
 
+#include "support/no_threads.hpp"
 #include "support/real_processes.hpp"
 
 namespace vantora {
@@ -64,6 +65,16 @@ TEST_F(ThreadWorkerTest, KeepsNoThreadWithoutWork) {
     loop_.runUntil([&] { return isDone; });
     loop_.runUntilBackTo(before);
   }
+}
+
+TEST_F(ThreadWorkerTest, WorksInsideTheCallWhereTheSystemHasNoThread) {
+  const test::NoThreads none;
+  std::thread::id seen;
+  bool isDone = false;
+  worker_->run([&] { seen = std::this_thread::get_id(); }, [&] { isDone = true; });
+  EXPECT_EQ(seen, std::this_thread::get_id());
+  EXPECT_FALSE(isDone);
+  loop_.runUntil([&] { return isDone; });
 }
 
 TEST_F(ThreadWorkerTest, FinishesWhatItWasGivenBeforeItEnds) {

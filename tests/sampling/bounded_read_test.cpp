@@ -2,14 +2,12 @@
 #include "sampling/bounded_read.hpp"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
-#include <cerrno>
 #include <future>
 #include <string>
-#include <system_error>
 #include <thread>
 
+#include "support/no_threads.hpp"
 #include "support/virtual_time.hpp"
 
 namespace vantora {
@@ -38,7 +36,7 @@ class BoundedReadTest : public testing::Test {
   // Waits until the thread has done what it was given.
   void letTheThreadFinish() {
     std::promise<void> done;
-    thread.queue().post([&] { done.set_value(); });
+    ASSERT_TRUE(thread.post([&] { done.set_value(); }));
     done.get_future().wait();
   }
   std::function<std::string()> counted(std::string answer) {
@@ -49,13 +47,13 @@ class BoundedReadTest : public testing::Test {
   }
 
   test::VirtualTime time;
-  LazyQueueThread thread{"test"};
+  WorkThread thread{"test"};
   int reads = 0;
 };
 
 TEST_F(BoundedReadTest, ReturnsWhatTheReadAnswersOnAThreadOfItsOwn) {
   BoundedRead<std::thread::id> read(thread, time, {.waitTimeout = ample});
-  EXPECT_FALSE(thread.isStarted());
+  EXPECT_FALSE(thread.hasStarted());
   const auto answer = read([] { return std::this_thread::get_id(); });
   ASSERT_TRUE(answer.has_value());
   EXPECT_NE(*answer, std::this_thread::get_id());
@@ -115,19 +113,49 @@ TEST_F(BoundedReadTest, MayEndBeforeTheReadReturns) {
 }
 
 TEST_F(BoundedReadTest, ReturnsNothingWhereNoThreadCanBeStarted) {
-  const UvLoop earlier;  // libuv's first loop aborts where it finds no descriptor
-  // Sanitizers take descriptors for their first look at a type.
-  const UvQueueThread seen("seen");
-  const std::system_error looked(EMFILE, std::generic_category());
   BoundedRead<std::string> read(thread, time, {.waitTimeout = ample});
-  rlimit limit{};
-  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
-  const rlimit none{3, limit.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
-  const auto answer = read(counted("never"));
-  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
-  EXPECT_EQ(answer, std::nullopt);
+  {
+    const test::NoThreads none;
+    EXPECT_EQ(read(counted("never")), std::nullopt);
+  }
   EXPECT_EQ(read(counted("now")), "now");
+}
+
+TEST_F(BoundedReadTest, ReturnsARecentAnswerAtOnceAndReadsForTheNextCall) {
+  HeldRead held;
+  BoundedRead<std::string> read(thread, time, {.waitTimeout = ample, .reuseFor = Seconds{2.5}});
+  EXPECT_EQ(read(counted("first")), "first");
+  time.advance(Seconds{2});
+  EXPECT_EQ(read(held.as("second")), "first");
+  held.release();
+  letTheThreadFinish();
+  time.advance(Seconds{2.4});
+  EXPECT_EQ(read(counted("third")), "second");
+}
+
+TEST_F(BoundedReadTest, WaitsAgainOnceItsAnswerIsOld) {
+  BoundedRead<std::string> read(thread, time, {.waitTimeout = ample, .reuseFor = Seconds{2.5}});
+  EXPECT_EQ(read(counted("first")), "first");
+  time.advance(Seconds{2.6});
+  EXPECT_EQ(read(counted("second")), "second");
+}
+
+TEST_F(BoundedReadTest, WaitsAgainOnceItsAnswerIsForgotten) {
+  BoundedRead<std::string> read(thread, time, {.waitTimeout = ample, .reuseFor = Seconds{2.5}});
+  EXPECT_EQ(read(counted("first")), "first");
+  read.forget();
+  EXPECT_EQ(read(counted("second")), "second");
+}
+
+TEST_F(BoundedReadTest, ReusesNoAnswerOnceTheReadForTheNextCallIsOverdue) {
+  HeldRead held;
+  BoundedRead<std::string> read(
+      thread, time, {.waitTimeout = ample, .overdueAfter = Seconds{5}, .reuseFor = Seconds{2.5}});
+  EXPECT_EQ(read(counted("first")), "first");
+  EXPECT_EQ(read(held.as("late")), "first");
+  time.advance(Seconds{5.1});
+  EXPECT_EQ(read(counted("another")), std::nullopt);
+  held.release();
 }
 
 }  // namespace

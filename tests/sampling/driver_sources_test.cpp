@@ -49,13 +49,14 @@ class HangingSensors final : public SensorSource {
  public:
   Driver driver;
   int resets = 0;
+  double value = 50;
   MetricSet configured;
   void configure(MetricSet demand) override { configured = demand; }
   [[nodiscard]] SampleTable sample(MetricSet demand) override {
     driver.answer();
     SampleTable table;
     for (const MetricID metric : metricsOfFamily(demand, MetricFamily::sensors)) {
-      table.set(metric, MetricSample::valid(50, "driver", {}));
+      table.set(metric, MetricSample::valid(value, "driver", {}));
     }
     return table;
   }
@@ -73,12 +74,12 @@ class DriverSourcesTest : public testing::Test {
   }
   void letTheThreadFinish() {
     std::promise<void> done;
-    thread.queue().post([&] { done.set_value(); });
+    ASSERT_TRUE(thread.post([&] { done.set_value(); }));
     done.get_future().wait();
   }
 
   VirtualTime time;
-  LazyQueueThread thread{"test"};
+  WorkThread thread{"test"};
   bool hasDrivers = true;
   std::shared_ptr<HangingBattery> battery = std::make_shared<HangingBattery>();
   std::shared_ptr<HangingSensors> sensors = std::make_shared<HangingSensors>();
@@ -89,7 +90,7 @@ TEST_F(DriverSourcesTest, ResetTheSensorsAtOnceWhileTheyHaveNoThread) {
   DriverSensors source(sensors, place(ample));
   source.reset();
   EXPECT_EQ(sensors->resets, 1);
-  EXPECT_FALSE(thread.isStarted());
+  EXPECT_FALSE(thread.hasStarted());
 }
 
 TEST_F(DriverSourcesTest, ReadTheBatteryOnAThreadOfItsOwn) {
@@ -105,7 +106,7 @@ TEST_F(DriverSourcesTest, StartNoThreadWhereThereIsNoDriverAndOneWhenItAppears) 
   EXPECT_EQ(source.read().percentage.value, 80);
   EXPECT_EQ(battery->driver.thread(), std::this_thread::get_id());
   EXPECT_EQ(sensorSource.sample(temperatures).find(MetricID::cpuTemperature)->value, 50);
-  EXPECT_FALSE(thread.isStarted());
+  EXPECT_FALSE(thread.hasStarted());
   hasDrivers = true;
   EXPECT_EQ(source.read().percentage.value, 80);
   EXPECT_NE(battery->driver.thread(), std::this_thread::get_id());
@@ -160,9 +161,29 @@ TEST_F(DriverSourcesTest, PassOnWhatIsWantedOfTheSensorsWithoutWaiting) {
   EXPECT_EQ(sensors->configured, MetricSet{MetricID::fan1RPM});
 }
 
+TEST_F(DriverSourcesTest, ReadTheSensorsAnewOnceTheDemandChanges) {
+  DriverPlace reusing = place(ample);
+  reusing.limits.reuseFor = Seconds{2.5};
+  DriverSensors source(sensors, std::move(reusing));
+  source.configure({MetricID::cpuTemperature});
+  (void)source.sample({MetricID::cpuTemperature});
+  source.configure(temperatures);
+  EXPECT_EQ(source.sample(temperatures).find(MetricID::batteryTemperature)->value, 50);
+}
+
+TEST_F(DriverSourcesTest, ReadTheSensorsAnewAfterAReset) {
+  DriverPlace reusing = place(ample);
+  reusing.limits.reuseFor = Seconds{2.5};
+  DriverSensors source(sensors, std::move(reusing));
+  EXPECT_EQ(source.sample(temperatures).find(MetricID::cpuTemperature)->value, 50);
+  source.reset();
+  sensors->value = 60;
+  EXPECT_EQ(source.sample(temperatures).find(MetricID::cpuTemperature)->value, 60);
+}
+
 // The whole coordinator over a battery and sensors that never answer.
 TEST_F(DriverSourcesTest, LeaveCpuAndNetworkTheirReadingsWhileADriverHangs) {
-  LazyQueueThread sensorThread("test");
+  WorkThread sensorThread("test");
   battery->driver.hang();
   sensors->driver.hang();
   const auto queue = time.makeQueue();

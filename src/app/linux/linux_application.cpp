@@ -66,13 +66,16 @@ SamplingSources LinuxApplication::samplingSources() {
           .thread = sensorThread_,
           .clock = clock_,
           .hasDrivers = [] { return hasEntries(sensorFolder) || hasEntries(batteryFolder); },
-          .overdue = "Linux hwmon · os sensores não respondem"});
+          .overdue = "Linux hwmon · os sensores não respondem",
+          // A little more than the longest interval.
+          .limits = {.reuseFor = Seconds{2.5}}});
   return {std::make_unique<ProcStatTicks>(), std::make_unique<RtnetlinkSource>(),
           std::move(battery), std::move(sensors)};
 }
 
 AppParts LinuxApplication::parts(StatusItem& statusItem, TextEngine& textEngine) {
   UvTaskQueue& main = loop_.queue();
+  samplingThread_.emplace(std::string(SamplingCoordinator::queueLabel));
   return {
       .mainQueue = main,
       .clock = clock_,
@@ -83,7 +86,7 @@ AppParts LinuxApplication::parts(StatusItem& statusItem, TextEngine& textEngine)
           ConfigurationStore(configHome_, [] { return firstConfiguration(absentMetrics()); }),
           loginItem_, defaults_),
       .sampling =
-          SamplingCoordinator::create(samplingThread_.queue(), main, clock_, samplingSources()),
+          SamplingCoordinator::create(samplingThread_->queue(), main, clock_, samplingSources()),
       .codexQuota = makeCodexQuotaProvider(conversationHost(), clock_, defaults_,
                                            CodexExecutablePlaces::onLinux(home_)),
       .claudeQuota = makeClaudeQuotaProvider(conversationHost(), clock_,
@@ -103,12 +106,23 @@ int LinuxApplication::end(int status) {
   // A save first: it is what a second can still bring to an end. The sampling thread before
   // those that it uses.
   const bool isSaved = fileWorker_.endBy(deadline);
-  if (isSaved && samplingThread_.endBy(deadline) && batteryThread_.endBy(deadline) &&
+  if (isSaved && endSamplingBy(deadline) && batteryThread_.endBy(deadline) &&
       sensorThread_.endBy(deadline)) {
     return status;
   }
   std::fflush(nullptr);
   _exit(status);
+}
+
+bool LinuxApplication::endSamplingBy(std::chrono::steady_clock::time_point deadline) {
+  if (samplingThread_) {
+    samplingThread_->stop();
+    if (!samplingThread_->waitUntil(deadline)) {
+      return false;
+    }
+    samplingThread_.reset();
+  }
+  return true;
 }
 
 ConversationHost LinuxApplication::conversationHost() {

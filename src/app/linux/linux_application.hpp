@@ -4,6 +4,7 @@
 // readings and the user's settings.
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -14,9 +15,9 @@
 #include "platform/linux/desktop/json_user_defaults.hpp"
 #include "process/uv_child_process.hpp"
 #include "quota/one_answer_client.hpp"
-#include "runtime/lazy_queue_thread.hpp"
 #include "runtime/system_clock.hpp"
 #include "runtime/uv_loop.hpp"
+#include "runtime/work_thread.hpp"
 #include "runtime/worker.hpp"
 
 namespace vantora {
@@ -41,15 +42,19 @@ class LinuxApplication {
   [[nodiscard]] int end(int status);
 
  private:
+  // Longer than from one reading of the sensors to the next, shorter than the battery's.
+  static constexpr Seconds driverIdleTimeout{5};
+
   [[nodiscard]] SamplingSources samplingSources();
+  [[nodiscard]] bool endSamplingBy(std::chrono::steady_clock::time_point deadline);
   [[nodiscard]] ConversationHost conversationHost();
 
   const std::filesystem::path configHome_;
   const SystemClock clock_;
   UvLoop loop_;
-  LazyQueueThread samplingThread_{std::string(SamplingCoordinator::queueLabel)};
-  LazyQueueThread batteryThread_{"local.vantora.battery"};
-  LazyQueueThread sensorThread_{"local.vantora.sensors"};
+  std::optional<UvQueueThread> samplingThread_;  // from parts() on
+  WorkThread batteryThread_{"local.vantora.battery", driverIdleTimeout};
+  WorkThread sensorThread_{"local.vantora.sensors", driverIdleTimeout};
   const std::string home_;  // without a trailing separator
   std::optional<UvChildProcessLauncher> launcher_;
   JsonUserDefaults defaults_;
