@@ -86,8 +86,12 @@ def build(folder):
         ip link set "$1" up
         ip route add default via 192.0.2.1
         mount -t sysfs none /sys
+        cat "/sys/class/net/$1/ifindex" > "$0/class/net/$1/ifindex"
         mount --bind "$0/class" /sys/class
         mount --bind "$0/stat" /proc/stat
+        # The kernel's own files keep no times, which the first reader after a write would pay.
+        mount -o remount,bind,noatime /sys/class
+        mount -o remount,bind,noatime /proc/stat
         """, folder, LINK, PEER, ADDRESS)
 
 
