@@ -24,9 +24,7 @@ int print(LinuxApplication& application, const PrintOptions& options) {
   int status = 0;
   PrintSession session(options, *output, loop.queue(), [&](int error) {
     if (error != 0) {
-      if (options.outputFile.empty()) {
-        PrintProgram::complainOfOutput(error);
-      }
+      PrintProgram::complainOfOutput(options, error);
       status = 1;
     }
     loop.stop();

@@ -37,9 +37,7 @@ int run(const PrintOptions& options) {
   int status = 0;
   PrintSession session(options, *output, application.mainQueue(), [&](int error) {
     if (error != 0) {
-      if (options.outputFile.empty()) {
-        PrintProgram::complainOfOutput(error);
-      }
+      PrintProgram::complainOfOutput(options, error);
       status = 1;
     }
     stopLoop();

@@ -30,8 +30,10 @@ int start(int argc, const char* const* argv, int (*run)(const PrintOptions& opti
   return hasOutput || !options.outputFile.empty() ? run(options) : 0;
 }
 
-void complainOfOutput(int error) {
-  vantora::complainOfOutput(programName, error);
+void complainOfOutput(const PrintOptions& options, int error) {
+  if (options.outputFile.empty()) {
+    vantora::complainOfOutput(programName, error);
+  }
 }
 
 void complainOfFile(const std::string& file, const std::string& reason) {

@@ -20,8 +20,9 @@ namespace vantora::PrintProgram {
 /// anything is opened.
 [[nodiscard]] int start(int argc, const char* const* argv, int (*run)(const PrintOptions& options));
 
-/// Says on standard error why nothing can be written (errno).
-void complainOfOutput(int error);
+/// Says on standard error why nothing can be written (errno), unless the output is a file, which
+/// has said so itself.
+void complainOfOutput(const PrintOptions& options, int error);
 
 /// Says on standard error why this file cannot be written.
 void complainOfFile(const std::string& file, const std::string& reason);

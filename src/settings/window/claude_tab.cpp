@@ -19,9 +19,6 @@ constexpr std::string_view intervalLabel = "Consulta automát&ica";
 ClaudeTab::ClaudeTab(WindowModel& model)
     : SettingsTab(model),
       form_(optionalEdit<&AppConfiguration::claudeSettings, S>()),
-      message_(Controls::makeText()),
-      lastSuccess_(Controls::makeText()),
-      executable_(Controls::makeText()),
       missing_(new MissingModule(MetricFamily::claude, "Adicionar Claude",
                                  [this] { this->model().addClaudeModule(); })),
       refresh_(
@@ -33,8 +30,7 @@ ClaudeTab::ClaudeTab(WindowModel& model)
       "horas, as mesmas do /usage do Claude Code."));
   column->addWidget(missing_);
   Controls::addGroupGap(column);
-  column->addWidget(message_);
-  column->addWidget(lastSuccess_);
+  lines_.addState(*column);
   Controls::addGroupGap(column);
   QFormLayout* rows = Controls::makeForm();
   Controls::addRow(rows, intervalLabel, form_.add(quotaIntervalField<S>(intervalLabel)));
@@ -43,7 +39,7 @@ ClaudeTab::ClaudeTab(WindowModel& model)
   column->addWidget(form_.add(oneDecimalField));
   Controls::addGroupGap(column);
   column->addWidget(Controls::makeButtonRow({refresh_}));
-  column->addWidget(executable_);
+  lines_.addExecutable(*column);
   column->addWidget(Controls::makeNote(Words::claudeQueryNote));
   column->addWidget(Controls::makeNote(Words::claudeLoginNote));
   column->addStretch();
@@ -58,11 +54,7 @@ void ClaudeTab::refresh(WindowFields fields) {
     setReason(refresh_, whyNotQueried(configuration, MetricFamily::claude, settings.enabled));
   }
   if (fields.contains(WindowField::claude)) {
-    const QuotaSummary& claude = state().claude;
-    message_->setText(qtText("Estado: " + claude.message));
-    lastSuccess_->setText(qtText("Última consulta confirmada: ") +
-                          quotaTimeText(claude.lastSuccess));
-    executable_->setText(qtText("Claude Code: " + claude.executable));
+    lines_.show(state().claude);
   }
 }
 

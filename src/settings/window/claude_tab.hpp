@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QLabel>
-
 #include "settings/window/quota_actions.hpp"
+#include "settings/window/quota_lines.hpp"
 #include "settings/window/settings_tab.hpp"
 
 namespace vantora {
@@ -16,9 +15,7 @@ class ClaudeTab final : public SettingsTab {
 
  private:
   Form<ClaudeQuotaSettings> form_;
-  QLabel* message_;
-  QLabel* lastSuccess_;
-  QLabel* executable_;
+  QuotaLines lines_{"Claude Code"};
   MissingModule* missing_;
   QPushButton* refresh_;
 };

@@ -21,9 +21,6 @@ constexpr std::string_view intervalLabel = "Consulta automát&ica";
 CodexTab::CodexTab(WindowModel& model)
     : SettingsTab(model),
       form_(optionalEdit<&AppConfiguration::codexSettings, S>()),
-      message_(Controls::makeText()),
-      lastSuccess_(Controls::makeText()),
-      executable_(Controls::makeText()),
       missing_(new MissingModule(MetricFamily::codex, "Adicionar Codex semanal",
                                  [this] { this->model().addCodexModule(); })),
       refresh_(Controls::makeButton("&Atualizar agora", [this] { this->model().refreshCodex(); })),
@@ -37,9 +34,8 @@ CodexTab::CodexTab(WindowModel& model)
       "Server oficial; não executa tarefas de IA."));
   column->addWidget(missing_);
   Controls::addGroupGap(column);
-  column->addWidget(message_);
-  column->addWidget(lastSuccess_);
-  column->addWidget(executable_);
+  lines_.addState(*column);
+  lines_.addExecutable(*column);
   column->addWidget(Controls::makeButtonRow({Controls::makeButton(
       "&Selecionar executável codex…", [this] { this->model().selectCodexExecutable(); })}));
 
@@ -78,11 +74,7 @@ void CodexTab::refresh(WindowFields fields) {
     form_.load(state().configuration.codexSettings.value_or(S{}));
   }
   if (fields.contains(WindowField::codex)) {
-    const QuotaSummary& codex = state().codex;
-    message_->setText(qtText("Estado: " + codex.message));
-    lastSuccess_->setText(qtText("Última consulta confirmada: ") +
-                          quotaTimeText(codex.lastSuccess));
-    executable_->setText(qtText("Codex CLI: " + codex.executable));
+    lines_.show(state().codex);
   }
   if (fields.intersects({WindowField::configuration, WindowField::codex})) {
     showCategories();

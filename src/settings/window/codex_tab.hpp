@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QLabel>
-
 #include "settings/window/quota_actions.hpp"
+#include "settings/window/quota_lines.hpp"
 #include "settings/window/settings_tab.hpp"
 
 namespace vantora {
@@ -19,9 +18,7 @@ class CodexTab final : public SettingsTab {
   void showActions();
 
   Form<CodexQuotaSettings> form_;
-  QLabel* message_;
-  QLabel* lastSuccess_;
-  QLabel* executable_;
+  QuotaLines lines_{"Codex CLI"};
   MissingModule* missing_;
   QPushButton* refresh_;
   QPushButton* connect_;
