@@ -24,6 +24,7 @@ extern const char claudeNotLoggedIn[];
 extern const char codexExecutableSelected[];
 extern const char loginItemEnabled[];
 extern const char loginItemNeedsApproval[];
+extern const char windowProgramMissing[];  ///< What to install where the window's program is not.
 
 // The settings window.
 extern const char startAtLoginLabel[];  ///< With the mnemonic's "&".

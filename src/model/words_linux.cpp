@@ -19,6 +19,8 @@ const char Words::claudeNotLoggedIn[] =
 const char Words::codexExecutableSelected[] = "Executável Codex selecionado para este computador.";
 const char Words::loginItemEnabled[] = "Vantora iniciará ao entrar na sessão.";
 const char Words::loginItemNeedsApproval[] = "Aprovação pendente nas configurações do sistema.";
+const char Words::windowProgramMissing[] =
+    "Falta o programa vantora-settings: instale o pacote vantora-settings.";
 
 const char Words::startAtLoginLabel[] = "&Iniciar ao entrar na sessão";
 const char Words::batteryNote[] =

@@ -20,6 +20,8 @@ const char Words::codexExecutableSelected[] = "Executável Codex selecionado par
 const char Words::loginItemEnabled[] = "Vantora iniciará ao entrar na sessão do Mac.";
 const char Words::loginItemNeedsApproval[] =
     "Aprovação pendente em Ajustes do Sistema → Itens de Início.";
+const char Words::windowProgramMissing[] =
+    "Falta o programa da janela no Vantora.app: instale o Vantora de novo.";
 
 const char Words::startAtLoginLabel[] = "&Iniciar ao entrar na sessão do Mac";
 const char Words::batteryNote[] =

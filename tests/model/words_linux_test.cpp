@@ -26,6 +26,8 @@ TEST(LinuxWords, SayWhatIsTrueOfALinuxMachine) {
       {Words::codexExecutableSelected, "Executável Codex selecionado para este computador."},
       {Words::loginItemEnabled, "Vantora iniciará ao entrar na sessão."},
       {Words::loginItemNeedsApproval, "Aprovação pendente nas configurações do sistema."},
+      {Words::windowProgramMissing,
+       "Falta o programa vantora-settings: instale o pacote vantora-settings."},
       {Words::startAtLoginLabel, "&Iniciar ao entrar na sessão"},
       {Words::batteryNote,
        "A porcentagem da bateria é calculada das capacidades informadas pela bateria interna. O "

@@ -40,6 +40,12 @@ void say(std::string_view line) {
   std::fprintf(stderr, "vantora: %.*s\n", static_cast<int>(line.size()), line.data());
 }
 
+// For the person who clicked, and sees nothing of a program that only reports on standard error.
+void tell(Notifier& notifier, const std::string& message) {
+  say(message);
+  notifier.notify(message);
+}
+
 // The variable's value, empty where there is none.
 std::string environmentText(const char* name) {
   const char* text = std::getenv(name);
@@ -63,7 +69,8 @@ std::string glyphProgram() {
              : folder.parent_path() / "libexec" / "vantora" / name;
 }
 
-std::unique_ptr<SettingsWindow> settingsWindow(LinuxApplication& application, AppParts& parts) {
+std::unique_ptr<SettingsWindow> settingsWindow(LinuxApplication& application, AppParts& parts,
+                                               Notifier& notifier) {
   auto window = std::make_unique<SettingsProcess>(SettingsProcess::Parts{
       .queue = parts.mainQueue,
       .clock = parts.clock,
@@ -76,7 +83,7 @@ std::unique_ptr<SettingsWindow> settingsWindow(LinuxApplication& application, Ap
       .codexExecutable = [&quota = *parts.codexQuota] { return quota.executableDescription(); },
       .claudeExecutable = [&quota = *parts.claudeQuota] { return quota.executableDescription(); },
   });
-  window->onFailure = [](const std::string& message) { say(message); };
+  window->onFailure = [&notifier](const std::string& message) { tell(notifier, message); };
   return window;
 }
 
@@ -186,9 +193,10 @@ int runAgent(LinuxApplication& application, LaunchTokens tokens) {
                                       .environmentChanges = MenuProcess::onX11(bus.address())};
   MenuProcess menu(popupParts);
   ToolTipProcess toolTip(popupParts);
-  menu.onFailure = toolTip.onFailure = [](const std::string& message) { say(message); };
   OwnDisplayThread displayThread;
   DesktopNotifier notifier(bus);
+  menu.onFailure = [&notifier](const std::string& message) { tell(notifier, message); };
+  toolTip.onFailure = [](const std::string& message) { say(message); };
   LinuxStatusItem::Options itemOptions;
   itemOptions.onDecision = [&log](const std::string& line) { log.info(line); };
   LinuxStatusItem statusItem(bus, loop.queue(), textEngine, std::move(itemOptions),
@@ -208,11 +216,8 @@ int runAgent(LinuxApplication& application, LaunchTokens tokens) {
     say(*notice +
         (keepAs ? " Na primeira gravação, ela será guardada em " + keepAs->string() + "." : ""));
   }
-  parts.model->onSaveFailure = [&notifier](const std::string& message) {
-    say(message);
-    notifier.notify(message);
-  };
-  parts.settingsWindow = settingsWindow(application, parts);
+  parts.model->onSaveFailure = [&notifier](const std::string& message) { tell(notifier, message); };
+  parts.settingsWindow = settingsWindow(application, parts, notifier);
   parts.urlOpener = &urlOpener;
   parts.log = log;
   const auto coordinator = AppCoordinator::create(std::move(parts));

@@ -3,6 +3,8 @@
 
 #include <utility>
 
+#include "model/words.hpp"
+
 namespace vantora {
 
 ChildConversation::ChildConversation(TaskQueue& queue, ChildProcessLauncher& launcher,
@@ -21,7 +23,10 @@ std::optional<Fault> ChildConversation::start(const ChildProcessOptions& options
   events.onExit = [this](ChildExit exit) { events_.onExit(exit); };
   auto started = launcher_.start(options, std::move(events));
   if (!started) {
-    return started.fault();
+    Fault fault = started.fault();
+    fault.detail = fault.kind == Fault::Kind::absent ? Words::windowProgramMissing
+                                                     : options.executable + ": " + fault.detail;
+    return fault;
   }
   child_ = std::move(started).value();
   return std::nullopt;

@@ -35,7 +35,8 @@ class ChildConversation {
   ChildConversation(const ChildConversation&) = delete;
   ChildConversation& operator=(const ChildConversation&) = delete;
 
-  /// Nothing on success. There must be no child.
+  /// Nothing on success, else a fault that says what to do about it: the program may be in a
+  /// package that is not installed. There must be no child.
   [[nodiscard]] std::optional<Fault> start(const ChildProcessOptions& options);
 
   [[nodiscard]] bool isOpen() const { return child_ != nullptr; }

@@ -36,7 +36,7 @@ void MenuProcess::open(const MenuContent& content, OnChosen onChosen) {
   options.arguments = {argument};
   options.environmentChanges = parts_.environmentChanges;
   if (const auto fault = conversation_.start(options)) {
-    fail(unopenedText + (" " + parts_.executable + ": " + fault->detail));
+    fail(unopenedText + (" " + fault->detail));
     return;
   }
   entries_ = content.entries;

@@ -84,7 +84,7 @@ void SettingsProcess::start(std::string_view activationToken) {
   options.environmentChanges = {{"XDG_ACTIVATION_TOKEN", std::string(activationToken)},
                                 {"DESKTOP_STARTUP_ID", std::string(activationToken)}};
   if (const auto fault = conversation_.start(options)) {
-    fail(unopenedText + (fault->detail.empty() ? "" : " " + fault->detail));
+    fail(unopenedText + (" " + fault->detail));
     return;
   }
   awaitAnswer();

@@ -24,6 +24,8 @@ TEST(MacWords, AreTheTextsOfAMac) {
        "use /login."},
       {Words::codexExecutableSelected, "Executável Codex selecionado para este Mac."},
       {Words::loginItemEnabled, "Vantora iniciará ao entrar na sessão do Mac."},
+      {Words::windowProgramMissing,
+       "Falta o programa da janela no Vantora.app: instale o Vantora de novo."},
       {Words::loginItemNeedsApproval,
        "Aprovação pendente em Ajustes do Sistema → Itens de Início."},
       {Words::startAtLoginLabel, "&Iniciar ao entrar na sessão do Mac"},

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "model/words.hpp"
 #include "settings/agent/child_test.hpp"
 
 namespace vantora {
@@ -127,7 +128,8 @@ TEST_F(MenuProcessTest, EndsTheMenuWithItself) {
 TEST_F(MenuProcessTest, SaysThatTheProgramIsMissing) {
   launcher_.failStarts(Fault{Fault::Kind::absent, "ENOENT"});
   open();
-  EXPECT_THAT(failures_, ElementsAre("O menu não pôde ser aberto. /opt/vantora-settings: ENOENT"));
+  EXPECT_THAT(failures_, ElementsAre(std::string("O menu não pôde ser aberto. ") +
+                                     Words::windowProgramMissing));
   launcher_.failStarts(std::nullopt);
   open();
   sayBytes(answerLine(Shown{}));

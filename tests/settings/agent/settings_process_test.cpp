@@ -5,9 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "model/configuration_codec.hpp"
+#include "model/words.hpp"
 #include "settings/agent/child_test.hpp"
 #include "support/fake_settings_ports.hpp"
 #include "support/live_memory.hpp"
@@ -459,11 +461,20 @@ TEST_F(SettingsProcessTest, ClosesWithoutAWord) {
 }
 
 TEST_F(SettingsProcessTest, SaysThatTheWindowCannotBeStarted) {
-  launcher_.failStarts(Fault::absent("Arquivo não encontrado"));
+  launcher_.failStarts(Fault::failed("EACCES"));
   process_->show("");
   EXPECT_FALSE(process_->isVisible());
   EXPECT_THAT(failures_, ElementsAre("A janela de configurações não pôde ser aberta. "
-                                     "Arquivo não encontrado"));
+                                     "/opt/vantora-settings: EACCES"));
+}
+
+TEST_F(SettingsProcessTest, SaysWhatToInstallWhereTheWindowIsNot) {
+  launcher_.failStarts(Fault::absent("ENOENT"));
+  process_->show("");
+  EXPECT_FALSE(process_->isVisible());
+  EXPECT_THAT(failures_,
+              ElementsAre(std::string("A janela de configurações não pôde ser aberta. ") +
+                          Words::windowProgramMissing));
 }
 
 TEST_F(SettingsProcessTest, SaysThatTheWindowEndedBeforeItOpened) {

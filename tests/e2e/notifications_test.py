@@ -1,10 +1,12 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""A desktop that shows no status items: one notification in a session says so.
+"""What a desktop is told by notification: once a session that it shows no status items, and at
+a click that the settings window is not installed.
 
-    /usr/bin/python3 no_panel_test.py VANTORA [-v]
+    /usr/bin/python3 notifications_test.py VANTORA [-v]
 """
 
+import shutil
 import subprocess
 import sys
 
@@ -14,7 +16,7 @@ from stage import until
 NOTIFICATIONS = "org.freedesktop.Notifications"
 
 
-class NoPanelTest(stage.StageTest):
+class NotificationsTest(stage.StageTest):
     def notified(self):
         """What each of the notifications says."""
         with self.session() as bus:
@@ -23,11 +25,14 @@ class NoPanelTest(stage.StageTest):
                                       ("Notify",), timeout=10)
         return [str(arguments[4]) for _, arguments in calls]
 
-    def test_a_session_is_told_once(self):
+    def start_notifications(self):
         self.start_bus()
         self.start([sys.executable, "-m", "dbusmock", "--session", "--template",
                     "notification_daemon"], stderr=subprocess.DEVNULL)
         until("the notifications", lambda: not self.notified() or True)
+
+    def test_a_session_is_told_once(self):
+        self.start_notifications()
         first = self.start_agent().wait_until_owner()
         until("the notification", self.notified)
         self.assertIn("nenhum painel", self.notified()[0])
@@ -40,6 +45,16 @@ class NoPanelTest(stage.StageTest):
         self.assertIn("Nenhum painel", second.said()[0])
         self.assertEqual(second.end(), 0)
         self.assertEqual(len(self.notified()), 1)
+
+    def test_a_click_says_what_to_install_where_the_window_is_not(self):
+        self.start_notifications()
+        agent = stage.Agent(self, shutil.copy(self.program, self.folder)).wait_until_owner()
+        agent.click()
+        sentence = ("A janela de configurações não pôde ser aberta. Falta o programa "
+                    "vantora-settings: instale o pacote vantora-settings.")
+        until("the notification", lambda: sentence in self.notified())
+        self.assertIn("vantora: " + sentence, agent.said())
+        self.assertEqual(agent.end(), 0)
 
 
 if __name__ == "__main__":
