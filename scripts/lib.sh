@@ -144,3 +144,40 @@ build() {
   rm -f "$log"
   [ $((SECONDS - started)) -lt 5 ] || say "Built '$preset' in $((SECONDS - started)) s."
 }
+
+project_version() { sed -n 's/^project(Vantora VERSION \([^ ]*\).*/\1/p' CMakeLists.txt; }
+
+# When the newest version in the changelog was made, in seconds since 1970: the age of
+# everything in packages, so that the same source gives the same bytes.
+project_epoch() { date -d "$(sed -n 's/^ -- .*>  //p' debian/changelog | head -n 1)" +%s; }
+
+# copy_source FOLDER: this tree, all files of the same age, without what was built.
+copy_source() {
+  mkdir -p "$1"
+  tar -c --mtime="@$(project_epoch)" --exclude=./build --exclude=./.git --exclude=./.cache \
+    --exclude=__pycache__ . | tar -xp -C "$1"
+}
+
+# make_tarball FILE: the source as one file vantora-VERSION.tar.gz, whose bytes depend on
+# nothing but the source.
+make_tarball() {
+  local folder name
+  name=vantora-$(project_version)
+  folder=$(mktemp -d)
+  copy_source "$folder/$name"
+  tar -C "$folder" --sort=name --owner=0 --group=0 --numeric-owner --mode=go=rX,u+rw \
+    -c "$name" | gzip -9n > "$1"
+  rm -rf "$folder"
+}
+
+# What the changelog says of the newest version, a line with "- " for each change.
+newest_changes() {
+  awk '/^ -- /{exit} /^  \* /{if (text) print text; text = "- " substr($0, 5); next}
+    /^    /{sub(/^ +/, " "); text = text $0} END {print text}' debian/changelog
+}
+
+# make_pkgbuild TARBALL: the recipe of Arch's packages for this source.
+make_pkgbuild() {
+  sed "s/@VERSION@/$(project_version)/; s/@SHA256@/$(sha256sum "$1" | cut -d ' ' -f 1)/" \
+    packaging/linux/arch/PKGBUILD.in
+}
