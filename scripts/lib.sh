@@ -176,8 +176,7 @@ newest_changes() {
     /^    /{sub(/^ +/, " "); text = text $0} END {print text}' debian/changelog
 }
 
-# make_pkgbuild TARBALL: the recipe of Arch's packages for this source.
-make_pkgbuild() {
-  sed "s/@VERSION@/$(project_version)/; s/@SHA256@/$(sha256sum "$1" | cut -d ' ' -f 1)/" \
-    packaging/linux/arch/PKGBUILD.in
+# fill_in TEMPLATE TARBALL: the recipe with the version and the checksum of this source.
+fill_in() {
+  sed "s/@VERSION@/$(project_version)/; s/@SHA256@/$(sha256sum "$2" | cut -d ' ' -f 1)/" "$1"
 }

@@ -11,6 +11,7 @@ import unittest
 ROOT = os.path.abspath(os.path.join(os.path.dirname(__file__), "../../.."))
 HELPER = "Contents/Helpers/vantora-settings.app/Contents/"
 PLUGIN = HELPER + "PlugIns/platforms/libqcocoa.dylib"
+NOTICES = "Contents/Resources/THIRD-PARTY-NOTICES"
 # otool answers from the file's notes; what it would be asked of a Mac's files.
 OTOOL = """#!/bin/sh
 case $1 in
@@ -35,6 +36,8 @@ class ABundle(unittest.TestCase):
         self.put("Contents/MacOS/vantora-print", "#!/bin/sh\nexit 0\n")
         self.put(HELPER + "MacOS/vantora-settings", "#!/bin/sh\ncat\n")
         self.put(PLUGIN, "")
+        self.put(NOTICES, "")
+        self.put("Contents/Resources/LICENSE", "")
         for name, text in (("otool", OTOOL), ("od", OD), ("codesign", "#!/bin/sh\nexit 0\n")):
             self.write(os.path.join(self.folder, "bin", name), text)
 
@@ -66,6 +69,10 @@ class ABundle(unittest.TestCase):
     def test_without_the_platform_plug_in_is_refused(self):
         os.remove(os.path.join(self.app, PLUGIN))
         self.assert_refused("missing: " + PLUGIN)
+
+    def test_without_the_notices_is_refused(self):
+        os.remove(os.path.join(self.app, NOTICES))
+        self.assert_refused("missing: " + NOTICES)
 
     def test_that_needs_a_library_outside_is_refused(self):
         self.put(HELPER + "Frameworks/libuv.1.dylib", "", "/opt/homebrew/lib/libuv.1.dylib")
