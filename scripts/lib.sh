@@ -62,24 +62,68 @@ missing_packages() {
   done < <(grep -v '^#' scripts/packages) | sort -u
 }
 
-# Runs apt-get with the given arguments, and waits for another package manager that is busy.
+# moving_line TEXT: how far something is. On a terminal it takes the place of the one before;
+# elsewhere it is printed every 30 s. Without a text the line on the terminal is cleared.
+moving_line() {
+  if [ -t 1 ]; then
+    printf '\r\033[K%s' "$*"
+  elif [ $# -gt 0 ] && [ $((SECONDS - line_shown)) -ge 30 ]; then
+    say "  $*"
+    line_shown=$SECONDS
+  fi
+}
+
+# Copies apt-get's output to the file LOG and shows its status lines, which the option
+# APT::Status-Fd asks for.
+show_installing() {
+  local log=$1 line started=$SECONDS line_shown=$SECONDS
+  while IFS= read -r line; do
+    if [[ $line =~ ^(dlstatus|pmstatus):[^:]*:([0-9]+) ]]; then
+      case ${BASH_REMATCH[1]} in
+        dlstatus) line="fetching" ;;
+        *) line="installing" ;;
+      esac
+      moving_line "Packages: $line, ${BASH_REMATCH[2]} %, $((SECONDS - started)) s"
+    else
+      printf '%s\n' "$line" >> "$log"
+    fi
+  done
+  moving_line
+}
+
+# apt_get LOG COMMAND...: runs apt-get, and waits for another package manager that is busy. Its
+# messages are in English whatever the user's language, since they are searched here, and the
+# environment is set behind sudo, which takes it away.
 apt_get() {
-  local deadline=$((SECONDS + 600)) log=$1
+  local started=$SECONDS said="" line_shown=$SECONDS log=$1
   shift
-  until DEBIAN_FRONTEND=noninteractive "$@" > "$log" 2>&1; do
-    if ! grep -q 'Could not get lock' "$log" || [ $SECONDS -ge $deadline ]; then
+  until : > "$log"; "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive LC_ALL=C \
+    apt-get -o APT::Status-Fd=1 "$@" 2>&1 | show_installing "$log"; do
+    if ! grep -q 'Could not get lock' "$log" || [ $((SECONDS - started)) -ge 600 ]; then
       return 1
     fi
-    say "Another package manager is at work here; waiting for it."
-    sleep 10
+    [ -n "$said" ] || say "Another package manager is at work here; waiting for it."
+    said=1
+    moving_line "Waiting, $((SECONDS - started)) s"
+    sleep 5
   done
+}
+
+# Of these packages those that apt-get cannot install by themselves, or all where it could.
+not_installable() {
+  local name found=()
+  for name in "$@"; do
+    apt-get -s -q install --no-install-recommends "$name" > /dev/null 2>&1 || found+=("$name")
+  done
+  [ ${#found[@]} -gt 0 ] || found=("$@")
+  echo "${found[*]}"
 }
 
 # need GROUP...: installs what is missing of these groups. Where it cannot, because the system
 # has no apt or this user may not, it names what is missing; without something that the build
 # needs the script ends there.
 need() {
-  local missing as_root=() log status=0
+  local missing as_root=() log status=0 started=$SECONDS
   mapfile -t missing < <(missing_packages "$@")
   [ ${#missing[@]} -gt 0 ] || return 0
   if [ "$(id -u)" -ne 0 ] && has sudo; then
@@ -92,47 +136,42 @@ need() {
     [ -z "$(missing_packages build)" ]
     return
   fi
-  say "Installing ${#missing[@]} packages: ${missing[*]}"
+  say "Installing ${#missing[@]} packages and what they need: ${missing[*]}"
   log=$(mktemp)
-  apt_get "$log" "${as_root[@]}" apt-get update -q &&
-    apt_get "$log" "${as_root[@]}" apt-get -o DPkg::Lock::Timeout=600 install -qy \
-      --no-install-recommends "${missing[@]}" || status=1
+  apt_get "$log" -q update &&
+    apt_get "$log" -qy --no-install-recommends install "${missing[@]}" || status=1
   if [ $status -ne 0 ]; then
     tail -n 20 "$log" >&2
     mapfile -t missing < <(missing_packages "$@")
-    complain "Could not install: ${missing[*]}"
+    complain "Could not install: $(not_installable "${missing[@]}")"
+  else
+    say "Installed in $((SECONDS - started)) s."
   fi
   rm -f "$log"
   return $status
 }
 
-# Copies ninja's output to the file LOG and shows how far it is: on a terminal as one line that
-# moves, elsewhere as a line every 30 s.
+# Copies ninja's output to the file LOG and shows how far it is.
 show_progress() {
-  local title=$1 log=$2 line started=$SECONDS shown=$SECONDS elapsed left
+  local title=$1 log=$2 line started=$SECONDS line_shown=$SECONDS elapsed left
   while IFS= read -r line; do
     printf '%s\n' "$line" >> "$log"
     [[ $line =~ ^\[([1-9][0-9]*)/([0-9]+)\] ]] || continue
     elapsed=$((SECONDS - started))
     left=$((elapsed * (BASH_REMATCH[2] - BASH_REMATCH[1]) / BASH_REMATCH[1]))
-    line="$title: ${BASH_REMATCH[1]} of ${BASH_REMATCH[2]}, $elapsed s, about $left s left"
-    if [ -t 1 ]; then
-      printf '\r\033[K%s' "$line"
-    elif [ $((SECONDS - shown)) -ge 30 ]; then
-      say "  $line"
-      shown=$SECONDS
-    fi
+    moving_line "$title: ${BASH_REMATCH[0]} $elapsed s, about $left s left"
   done
-  [ ! -t 1 ] || printf '\r\033[K'
+  moving_line
 }
 
 # build PRESET [TARGET...]: configures and builds; on failure shows what failed. With CI=true a
 # test that cannot run here fails the configuration.
 build() {
-  local preset=$1 log require=OFF started=$SECONDS
+  local preset=$1 log require=OFF started=$SECONDS line_shown=$SECONDS
   shift
   log=$(mktemp)
   [ "${CI:-}" != true ] || require=ON
+  moving_line "Building '$preset': configuring"
   if ! { cmake --preset "$preset" -DVANTORA_REQUIRE_TESTS=$require > "$log" 2>&1 &&
     NINJA_STATUS='[%f/%t] ' cmake --build --preset "$preset" ${*:+--target "$@"} 2>&1 |
     show_progress "Building '$preset'" "$log"; }; then

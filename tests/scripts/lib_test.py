@@ -10,7 +10,7 @@ import unittest
 import weakref
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
-TOOLS = "bash cat dirname grep sort mktemp rm tail".split()
+TOOLS = "bash cat dirname env grep sort mktemp rm tail".split()
 
 
 class System:
@@ -56,22 +56,38 @@ class Packages(unittest.TestCase):
         self.assertIn("went on", system.run("need peers; echo went on").stdout)
 
     def test_that_cannot_be_installed_end_the_script_with_their_names(self):
-        done = System(apt_get='[ "$1" = update ] || { echo E: no such package; exit 100; }').run(
-            "need peers; echo went on")
+        apt = """
+case $* in
+  *" update") ;;
+  *conky-std*) echo "E: no such package"; exit 100 ;;
+esac"""
+        done = System(apt_get=apt).run("need peers; echo went on")
         self.assertIn("E: no such package", done.stdout)
-        self.assertRegex(done.stdout, "Could not install: .*conky-std")
+        self.assertIn("Could not install: conky-std\n", done.stdout)
         self.assertNotIn("went on", done.stdout)
 
+    def test_are_installed_by_a_package_manager_that_speaks_English_behind_sudo(self):
+        done = System(id="echo 1000", sudo='env -i PATH="$PATH" "$@"',
+                      apt_get="echo $LC_ALL $DEBIAN_FRONTEND; exit 100").run("need peers")
+        self.assertIn("C noninteractive\n", done.stdout)
+
     def test_wait_for_a_package_manager_that_is_busy(self):
-        busy_once = """
-if [ ! -e $WORLD/asked ]; then
+        busy_twice = """
+if [ ! -e $WORLD/again ]; then
+  [ ! -e $WORLD/asked ] || echo > $WORLD/again
   echo > $WORLD/asked
   echo "E: Could not get lock /var/lib/dpkg/lock-frontend"
   exit 100
 fi"""
-        done = System(apt_get=busy_once, sleep=":").run("need peers; echo went on")
-        self.assertIn("Another package manager is at work here", done.stdout)
+        done = System(apt_get=busy_twice, sleep=":").run("need peers; echo went on")
+        self.assertEqual(done.stdout.count("Another package manager is at work here"), 1)
         self.assertIn("went on", done.stdout)
+
+    def test_that_are_being_installed_leave_the_status_lines_out_of_the_log(self):
+        said = "dlstatus:1:12.5:Retrieving\\npmstatus:x:50:Unpacking\\nE: no space"
+        done = System().run(
+            f"printf '{said}\\n' | show_installing $WORLD/log; cat $WORLD/log")
+        self.assertEqual(done.stdout, "E: no space\n")
 
 
 class Progress(unittest.TestCase):
