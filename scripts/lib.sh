@@ -18,7 +18,7 @@ is_there() {
     font) has fc-list && [ -n "$(fc-list "${what//_/ }" 2> /dev/null)" ] ;;
     py) /usr/bin/python3 -c "import $what" 2> /dev/null ;;
     gir) /usr/bin/python3 -c "import gi; gi.require_version(*'$what'.rsplit('-', 1))" 2> /dev/null ;;
-    lib) [ -n "$(compgen -G "/usr/lib/*/$what" || compgen -G "/usr/lib*/$what")" ] ;;
+    lib) [ -n "$(compgen -G "/usr/lib*/$what" || compgen -G "/usr/lib*/*/$what")" ] ;;
     clang) [ -n "$(compgen -G "$(clang++ -print-resource-dir 2> /dev/null)/lib/*/$what*")" ] ;;
     file) [ -e "$what" ] ;;
     *) return 1 ;;

@@ -41,9 +41,14 @@ class Packages(unittest.TestCase):
             self.assertIn(name, said, manager)
 
     def test_that_a_system_does_not_have_are_not_named(self):
-        said = System(pacman="exit 1").run("missing_packages test").stdout.split()
+        said = System(pacman="exit 1").run("missing_packages package").stdout.split()
         self.assertNotIn("-", said)
-        self.assertNotIn("trayer", said)
+        self.assertNotIn("dpkg-dev", said)
+
+    def test_have_a_name_for_each_system_on_every_line(self):
+        for line in (ROOT / "scripts/packages").read_text().splitlines():
+            if not line.startswith("#"):
+                self.assertEqual(len(line.split()), 6, line)
 
     def test_are_named_and_not_installed_where_there_is_no_apt(self):
         done = System(dnf='echo "dnf was run"').run("need build; echo went on")
