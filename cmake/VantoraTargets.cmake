@@ -1,17 +1,50 @@
-# vantora_library(NAME [SOURCES ...] [LINKS ...] [PRIVATE_LINKS ...])
+# vantora_headers(NAME [TESTS] HEADERS ... [LINKS ...])
+# Headers of others that many sources include, compiled once for the libraries, or the tests, that
+# take them: that is a third of the compiler's time and more. None of ours is among them, since an
+# include across a wall would not be seen. With CMAKE_DISABLE_PRECOMPILE_HEADERS each source is
+# compiled from its own includes alone, as scripts/test has clang-tidy do it.
+function(vantora_headers name)
+  cmake_parse_arguments(ARG "TESTS" "" "HEADERS;LINKS" ${ARGN})
+  set(source "${CMAKE_BINARY_DIR}/${name}.cpp")
+  file(CONFIGURE OUTPUT "${source}" CONTENT "")
+  add_library(vantora_${name} OBJECT "${source}")
+  target_link_libraries(vantora_${name} PRIVATE vantora::options ${ARG_LINKS})
+  target_precompile_headers(vantora_${name} PRIVATE ${ARG_HEADERS})
+  if(ARG_TESTS)
+    vantora_set_test_options(vantora_${name})
+  else()
+    vantora_set_library_options(vantora_${name})
+  endif()
+endfunction()
+
+# vantora_take_headers(TARGET NAME): those of the standard library when NAME is empty. Not on a
+# Mac, whose sources are of two languages.
+function(vantora_take_headers target name)
+  if(NOT name)
+    set(name standard_headers)
+  endif()
+  if(NOT APPLE)
+    target_precompile_headers(${target} REUSE_FROM vantora_${name})
+  endif()
+endfunction()
+
+set(VANTORA_STANDARD_HEADERS
+  <algorithm> <array> <chrono> <filesystem> <functional> <map> <memory> <optional> <span> <string>
+  <string_view> <utility> <variant> <vector>)
+set(VANTORA_TEST_HEADERS ${VANTORA_STANDARD_HEADERS} <gmock/gmock.h> <gtest/gtest.h>)
+
+# vantora_library(NAME [SOURCES ...] [LINKS ...] [PRIVATE_LINKS ...] [HEADERS NAME])
 # One folder of src/ as the static library vantora::NAME; without sources, its headers
-# alone. A folder may include what its library links, and nothing else: scripts/check-walls
-# holds that against vantora_write_walls().
+# alone. HEADERS are those of vantora_headers() that it takes. A folder may include what its
+# library links, and nothing else: scripts/check-walls holds that against vantora_write_walls().
 function(vantora_library name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "" "HEADERS" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
   if(ARG_SOURCES)
     add_library(vantora_${name} STATIC ${ARG_SOURCES})
     target_link_libraries(vantora_${name} PUBLIC vantora::options ${ARG_LINKS}
                                           PRIVATE ${ARG_PRIVATE_LINKS})
-    if(VANTORA_FUZZ)
-      # The fuzzers follow what they reach; tests that link it take no notice.
-      target_compile_options(vantora_${name} PRIVATE -fsanitize=fuzzer-no-link)
-    endif()
+    vantora_set_library_options(vantora_${name})
+    vantora_take_headers(vantora_${name} "${ARG_HEADERS}")
     set_property(GLOBAL APPEND PROPERTY VANTORA_LIBRARIES vantora_${name})
   else()
     add_library(vantora_${name} INTERFACE)
@@ -19,6 +52,13 @@ function(vantora_library name)
   endif()
   add_library(vantora::${name} ALIAS vantora_${name})
   vantora_note_wall(library ${name})
+endfunction()
+
+# The fuzzers follow what they reach; tests that link it take no notice.
+function(vantora_set_library_options target)
+  if(VANTORA_FUZZ)
+    target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
 endfunction()
 
 # vantora_program(NAME [MACOSX_BUNDLE] SOURCES ... LINKS ...)
@@ -53,22 +93,6 @@ function(vantora_write_walls)
   file(WRITE "${CMAKE_BINARY_DIR}/walls.txt" "${lines}\n")
 endfunction()
 
-# vantora_test_headers: the headers that every test includes, compiled once. They take longer to
-# compile than most tests.
-function(vantora_add_test_headers)
-  if(TARGET vantora_test_headers)
-    return()
-  endif()
-  set(source "${CMAKE_BINARY_DIR}/test_headers.cpp")
-  file(CONFIGURE OUTPUT "${source}" CONTENT "")
-  add_library(vantora_test_headers OBJECT "${source}")
-  target_link_libraries(vantora_test_headers PRIVATE vantora::options GTest::gmock GTest::gtest)
-  target_precompile_headers(vantora_test_headers PRIVATE
-    <chrono> <filesystem> <functional> <map> <memory> <optional> <string> <string_view> <vector>
-    <gmock/gmock.h> <gtest/gtest.h>)
-  vantora_set_test_options(vantora_test_headers)
-endfunction()
-
 # Instrumented tests take Clang twice as long to optimise as to compile, and run once.
 function(vantora_set_test_options target)
   if(VANTORA_SANITIZE)
@@ -76,11 +100,11 @@ function(vantora_set_test_options target)
   endif()
 endfunction()
 
-# vantora_tests(NAME SOURCES ... [LINKS ...])
+# vantora_tests(NAME SOURCES ... [LINKS ...] [HEADERS NAME])
 # The tests of one folder as one executable vantora_NAME_tests, each case a test
-# of CTest's.
+# of CTest's. HEADERS are those of vantora_headers() that it takes instead of test_headers.
 function(vantora_tests name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "" "HEADERS" "SOURCES;LINKS" ${ARGN})
   add_executable(vantora_${name}_tests ${ARG_SOURCES})
   target_include_directories(vantora_${name}_tests PRIVATE "${CMAKE_SOURCE_DIR}/tests")
   target_compile_definitions(vantora_${name}_tests PRIVATE
@@ -88,8 +112,14 @@ function(vantora_tests name)
   target_link_libraries(vantora_${name}_tests PRIVATE
     ${ARG_LINKS} vantora::test_support GTest::gmock GTest::gtest_main)
   vantora_set_test_options(vantora_${name}_tests)
-  vantora_add_test_headers()
-  target_precompile_headers(vantora_${name}_tests REUSE_FROM vantora_test_headers)
+  if(NOT ARG_HEADERS)
+    set(ARG_HEADERS test_headers)
+    if(NOT TARGET vantora_test_headers)
+      vantora_headers(test_headers TESTS
+        HEADERS ${VANTORA_TEST_HEADERS} LINKS GTest::gmock GTest::gtest)
+    endif()
+  endif()
+  target_precompile_headers(vantora_${name}_tests REUSE_FROM vantora_${ARG_HEADERS})
   gtest_discover_tests(vantora_${name}_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
   foreach(source IN LISTS ARG_SOURCES)
     get_filename_component(absolute "${source}" ABSOLUTE)
