@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 """What scripts/lib.sh makes of a system: its packages' names, its package manager, and what a
-build prints."""
+build prints; and what scripts/run says and starts."""
 import os
 import pathlib
 import shutil
@@ -26,10 +26,10 @@ class System:
             command.write_text(f"#!{shutil.which('bash')}\n{script}\n")
             command.chmod(0o755)
 
-    def run(self, script):
+    def run(self, script, folder=ROOT, **environment):
         return subprocess.run(
-            [shutil.which("bash"), "-c", f". scripts/lib.sh; {script}"], cwd=ROOT,
-            env={"PATH": str(self.path), "WORLD": str(self.path)}, check=False,
+            [shutil.which("bash"), "-c", f". scripts/lib.sh; {script}"], cwd=folder,
+            env={"PATH": str(self.path), "WORLD": str(self.path), **environment}, check=False,
             stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
 
 
@@ -112,6 +112,32 @@ exit 1"""
     def test_does_not_fill_a_log_that_is_no_terminal(self):
         done = System().run("echo '[0/4] a' | show_progress Building $WORLD/log; cat $WORLD/log")
         self.assertEqual(done.stdout, "[0/4] a\n")
+
+
+class Run(unittest.TestCase):
+    def start(self, **environment):
+        """scripts/run in a folder of its own, where everything is installed and built."""
+        system = System(cmake="exit 0", dpkg_query="echo install ok installed")
+        folder = system.path / "sources"
+        (folder / "scripts").mkdir(parents=True)
+        for name in ("lib.sh", "packages", "run"):
+            shutil.copy(ROOT / "scripts" / name, folder / "scripts")
+        (folder / "build/release/bin").mkdir(parents=True)
+        for name in ("vantora", "vantora-print"):
+            program = folder / "build/release/bin" / name
+            program.write_text(f"#!{shutil.which('bash')}\necho started {name} $*\n")
+            program.chmod(0o755)
+        return system.run("bash scripts/run", folder, **environment).stdout
+
+    def test_says_where_the_item_is_to_be_seen_and_starts_the_agent(self):
+        said = self.start(DISPLAY=":7", XDG_CURRENT_DESKTOP="ubuntu:GNOME")
+        self.assertRegex(said, "in the top bar, .*AppIndicator extension")
+        self.assertTrue(said.endswith("started vantora\n"), said)
+        self.assertIn("in the panel's tray, as a square",
+                      self.start(WAYLAND_DISPLAY="wayland-0", XDG_CURRENT_DESKTOP="KDE"))
+
+    def test_follows_the_readings_in_the_terminal_without_a_display(self):
+        self.assertTrue(self.start().endswith("started vantora-print --follow\n"))
 
 
 if __name__ == "__main__":
