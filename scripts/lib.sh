@@ -151,15 +151,19 @@ need() {
   return $status
 }
 
-# Copies ninja's output to the file LOG and shows how far it is.
+# Copies ninja's output to the file LOG and shows how far it is. The first twentieth, with the
+# headers that are compiled once, says nothing of the rest.
 show_progress() {
   local title=$1 log=$2 line started=$SECONDS line_shown=$SECONDS elapsed left
   while IFS= read -r line; do
     printf '%s\n' "$line" >> "$log"
     [[ $line =~ ^\[([1-9][0-9]*)/([0-9]+)\] ]] || continue
     elapsed=$((SECONDS - started))
-    left=$((elapsed * (BASH_REMATCH[2] - BASH_REMATCH[1]) / BASH_REMATCH[1]))
-    moving_line "$title: ${BASH_REMATCH[0]} $elapsed s, about $left s left"
+    left=""
+    if [ $((BASH_REMATCH[1] * 20)) -ge "${BASH_REMATCH[2]}" ]; then
+      left=", about $((elapsed * (BASH_REMATCH[2] - BASH_REMATCH[1]) / BASH_REMATCH[1])) s left"
+    fi
+    moving_line "$title: ${BASH_REMATCH[0]} $elapsed s$left"
   done
   moving_line
 }
