@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/print/cell_text_engine.hpp"
 
-#include "app/print/cells.hpp"
+#include "app/cells.hpp"
 
 namespace vantora {
 

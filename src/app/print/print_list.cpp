@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "app/print/cells.hpp"
+#include "app/cells.hpp"
 
 namespace vantora::PrintFormatter {
 namespace {

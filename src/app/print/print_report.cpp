@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/print/print_report.hpp"
 
-#include "app/print/iso_date.hpp"
+#include "app/iso_date.hpp"
 #include "model/json.hpp"
 #include "status/line_style.hpp"
 #include "status/markup.hpp"

@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "app/print/cells.hpp"
+#include "app/cells.hpp"
 #include "model/words.hpp"
 #include "status/status_modules.hpp"
 

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/print/iso_date.hpp"
+#include "app/iso_date.hpp"
 #include "model/json.hpp"
 #include "model/words.hpp"
 #include "status/status_modules.hpp"

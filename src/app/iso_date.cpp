@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/print/iso_date.hpp"
+#include "app/iso_date.hpp"
 
 #include <array>
 #include <cstdio>
