@@ -3,6 +3,10 @@
 
 #include <utility>
 
+#include "model/version.hpp"
+#include "status/metric_formatter.hpp"
+#include "status/status_modules.hpp"
+
 namespace vantora {
 namespace {
 
@@ -14,6 +18,19 @@ auto weakly(std::weak_ptr<Owner> weak, Method method) {
       ((*self).*method)(std::forward<decltype(arguments)>(arguments)...);
     }
   };
+}
+
+// The sentence of a fresh value names the category of limits that it is of.
+template <typename State>
+QuotaReport quotaReport(const State& state, std::optional<Seconds> untilQuery, WallTime now) {
+  QuotaReport report{std::string(rawText(state.status)), "", state.lastSuccess, std::nullopt};
+  if (state.status != decltype(state.status)::ready) {
+    report.message = state.message;
+  }
+  if (untilQuery) {
+    report.nextQuery = now + std::chrono::duration_cast<WallTime::duration>(*untilQuery);
+  }
+  return report;
 }
 
 AppConfiguration withModulesFor(MetricSet metrics, AppConfiguration configuration) {
@@ -67,6 +84,31 @@ bool AppCoordinator::reopen(std::string_view activationToken) {
   }
   showSettings(activationToken);
   return true;
+}
+
+AgentReport AppCoordinator::report() const {
+  const WallTime now = parts_.clock.now();
+  AgentReport report;
+  report.version = programVersion;
+  report.running = parts_.clock.uptime() - launchedAtUptime_;
+  report.item = parts_.statusItem.report();
+  for (const StatusModule& module : redraw_.presentation().modules) {
+    report.shown.append(report.shown.empty() ? "" : " | ")
+        .append(StatusModules::joinedLines(module));
+  }
+  report.isPaused = shown_.paused;
+  report.notice = model().notice();
+  for (const MetricID metric : shown_.demand()) {
+    const auto producer = family(metric);
+    if (producer != MetricFamily::codex && producer != MetricFamily::claude) {
+      const MetricSample& sample = snapshot_[metric];
+      report.readings.push_back(
+          {metric, sample.quality, MetricFormatter::text(metric, snapshot_, now), sample.source});
+    }
+  }
+  report.codex = quotaReport(snapshot_.codex, parts_.codexQuota->untilQuery(), now);
+  report.claude = quotaReport(snapshot_.claude, parts_.claudeQuota->untilQuery(), now);
+  return report;
 }
 
 void AppCoordinator::observeStatusItem() {

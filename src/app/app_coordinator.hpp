@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "app/agent_report.hpp"
 #include "app/event_log.hpp"
 #include "app/status_redraw.hpp"
 #include "model/configuration.hpp"
@@ -86,6 +87,9 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
 
   /// How many snapshots the sampling has handed over so far.
   [[nodiscard]] int samplingRounds() const { return samplingRounds_; }
+
+  /// What is known here alone, as things are now, for a person who looks for a fault.
+  [[nodiscard]] AgentReport report() const;
 
   /// After new readings or quota states were taken over and, where that changed a text,
   /// drawn.

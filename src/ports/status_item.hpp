@@ -4,6 +4,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 #include <string_view>
 
 #include "status/status_presentation.hpp"
@@ -25,6 +26,19 @@ struct StatusItemActions {
   std::function<bool()> isPaused;
 };
 
+/// Where the item is shown and why so, for a person who looks for a fault: words of Portuguese
+/// without a full stop. What is not known, or does not apply, is empty.
+struct StatusItemReport {
+  std::string panel;    ///< By its name; "desconhecido" for one that is not known.
+  std::string program;  ///< The panel's process, as the system names it.
+  std::string form;     ///< What of the picture is shown; "nenhuma" while nothing is.
+  std::string formWhy;  ///< Why it has that form.
+  std::string scale;    ///< Pixels for a point, or which sizes are offered.
+  std::string ink;      ///< The colour of the texts.
+  std::string inkWhy;   ///< Why it is that one.
+  bool operator==(const StatusItemReport&) const = default;
+};
+
 /// Lives on the main thread.
 class StatusItem {
  public:
@@ -37,6 +51,9 @@ class StatusItem {
   /// points long), tool tip and accessibility label (both the accessibility text). An
   /// item that no bar shows at the moment keeps it for when one does.
   virtual void show(const StatusPresentation& presentation) = 0;
+
+  /// Where and how the item is shown now. An item that is only lines of text has nothing to say.
+  [[nodiscard]] virtual StatusItemReport report() const { return {}; }
 
   /// Says what clicks and the menu do; none do anything before. The actions are called on
   /// the main thread, never from inside of a call to the item. An item that cannot be

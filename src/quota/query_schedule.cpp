@@ -36,7 +36,14 @@ bool QuerySchedule::minIntervalElapsed() const {
   return clock_.uptime() - lastRequestUptime_ >= minQueryInterval;
 }
 
+std::optional<Seconds> QuerySchedule::untilQuery() const {
+  return queryTimer_ != nullptr
+             ? std::optional(std::max(Seconds{0}, queryDueUptime_ - clock_.uptime()))
+             : std::nullopt;
+}
+
 void QuerySchedule::scheduleQuery(Seconds delay) {
+  queryDueUptime_ = clock_.uptime() + delay;
   queryTimer_ = queue_.runAfter(delay, leeways_.query, [this] {
     queryTimer_.reset();
     onQueryDue_();

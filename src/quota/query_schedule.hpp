@@ -66,6 +66,8 @@ class QuerySchedule {
   /// Counts a failure and replaces the scheduled query by a retry (RetryBackoff).
   void scheduleRetry(Seconds interval);
   [[nodiscard]] bool isQueryScheduled() const { return queryTimer_ != nullptr; }
+  /// The time until the scheduled query is due, never negative; nothing while none is scheduled.
+  [[nodiscard]] std::optional<Seconds> untilQuery() const;
 
   /// Forgets the failures counted so far.
   void resetFailures() { backoff_.reset(); }
@@ -85,6 +87,7 @@ class QuerySchedule {
   const TaskQueue::Task onDisplayDue_;
   const std::shared_ptr<std::uint64_t> generation_ = std::make_shared<std::uint64_t>(0);
   Seconds lastRequestUptime_{0};
+  Seconds queryDueUptime_{0};  // while there is a queryTimer_
   TimerHandle queryTimer_;
   TimerHandle displayTimer_;
 };

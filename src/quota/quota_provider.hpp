@@ -89,6 +89,10 @@ class QuotaProvider {
   /// Stops everything and cancels a running query. The state stays as it is.
   void shutdown() { stop(); }
 
+  /// The time until the next query begins by itself; nothing while none is due: switched off,
+  /// asking, or waiting for the user.
+  [[nodiscard]] std::optional<Seconds> untilQuery() const { return schedule_.untilQuery(); }
+
   /// The path of the executable in use, or that there is none, for the settings window.
   [[nodiscard]] std::string executableDescription() const {
     const auto executable = ports_.resolveExecutable();

@@ -142,6 +142,30 @@ TEST_F(AppCoordinatorTest, KeepsTheQuotaStatesWhenSamplingHandsOverASnapshot) {
   EXPECT_EQ(coordinator->snapshot().claude.status, ClaudeQuotaStatus::connecting);
 }
 
+TEST_F(AppCoordinatorTest, ReportsWhatItShowsWhyAReadingIsMissingAndWhenItAsksAgain) {
+  start(withQuotas());
+  const AgentReport before = coordinator->report();
+  EXPECT_EQ(before.codex.status, "connecting");
+  EXPECT_EQ(before.codex.nextQuery, std::nullopt) << "it is asking";
+  clients.codex[0]->completion(quota_result::NeedsAuthentication());
+  clients.claude[0]->completion(quota_result::Failure{"O processo terminou."});
+  setUsage(30);
+  time.advance(Seconds{1});
+  const AgentReport report = coordinator->report();
+  EXPECT_EQ(report.shown, "30% | -- LOGIN | -- ERRO");
+  ASSERT_EQ(report.readings.size(), 1U) << "quotas are no readings";
+  EXPECT_EQ(report.readings[0].metric, MetricID::cpuUsage);
+  EXPECT_EQ(report.readings[0].quality, Quality::valid);
+  EXPECT_EQ(report.readings[0].text, "30%");
+  EXPECT_EQ(report.codex.status, "needsAuthentication");
+  EXPECT_THAT(report.codex.message, testing::HasSubstr("precisa de autenticação"));
+  EXPECT_EQ(report.claude.status, "error");
+  EXPECT_THAT(report.claude.message, testing::StartsWith("O processo terminou."));
+  ASSERT_TRUE(report.claude.nextQuery);
+  EXPECT_GT(*report.claude.nextQuery, time.now() + std::chrono::seconds(170));
+  EXPECT_EQ(report.running, Seconds{1});
+}
+
 TEST_F(AppCoordinatorTest, DrawsAQuotaStateThatChangesAText) {
   start(withQuotas());
   ASSERT_EQ(clients.codex.size(), 1U);

@@ -42,6 +42,21 @@ TEST_F(QueryScheduleTest, RunsAQueryOnceWhenItIsDue) {
   EXPECT_EQ(queries_, 1);
 }
 
+TEST_F(QueryScheduleTest, TellsHowLongItIsUntilTheScheduledQuery) {
+  EXPECT_EQ(schedule_->untilQuery(), std::nullopt);
+  schedule_->scheduleQuery(Seconds{60});
+  EXPECT_EQ(schedule_->untilQuery(), Seconds{60});
+  time_.advance(Seconds{45});
+  EXPECT_EQ(schedule_->untilQuery(), Seconds{15});
+  schedule_->scheduleQuery(Seconds{90});
+  EXPECT_EQ(schedule_->untilQuery(), Seconds{90});
+  time_.advance(Seconds{90});
+  EXPECT_EQ(schedule_->untilQuery(), std::nullopt);
+  schedule_->scheduleQuery(Seconds{90});
+  schedule_->stop();
+  EXPECT_EQ(schedule_->untilQuery(), std::nullopt);
+}
+
 TEST_F(QueryScheduleTest, ReplacesTheScheduledQuery) {
   schedule_->scheduleQuery(Seconds{60});
   schedule_->scheduleQuery(Seconds{90});

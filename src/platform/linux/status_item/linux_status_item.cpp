@@ -5,6 +5,7 @@
 #include <array>
 #include <utility>
 
+#include "platform/linux/status_item/status_item_report.hpp"
 #include "status/rasterise.hpp"
 
 namespace vantora {
@@ -288,9 +289,36 @@ void LinuxStatusItem::orientationChanged(bool isVertical) {
   }
 }
 
-// A column has no room for a wide picture.
 PictureForm LinuxStatusItem::form() const {
-  return isVertical_ && panel().form == PictureForm::wide ? PictureForm::square : panel().form;
+  return formOn(panel(), isVertical_);
+}
+
+StatusItemReport LinuxStatusItem::report() const {
+  using Tray = StatusItemFacts::Tray;
+  const auto tray = [this] {
+    switch (tray_->state()) {
+      case XEmbedWindow::State::absent:
+        return Tray::unused;
+      case XEmbedWindow::State::starting:
+        return Tray::starting;
+      case XEmbedWindow::State::docking:
+      case XEmbedWindow::State::docked:
+        return Tray::docked;
+      case XEmbedWindow::State::squeezed:
+        return Tray::squeezed;
+    }
+    return Tray::unused;
+  };
+  StatusItemFacts facts{.watcher = watcherState_,
+                        .colorScheme = colorScheme_,
+                        .isVertical = isVertical_,
+                        .isTrayTooNarrow = isTrayTooNarrow_};
+  if (tray_ != nullptr) {
+    facts.tray = tray();
+    facts.trayScale = tray_->scale();
+    facts.trayInk = tray_->ink();
+  }
+  return describe(facts);
 }
 
 AlphaBitmap LinuxStatusItem::trayPicture(int width, int height, int scale) {

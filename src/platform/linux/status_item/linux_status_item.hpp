@@ -63,6 +63,7 @@ class LinuxStatusItem final : public StatusItem,
 
   [[nodiscard]] double thickness() const override;
   void show(const StatusPresentation& presentation) override;
+  [[nodiscard]] StatusItemReport report() const override;
   /// Once, before the loop runs: panels ask for the menu when the item registers.
   void setActions(StatusItemActions actions) override;
 

@@ -142,7 +142,8 @@ void StatusNotifierWatcher::onProcess(sd_bus_message* reply) {
   unsigned process = 0;
   if (sd_bus_message_is_method_error(reply, nullptr) <= 0 &&
       sd_bus_message_read(reply, "u", &process) >= 0) {
-    state.panel = &panelOf(processName(processRoot_, process));
+    state.program = processName(processRoot_, process);
+    state.panel = &panelOf(state.program);
   }
   setState(state);
   registerItem();

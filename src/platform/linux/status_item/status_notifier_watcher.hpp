@@ -24,6 +24,8 @@ class StatusNotifierWatcher final : public BusConnection::Listener {
     bool isPresent = false;                ///< A watcher runs and `panel` is known.
     bool hasHost = false;                  ///< It says that a panel shows its items.
     const Panel* panel = &unknownPanel();  ///< Never null.
+    /// The name of the watcher's process; empty while there is none, or it cannot be found out.
+    std::string program = {};
     bool operator==(const State&) const = default;
   };
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <variant>
 
+#include "platform/linux/panels/ink.hpp"
 #include "ports/menu_content.hpp"
 
 namespace vantora {
@@ -52,7 +53,9 @@ struct WindowMeasured {
 /// A part of the window, or the tray's colour, has changed: draw it again.
 struct WindowExposed {};
 /// The answer to draw(): the server has taken the picture.
-struct WindowDrawn {};
+struct WindowDrawn {
+  Ink ink = Ink::lightOnPlate;  ///< What it was drawn with.
+};
 struct PointerEntered {
   ScreenPoint pointer;
 };

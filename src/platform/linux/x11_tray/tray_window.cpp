@@ -139,7 +139,7 @@ void TrayWindow::draw(const AlphaBitmap& picture) {
     client_.draw(picture.width, picture.height, pixels);
     xcb_flush(client_.x());
   }
-  report_(WindowDrawn{});
+  report_(WindowDrawn{client_.ink()});
 }
 
 // The descriptor is readable.

@@ -326,7 +326,8 @@ void XEmbedWindow::on(const WindowExposed&) {
   draw();
 }
 
-void XEmbedWindow::on(const WindowDrawn&) {
+void XEmbedWindow::on(const WindowDrawn& event) {
+  ink_ = event.ink;
   isDrawing_ = false;
   if (std::exchange(isOutdated_, false) && hasWindow_) {
     refresh();

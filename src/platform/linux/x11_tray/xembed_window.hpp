@@ -70,6 +70,9 @@ class XEmbedWindow {
   void update(double width);
 
   [[nodiscard]] State state() const { return state_; }
+  /// While docked or squeezed: pixels in a point, and the ink of the picture that was drawn last.
+  [[nodiscard]] int scale() const { return scale_; }
+  [[nodiscard]] Ink ink() const { return ink_; }
 
  private:
   class Link;
@@ -119,6 +122,7 @@ class XEmbedWindow {
   bool isDrawing_ = false;   // a picture is on its way
   bool isOutdated_ = false;  // and another one is wanted after it
   int scale_ = 1;
+  Ink ink_ = Ink::lightOnPlate;
   int askedWidth_ = 0;
   int waits_ = 0;
   int width_ = 0;  // what the tray gave, in pixels

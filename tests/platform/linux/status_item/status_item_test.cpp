@@ -139,6 +139,21 @@ TEST_F(LinuxStatusItemTest, SaysWhatItIs) {
   EXPECT_FALSE(properties.texts.contains("Menu")) << "none before the item has actions";
 }
 
+TEST_F(LinuxStatusItemTest, ReportsThePanelByItsProgramAndTheInkByTheDesktop) {
+  startPanel("ironbar");
+  portal_ = std::make_unique<ScriptedPortal>(*portalConnection_, 1);
+  startItem();
+  EXPECT_EQ(item_->report().form, "nenhuma") << "the bus has not answered yet";
+  ASSERT_TRUE(untilRegistered());
+  ASSERT_TRUE(until([this] { return item_->report().ink == "clara"; }));
+  const StatusItemReport report = item_->report();
+  EXPECT_EQ(report.panel, "desconhecido");
+  EXPECT_EQ(report.program, "ironbar");
+  EXPECT_EQ(report.form, "quadrado com um módulo");
+  panel_.reset();
+  EXPECT_TRUE(until([this] { return item_->report().program.empty(); }));
+}
+
 TEST_F(LinuxStatusItemTest, GivesWaybarTheWholePictureAtEveryScale) {
   startPanel("waybar");
   startItem();

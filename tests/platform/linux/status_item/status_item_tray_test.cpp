@@ -266,6 +266,24 @@ TEST_F(StatusItemTrayTest, ExplainsWhereItIsShownAndInWhichForm) {
   }));
 }
 
+TEST_F(StatusItemTrayTest, ReportsTheScaleAndTheInkThatTheTrayGets) {
+  startInTray();
+  ASSERT_TRUE(until([this] { return item_->report().form == "imagem inteira"; }));
+  const StatusItemReport report = item_->report();
+  EXPECT_EQ(report.panel, "Xfce, bandeja do X11");
+  EXPECT_EQ(report.program, xfce);
+  EXPECT_EQ(report.scale, "1 pixel por ponto");
+  EXPECT_EQ(report.ink, "clara, sobre uma placa escura");
+}
+
+TEST_F(StatusItemTrayTest, ReportsThatASquareIsForTheColumnOfAVerticalPanel) {
+  startTray({.isVertical = true});
+  startPanel("mate-panel");
+  startItem();
+  ASSERT_TRUE(until([this] { return item_->report().form == "quadrado com um módulo"; }));
+  EXPECT_EQ(item_->report().formWhy, "o painel é vertical: não há largura para a imagem");
+}
+
 TEST_F(StatusItemTrayTest, ForgetsTheOrientationWithThePanelThatHadIt) {
   startTray({.isVertical = true});
   startPanel("mate-panel");
