@@ -69,7 +69,7 @@ Result<NetworkCollector::Reading> NetworkCollector::choose(
   const std::optional<std::string> primary = source_.primaryInterface();
   const InterfaceNames& addressed = source_.addressedInterfaces();
   const auto isEligible = [&](const NetworkInterface& interface) {
-    return interface.isUp && interface.isPhysical && addressed.contains(interface.name);
+    return mayCarryTraffic(interface, addressed);
   };
   if (primary) {
     Result<Reading> chosen = readFirst(table, [&](const NetworkInterface& interface) {

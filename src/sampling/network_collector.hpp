@@ -20,6 +20,12 @@ struct NetworkRates {
   std::optional<std::string> name;  ///< Absent when no interface was read.
 };
 
+/// Whether an interface may be read where the user has chosen none.
+[[nodiscard]] inline bool mayCarryTraffic(const NetworkInterface& interface,
+                                          const InterfaceNames& addressed) {
+  return interface.isUp && interface.isPhysical && addressed.contains(interface.name);
+}
+
 /// Used on the sampling queue only. Source and clock must outlive it.
 class NetworkCollector {
  public:

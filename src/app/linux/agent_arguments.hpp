@@ -1,16 +1,22 @@
 // SPDX-License-Identifier: MIT
-//
-// The command line of the agent, which has no options of its own beside help and version:
-// what it does is set in its window.
 #pragma once
 
-#include <optional>
+#include <cstdint>
+#include <variant>
 
 #include "app/program_answer.hpp"
 
 namespace vantora {
 
-/// Nothing where the agent is to run; status 2 where it does not understand.
-[[nodiscard]] std::optional<ProgramAnswer> readAgentArguments(int argc, const char* const* argv);
+/// What the program is started for.
+enum class AgentTask : std::uint8_t {
+  run,  ///< To be the session's agent.
+  diagnose,
+  diagnoseAsJson,
+};
+
+/// What to do, or what to answer at once: help and version with status 0, a mistake with 2.
+[[nodiscard]] std::variant<AgentTask, ProgramAnswer> readAgentArguments(int argc,
+                                                                        const char* const* argv);
 
 }  // namespace vantora

@@ -8,8 +8,10 @@
 #include <vector>
 
 #include "platform/linux/fonts/font_arguments.hpp"
+#include "platform/linux/fonts/font_description.hpp"
 #include "platform/linux/fonts/fontconfig_lookup.hpp"
 #include "platform/linux/fonts/freetype_glyphs.hpp"
+#include "platform/linux/text/font_report.hpp"
 #include "platform/linux/text/glyph_message.hpp"
 
 namespace vantora {
@@ -37,7 +39,10 @@ std::optional<std::string> reply(const std::vector<std::string>& arguments) {
 }  // namespace vantora
 
 int main(int argc, char** argv) {
-  const auto bytes = vantora::reply({argv + 1, argv + argc});
+  const std::vector<std::string> arguments(argv + 1, argv + argc);
+  const auto bytes = arguments == std::vector<std::string>{vantora::describeFontsOption}
+                         ? vantora::encode(vantora::describeFonts())
+                         : vantora::reply(arguments);
   if (!bytes) {
     std::fputs("vantora-glyphs: é iniciado pelo Vantora para desenhar os caracteres\n", stderr);
     return 2;

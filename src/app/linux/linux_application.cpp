@@ -81,10 +81,8 @@ AppParts LinuxApplication::parts(StatusItem& statusItem, TextEngine& textEngine)
       .clock = clock_,
       .statusItem = statusItem,
       .textEngine = textEngine,
-      .model = std::make_unique<SettingsModel>(
-          main, fileWorker_,
-          ConfigurationStore(configHome_, [] { return firstConfiguration(absentMetrics()); }),
-          loginItem_, defaults_),
+      .model = std::make_unique<SettingsModel>(main, fileWorker_, configurationStore(), loginItem_,
+                                               defaults_),
       .sampling =
           SamplingCoordinator::create(samplingThread_->queue(), main, clock_, samplingSources()),
       .codexQuota = makeCodexQuotaProvider(conversationHost(), clock_, defaults_,
@@ -97,6 +95,15 @@ AppParts LinuxApplication::parts(StatusItem& statusItem, TextEngine& textEngine)
       .urlOpener = nullptr,
       .quit = [this] { loop_.stop(); },
   };
+}
+
+LinuxApplication::Insides LinuxApplication::insides() {
+  return {loop_,           clock_,         *launcher_,    defaults_,   loginItem_,
+          samplingThread_, batteryThread_, sensorThread_, configHome_, home_};
+}
+
+ConfigurationStore LinuxApplication::configurationStore() const {
+  return ConfigurationStore(configHome_, [] { return firstConfiguration(absentMetrics()); });
 }
 
 int LinuxApplication::end(int status) {

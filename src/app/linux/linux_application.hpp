@@ -35,6 +35,23 @@ class LinuxApplication {
   /// The parts of a coordinator without window and browser. Reads the configuration.
   [[nodiscard]] AppParts parts(StatusItem& statusItem, TextEngine& textEngine);
 
+  /// What a diagnosis looks at. All of it lives as long as the application.
+  struct Insides {
+    UvLoop& loop;
+    const Clock& clock;
+    ChildProcessLauncher& launcher;
+    UserDefaults& defaults;
+    LoginItem& loginItem;
+    LazyQueueThread& samplingThread;
+    LazyQueueThread& batteryThread;
+    LazyQueueThread& sensorThread;
+    const std::filesystem::path& configHome;
+    const std::string& home;  ///< Without a trailing separator; empty for the root.
+  };
+  [[nodiscard]] Insides insides();
+  /// The stored configuration, or that of a first start.
+  [[nodiscard]] ConfigurationStore configurationStore() const;
+
   /// The last act of the program, once everything that was made from the parts is gone: ends
   /// the children, then the threads, and returns `status`. A thread that has not ended within
   /// a second, because a driver or a disk never answers it, is left behind: the process then

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "app/linux/linux_application.hpp"
+#include "app/linux/linux_diagnosis.hpp"
 #include "app/linux/start_program.hpp"
 #include "app/print/cell_text_engine.hpp"
 #include "app/print/print_options.hpp"
@@ -52,6 +53,10 @@ int run(const PrintOptions& options) {
     return 1;
   }
   LinuxApplication application(*configHome);
+  if (options.task != PrintTask::readings) {
+    return application.end(
+        diagnose(application, {"vantora-print", options.task == PrintTask::diagnosisAsJson}));
+  }
   return application.end(print(application, options));
 }
 

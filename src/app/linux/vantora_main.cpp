@@ -10,14 +10,18 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <variant>
 
 #include "app/app_coordinator.hpp"
 #include "app/linux/agent_arguments.hpp"
 #include "app/linux/linux_application.hpp"
+#include "app/linux/linux_diagnosis.hpp"
+#include "app/linux/linux_findings.hpp"
 #include "app/linux/start_program.hpp"
 #include "platform/linux/bus/bus_connection.hpp"
 #include "platform/linux/desktop/application_service.hpp"
 #include "platform/linux/desktop/desktop_notifier.hpp"
+#include "platform/linux/desktop/diagnosis_service.hpp"
 #include "platform/linux/desktop/session_marker.hpp"
 #include "platform/linux/desktop/startup_notification.hpp"
 #include "platform/linux/desktop/xdg_folders.hpp"
@@ -56,17 +60,6 @@ std::string environmentText(const char* name) {
 // where it is installed.
 std::string settingsProgram() {
   return ownExecutable().value_or("/usr/bin/vantora").parent_path() / "vantora-settings";
-}
-
-// The program that draws characters, which people never start: beside this one in a build
-// folder, in libexec where it is installed.
-std::string glyphProgram() {
-  constexpr const char* name = "vantora-glyphs";
-  const auto folder = ownExecutable().value_or("/usr/bin/vantora").parent_path();
-  std::error_code error;
-  return std::filesystem::exists(folder / name, error)
-             ? folder / name
-             : folder.parent_path() / "libexec" / "vantora" / name;
 }
 
 std::unique_ptr<SettingsWindow> settingsWindow(LinuxApplication& application, AppParts& parts,
@@ -225,13 +218,14 @@ int runAgent(LinuxApplication& application, LaunchTokens tokens) {
     const auto target = weak.lock();
     return target != nullptr && target->reopen(token);
   };
+  const DiagnosisService diagnosis(bus, [&coordinator] { return encode(coordinator->report()); });
   coordinator->launch();
   loop.run();
   coordinator->terminate();
   return 0;
 }
 
-int run() {
+int run(AgentTask task) {
   ignoreBrokenPipes();
   const auto configHome = XdgFolders::configHome();
   if (!configHome) {
@@ -240,6 +234,9 @@ int run() {
   }
   LaunchTokens tokens = takeLaunchTokens();
   LinuxApplication application(*configHome);
+  if (task != AgentTask::run) {
+    return application.end(diagnose(application, {"vantora", task == AgentTask::diagnoseAsJson}));
+  }
   return application.end(runAgent(application, std::move(tokens)));
 }
 
@@ -248,8 +245,10 @@ int run() {
 
 int main(int argc, char** argv) {
   vantora::StandardDescriptors::openMissing();
-  if (const auto exit = vantora::readAgentArguments(argc, argv)) {
-    return vantora::give("vantora", *exit);
+  const auto read = vantora::readAgentArguments(argc, argv);
+  if (const auto* answer = std::get_if<vantora::ProgramAnswer>(&read)) {
+    return vantora::give("vantora", *answer);
   }
-  return vantora::startProgram("vantora", &vantora::run);
+  return vantora::startProgram(
+      "vantora", [task = std::get<vantora::AgentTask>(read)] { return vantora::run(task); });
 }

@@ -24,6 +24,7 @@ ProgramAnswer complaint(const std::string& reason) {
 
 constexpr const char* help =
     "Uso: vantora-print [--follow] [--format FORMATO] [--timeout SEGUNDOS] [--output ARQUIVO]\n"
+    "     vantora-print --diagnose [--json]\n"
     "\n"
     "Mostra as leituras do Vantora sem precisar de um painel.\n"
     "\n"
@@ -36,6 +37,10 @@ constexpr const char* help =
     "                           com --follow, encerra depois desse tempo\n"
     "      --output ARQUIVO     com openmetrics, substitui esse arquivo a cada mudança em vez\n"
     "                           de escrever na saída\n"
+    "      --diagnose           mostra o que o programa vê: sensores, rede, cotas, arquivos e,\n"
+    "                           do que falta, o motivo; pergunta ao vantora em execução, se\n"
+    "                           houver um\n"
+    "      --json               com --diagnose, escreve em JSON, para relatar um problema\n"
     "  -h, --help               mostra esta ajuda\n"
     "      --version            mostra a versão\n";
 
@@ -47,11 +52,15 @@ std::variant<PrintOptions, ProgramAnswer> parsePrintOptions(int argc, const char
   app.set_help_flag();
   bool wantsHelp = false;
   bool wantsVersion = false;
+  bool wantsDiagnosis = false;
+  bool wantsJson = false;
   PrintOptions options;
   std::string format = isTerminal ? "list" : "text";
   std::string timeout;
   app.add_flag("--help,-h", wantsHelp);
   app.add_flag("--version", wantsVersion);
+  app.add_flag("--diagnose", wantsDiagnosis);
+  app.add_flag("--json", wantsJson);
   app.add_flag("--follow", options.follow);
   const auto* formatOption = app.add_option("--format", format);
   const auto* timeoutOption = app.add_option("--timeout", timeout);
@@ -74,6 +83,17 @@ std::variant<PrintOptions, ProgramAnswer> parsePrintOptions(int argc, const char
   }
   if (wantsVersion) {
     return ProgramAnswer{0, std::string("vantora-print ") + programVersion + "\n"};
+  }
+  if (wantsDiagnosis) {
+    if (options.follow || formatOption->count() > 0 || timeoutOption->count() > 0 ||
+        outputOption->count() > 0) {
+      return complaint("--diagnose só aceita --json ao seu lado");
+    }
+    options.task = wantsJson ? PrintTask::diagnosisAsJson : PrintTask::diagnosis;
+    return options;
+  }
+  if (wantsJson) {
+    return complaint("--json só vale com --diagnose; para as leituras, use --format json");
   }
   const auto known = formats().find(format);
   if (known == formats().end()) {

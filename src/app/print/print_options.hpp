@@ -21,11 +21,19 @@ enum class PrintFormat : std::uint8_t {
   openMetrics,  ///< Every reading as a gauge for Prometheus.
 };
 
+/// What is printed.
+enum class PrintTask : std::uint8_t {
+  readings,
+  diagnosis,
+  diagnosisAsJson,
+};
+
 struct PrintOptions {
   /// How long a single print may wait for its readings when nothing else is said.
   static constexpr Seconds defaultTimeout{60};
 
-  bool follow = false;  ///< A print at every change instead of one.
+  PrintTask task = PrintTask::readings;  ///< What follows is about readings alone.
+  bool follow = false;                   ///< A print at every change instead of one.
   PrintFormat format = PrintFormat::text;
   /// The longest wait of a single print. When following: end after it, if `hasTimeout`.
   Seconds timeout = defaultTimeout;

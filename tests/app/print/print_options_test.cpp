@@ -56,6 +56,31 @@ TEST(PrintOptions, TakeEveryArgument) {
   EXPECT_EQ(accepted({"--format", "text"}).format, PrintFormat::text);
 }
 
+TEST(PrintOptions, AskForADiagnosisInEitherForm) {
+  EXPECT_EQ(accepted({}).task, PrintTask::readings);
+  EXPECT_EQ(accepted({"--diagnose"}).task, PrintTask::diagnosis);
+  EXPECT_EQ(accepted({"--diagnose", "--json"}).task, PrintTask::diagnosisAsJson);
+  EXPECT_EQ(accepted({"--json", "--diagnose"}).task, PrintTask::diagnosisAsJson);
+}
+
+TEST(PrintOptions, RefuseADiagnosisWithOptionsOfReadings) {
+  for (const std::vector<const char*>& more : {std::vector<const char*>{"--follow"},
+                                               {"--format", "json"},
+                                               {"--timeout", "3"},
+                                               {"--output", "x"}}) {
+    std::vector<const char*> arguments = more;
+    arguments.push_back("--diagnose");
+    const ProgramAnswer answer = refused(arguments);
+    EXPECT_EQ(answer.status, 2);
+    EXPECT_EQ(
+        answer.text,
+        "vantora-print: --diagnose só aceita --json ao seu lado (veja vantora-print --help)\n");
+  }
+  const ProgramAnswer answer = refused({"--json"});
+  EXPECT_EQ(answer.status, 2);
+  EXPECT_THAT(answer.text, testing::HasSubstr("--json só vale com --diagnose"));
+}
+
 TEST(PrintOptions, TakeAFileForOpenMetrics) {
   const auto options = accepted({"--format", "openmetrics", "--output", "/run/v.prom"});
   EXPECT_EQ(options.format, PrintFormat::openMetrics);

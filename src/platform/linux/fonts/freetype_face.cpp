@@ -122,6 +122,13 @@ bool FreetypeFace::load(char32_t character, int flags) const {
   return glyph != 0 && FT_Load_Glyph(face_.get(), glyph, flags) == 0;
 }
 
+std::string FreetypeFace::name() const {
+  const char* family = face_->family_name;
+  const char* style = face_->style_name;
+  std::string text = family != nullptr ? family : "";
+  return style != nullptr ? text.append(text.empty() ? "" : " ").append(style) : text;
+}
+
 std::optional<double> FreetypeFace::advance(char32_t character) const {
   if (!load(character, FT_LOAD_NO_SCALE)) {
     return std::nullopt;

@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "platform/linux/fonts/font_selection.hpp"
 #include "platform/linux/text/glyph_source.hpp"
@@ -38,6 +39,9 @@ class FreetypeFace {
   /// Nothing when the file is missing, unreadable, damaged or no outline font.
   [[nodiscard]] static std::optional<FreetypeFace> open(const FreetypeLibrary& library,
                                                         const FontFile& file);
+
+  /// Its family and style, as the file calls them: "DejaVu Sans Book".
+  [[nodiscard]] std::string name() const;
 
   /// Nothing when the face lacks the character or its data is damaged; so below.
   [[nodiscard]] std::optional<double> advance(char32_t character) const;

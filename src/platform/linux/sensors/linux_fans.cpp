@@ -86,9 +86,19 @@ void LinuxFans::reset() {
 }
 
 void LinuxFans::open(SensorPass& pass) {
-  fans_.clear();
+  fans_.clear();  // before others are opened
+  fans_ = find(pass.chips);
+  if (fans_.empty()) {
+    upkeep_.absent(pass.uptime, {});
+  } else {
+    upkeep_.opened();
+  }
+}
+
+std::vector<LinuxFans::Fan> LinuxFans::find(ChipLookup& chips) {
+  std::vector<Fan> fans;
   std::vector<const Hwmon::Chip*> candidates;
-  for (const Hwmon::Chip& chip : pass.chips.chips()) {
+  for (const Hwmon::Chip& chip : chips.chips()) {
     if (Hwmon::fanRank(chip.name) >= 0) {
       candidates.push_back(&chip);
     }
@@ -107,22 +117,18 @@ void LinuxFans::open(SensorPass& pass) {
     }
     const bool isAnyTurning = std::any_of(found.begin(), found.end(), isTurning);
     // Some boards' controllers announce a fan that is not there and reads 0 for ever.
-    if (isAnyTurning || fans_.empty()) {
-      fans_ = std::move(found);
+    if (isAnyTurning || fans.empty()) {
+      fans = std::move(found);
     }
     if (isAnyTurning) {
       break;
     }
   }
-  if (fans_.size() > fansRead) {
-    std::stable_partition(fans_.begin(), fans_.end(), isTurning);
-    fans_.resize(fansRead);
+  if (fans.size() > fansRead) {
+    std::stable_partition(fans.begin(), fans.end(), isTurning);
+    fans.resize(fansRead);
   }
-  if (fans_.empty()) {
-    upkeep_.absent(pass.uptime, {});
-  } else {
-    upkeep_.opened();
-  }
+  return fans;
 }
 
 std::vector<LinuxFans::Fan> LinuxFans::fansOf(const Hwmon::Chip& chip) {

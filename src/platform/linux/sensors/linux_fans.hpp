@@ -32,8 +32,6 @@ class LinuxFans {
   /// Lets go of everything.
   void reset();
 
- private:
-  static constexpr std::size_t fansRead = 2;
   struct Fan {
     UniqueFd file;
     std::optional<double> maximum;  ///< Revolutions per minute; absent when the driver has none.
@@ -41,6 +39,11 @@ class LinuxFans {
     std::string prefix;      ///< "fan1"
     bool isTurning = false;  ///< When it was opened.
   };
+  /// The fans that are read, the first fan first, as an opening at this moment chooses them.
+  [[nodiscard]] static std::vector<Fan> find(ChipLookup& chips);
+
+ private:
+  static constexpr std::size_t fansRead = 2;
   struct Reading;
   [[nodiscard]] static std::vector<Fan> fansOf(const Hwmon::Chip& chip);
   /// Whether a fan is left alone for a while.

@@ -3,6 +3,8 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <limits.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -75,6 +77,19 @@ Text readText(int directory, const char* name, Buffer& buffer) {
 Number readNumber(int directory, const char* name) {
   const UniqueFd file = open(directory, name);
   return file ? readNumber(file.get()) : Number{errno, 0};
+}
+
+std::string driverName(int directory) {
+  std::array<char, PATH_MAX> target;  // NOLINT: the call fills it
+  // A chip of a device that is itself of a class (a disk's) is plugged to that one.
+  for (const char* link : {"device/driver", "device/device/driver"}) {
+    const ssize_t size = ::readlinkat(directory, link, target.data(), target.size());
+    if (size > 0) {
+      const std::string_view path(target.data(), static_cast<std::size_t>(size));
+      return std::string(path.substr(path.rfind('/') + 1));
+    }
+  }
+  return {};
 }
 
 Number parseNumber(std::string_view text) {

@@ -55,6 +55,10 @@ struct Number {
 [[nodiscard]] Text readText(int directory, const char* name, Buffer& buffer);
 [[nodiscard]] Number readNumber(int directory, const char* name);
 
+/// The kernel's name of the driver behind the device that the directory is of: "nvme", "iwlwifi".
+/// Empty where none is told, as for virtual devices.
+[[nodiscard]] std::string driverName(int directory);
+
 /// A decimal number with an optional sign and nothing else.
 [[nodiscard]] Number parseNumber(std::string_view text);
 
