@@ -110,7 +110,10 @@ std::size_t mailAddress(std::string_view text, std::size_t start) {
 std::string withoutAddresses(std::string_view text) {
   std::string result;
   for (std::size_t place = 0; place < text.size();) {
-    const bool isStart = place == 0 || !isWord(text[place - 1]);
+    // Not in the middle of a word, nor of a version.
+    const bool isStart =
+        place == 0 || (!isWord(text[place - 1]) &&
+                       !(text[place - 1] == '.' && place >= 2 && isDigit(text[place - 2])));
     // A name that the system made of an adapter's address (systemd.net-naming-scheme(7)).
     const bool isAfterPrefix = place >= 3 && text[place - 1] == 'x' && isLetter(text[place - 2]) &&
                                isLetter(text[place - 3]);
@@ -193,25 +196,25 @@ std::string Concealer::operator()(std::string_view text) const {
   return withoutAddresses(withoutSerialNumber(withoutOthersHomes(std::move(result))));
 }
 
-Json Concealer::operator()(const Json& document) const {
-  if (const auto text = asText(document)) {
-    return Json((*this)(std::string_view(*text)));
+Json Concealer::document(const Json& value) const {
+  if (const auto text = asText(value)) {
+    return Json((*this)(*text));
   }
-  if (document.isArray()) {
+  if (value.isArray()) {
     Json result = Json::array();
-    for (const Json& element : document) {
-      result.append((*this)(element));
+    for (const Json& element : value) {
+      result.append(document(element));
     }
     return result;
   }
-  if (document.isObject()) {
+  if (value.isObject()) {
     Json result = Json::object();
-    for (const auto& [name, value] : document.members()) {
-      result[name] = (*this)(value);
+    for (const auto& [name, member] : value.members()) {
+      result[name] = document(member);
     }
     return result;
   }
-  return document;
+  return value;
 }
 
 }  // namespace vantora

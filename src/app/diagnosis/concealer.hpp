@@ -22,7 +22,7 @@ class Concealer {
 
   [[nodiscard]] std::string operator()(std::string_view text) const;
   /// The same for every text in a document; not for the names of members.
-  [[nodiscard]] Json operator()(const Json& document) const;
+  [[nodiscard]] Json document(const Json& value) const;
 
  private:
   std::vector<std::string> homes_;  // the longest first

@@ -132,7 +132,7 @@ std::string diagnosisJson(const Diagnosis& diagnosis, const Concealer& conceal) 
                       {"backup", fileJson(diagnosis.backup)},
                       {"loginItem", diagnosis.loginItem},
                       {"libraries", std::move(libraries)}};
-  return writeJsonLossy(conceal(document));
+  return writeJsonLossy(conceal.document(document));
 }
 
 }  // namespace vantora

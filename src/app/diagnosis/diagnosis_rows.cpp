@@ -38,12 +38,12 @@ std::string takeLine(std::string& rest, std::size_t width) {
 }  // namespace
 
 void DiagnosisRows::add(std::string_view about, std::string_view text) {
-  std::string rest = conceal_(std::string_view(repairedUtf8(text)));
+  std::string rest = conceal_(repairedUtf8(text));
   if (rest.empty()) {
     return;
   }
-  std::string start = cell(std::exchange(group_, {}), groupWidth) +
-                      cell(conceal_(std::string_view(repairedUtf8(about))), aboutWidth);
+  std::string start =
+      cell(std::exchange(group_, {}), groupWidth) + cell(conceal_(repairedUtf8(about)), aboutWidth);
   const std::size_t width = columns_ - groupWidth - aboutWidth;
   while (!rest.empty()) {
     text_ += start + takeLine(rest, width) + '\n';

@@ -2,8 +2,10 @@
 #include "app/diagnosis/diagnosis_text.hpp"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
-#include <map>
+#include <ctime>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -180,6 +182,15 @@ void addDevices(const char* group, const DeviceList& list, DiagnosisRows& rows) 
   }
 }
 
+// Without the system's interface that it was asked of: "Linux hwmon · x" is "x".
+std::string reasonOf(const std::string& source) {
+  constexpr std::string_view separator = " · ";
+  const std::size_t end = source.find(separator);
+  return source.starts_with("Linux ") && end != std::string::npos
+             ? source.substr(end + separator.size())
+             : source;
+}
+
 void addReadings(const Diagnosis& diagnosis, DiagnosisRows& rows) {
   rows.begin("Leituras");
   std::string values;
@@ -189,10 +200,11 @@ void addReadings(const Diagnosis& diagnosis, DiagnosisRows& rows) {
       values = joined(values, "; ", std::string(title(reading.metric)) + ' ' + reading.text);
       continue;
     }
+    const std::string why = reasonOf(reading.source);
     auto place = std::find_if(missing.begin(), missing.end(),
-                              [&](const auto& other) { return other.first == reading.source; });
+                              [&](const auto& other) { return other.first == why; });
     if (place == missing.end()) {
-      place = missing.insert(missing.end(), {reading.source, {}});
+      place = missing.insert(missing.end(), {why, {}});
     }
     place->second.insert(reading.metric);
   }
@@ -229,15 +241,19 @@ std::string quotaText(const AssistantReport& assistant, WallTime now) {
   }
   const QuotaReport& quota = *assistant.quota;
   std::string text = quota.message.empty() ? "cota em dia" : quota.message;
+  if (!assistant.path && quota.status == "dependencyMissing") {
+    text.clear();  // it was said
+  }
   while (text.ends_with('.')) {
     text.pop_back();
   }
   if (quota.lastSuccess) {
-    text += "; lida " + ago(*quota.lastSuccess, now);
+    text = joined(text, "; ", "lida " + ago(*quota.lastSuccess, now));
   }
   if (quota.nextQuery) {
     const Seconds span = secondsBetween(now, *quota.nextQuery);
-    text += "; nova consulta " + (span < Seconds{60} ? "em instantes" : "em " + spanText(span));
+    text = joined(text, "; ",
+                  "nova consulta em " + (span < Seconds{60} ? "instantes" : spanText(span)));
   }
   return text;
 }
@@ -245,8 +261,14 @@ std::string quotaText(const AssistantReport& assistant, WallTime now) {
 void addQuotas(const Diagnosis& diagnosis, DiagnosisRows& rows) {
   rows.begin("Cotas");
   for (const AssistantReport& assistant : diagnosis.assistants) {
-    rows.add(assistant.name, executableText(assistant));
-    rows.add("", quotaText(assistant, diagnosis.at));
+    const std::string executable = executableText(assistant);
+    const std::string quota = quotaText(assistant, diagnosis.at);
+    if (assistant.path) {
+      rows.add(assistant.name, executable);
+      rows.add("", quota);
+    } else {
+      rows.add(assistant.name, joined(executable, "; ", quota));
+    }
   }
 }
 

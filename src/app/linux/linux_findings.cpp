@@ -3,8 +3,8 @@
 
 #include <sys/utsname.h>
 
+#include <algorithm>
 #include <chrono>
-#include <fstream>
 #include <future>
 #include <system_error>
 #include <utility>
@@ -21,6 +21,7 @@
 #include "sampling/cpu_collector.hpp"
 #include "sampling/link_reports.hpp"
 #include "sampling/network_collector.hpp"
+#include "settings/file_io.hpp"
 
 namespace vantora {
 namespace {
@@ -121,13 +122,14 @@ std::string sessionKind(const EnvironmentLookup& environment) {
 
 std::string systemText(const std::filesystem::path& osRelease) {
   constexpr std::string_view key = "PRETTY_NAME=";
+  constexpr std::size_t maxFile = 65'536;
   std::string text;
-  std::ifstream file(osRelease);
-  for (std::string line; std::getline(file, line) && text.empty();) {
-    if (line.starts_with(key)) {
-      text = line.substr(key.size());
-      std::erase(text, '"');
-    }
+  const auto file = FileIO::readFile(osRelease, maxFile);
+  const std::size_t start = file ? ("\n" + *file).find("\n" + std::string(key)) : std::string::npos;
+  if (start != std::string::npos) {
+    text = file->substr(start + key.size());
+    text.resize(std::min(text.size(), text.find('\n')));
+    std::erase(text, '"');
   }
   utsname kernel{};
   if (::uname(&kernel) == 0) {

@@ -54,7 +54,7 @@ TEST(Concealer, ReachesEveryTextOfADocument) {
   const Json document{{"a", "/home/maria/x"}, {"b", Json::array()}, {"c", 3}};
   Json nested = document;
   nested["b"].append(document);
-  const Json result = conceal(nested);
+  const Json result = conceal.document(nested);
   EXPECT_EQ(asText(result["a"]), "~/x");
   EXPECT_EQ(asText(result["b"][0]["a"]), "~/x");
   EXPECT_EQ(asInteger(result["c"]), 3);
