@@ -54,6 +54,11 @@ class BusConnection {
   BusConnection(const BusConnection&) = delete;
   BusConnection& operator=(const BusConnection&) = delete;
 
+  /// Another one to the same bus, on the same loop, not opened yet.
+  [[nodiscard]] std::unique_ptr<BusConnection> another() const {
+    return std::make_unique<BusConnection>(loop_, queue_, address_);
+  }
+
   /// A listener added later is called at once: busConnected() on an established
   /// connection, busLost() after a failed attempt. It must be removed before it is
   /// destroyed, and not from inside of its own callbacks.

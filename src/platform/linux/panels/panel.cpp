@@ -13,7 +13,7 @@ namespace {
 // another height, which few set above 32.
 constexpr std::array<int, 6> mateHeights{24, 25, 26, 28, 30, 32};
 
-constexpr std::array<Panel, 6> panels{{
+constexpr std::array<Panel, 7> panels{{
     {
         .name = "waybar",
         .programs = {"waybar", ".waybar-wrapped"},  // the latter on NixOS
@@ -45,10 +45,18 @@ constexpr std::array<Panel, 6> panels{{
     {
         .name = "Plasma",
         .programs = {"kded5", "kded6", "plasmashell"},
+        .itemOrder = ItemOrder::leftmost,
     },
     {
         .name = "LXQt",
         .programs = {"lxqt-panel"},
+        .itemOrder = ItemOrder::leftmost,
+    },
+    {
+        .name = "swaybar",
+        .programs = {"swaybar"},
+        .itemOrder = ItemOrder::rightmost,
+        .hasToolTip = false,
     },
 }};
 

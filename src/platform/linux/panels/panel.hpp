@@ -22,6 +22,15 @@ enum class PictureForm : std::uint8_t {
   square,  ///< The first module with a reading; everything is in the tool tip.
 };
 
+/// Whether a panel that keeps only squares shows several items of one program side by side, and
+/// which has to come first so that they stand in order. A panel that sorts them does so by their
+/// titles, which are numbered.
+enum class ItemOrder : std::uint8_t {
+  single,    ///< It does not, or scrambles them: one item.
+  leftmost,  ///< The leftmost comes first.
+  rightmost  ///< The rightmost comes first.
+};
+
 /// One row of the table. The defaults are what a panel that is not in it gets.
 struct Panel {
   std::string_view name;
@@ -30,6 +39,7 @@ struct Panel {
   std::array<std::string_view, 3> programs{};
 
   PictureForm form = PictureForm::square;
+  ItemOrder itemOrder = ItemOrder::single;  ///< Of the square form.
   /// Heights in pixels, beside 22 and 44, of which the panel draws an offered picture as it
   /// is when it has just that height itself; it stretches all others.
   std::span<const int> exactHeights{};

@@ -39,10 +39,11 @@ StyledText scaled(StyledText text, double factor) {
 void placeLine(StatusImage& image, const StyledText& text, double bottom, double rowHeight,
                double margin, TextEngine& engine) {
   const double present = maxPointSize(text);
-  const double width = engine.width(text);
-  if (present <= 0 || width <= 0) {
+  if (present <= 0 || engine.width(text) <= 0) {
     return;
   }
+  // Shorter texts are no larger than those of three signs: "9%" and "10%" look alike.
+  const double width = std::max(engine.width(text), engine.width({{"00%", text.front().font}}));
   // Digits are about 0.72 of the point size high, and no descender shares their row.
   constexpr double digitHeight = 0.72;
   constexpr double rowFill = 0.82;
@@ -53,6 +54,15 @@ void placeLine(StatusImage& image, const StyledText& text, double bottom, double
   const double x = (image.width - engine.width(fitted)) / 2;
   const double y = bottom + (rowHeight - present * factor * digitHeight) / 2;
   image.texts.push_back({.x = x, .y = y, .text = std::move(fitted)});
+}
+
+/// What follows the first `count` lines, with the line feed before it.
+std::string_view linesBehind(std::string_view text, std::size_t count) {
+  std::size_t end = text.find('\n');
+  for (std::size_t line = 1; line < count && end != std::string_view::npos; ++line) {
+    end = text.find('\n', end + 1);
+  }
+  return end == std::string_view::npos ? std::string_view() : text.substr(end);
 }
 
 /// A pixel as it is sent: alpha, red, green, blue.
@@ -184,9 +194,37 @@ SquareContent squareContent(const StatusPresentation& presentation) {
   return {styled(shown.top), styled(shown.bottom)};
 }
 
+std::vector<ModuleSquare> moduleSquares(const StatusPresentation& presentation) {
+  const std::vector<StatusModule>& modules = presentation.modules;
+  if (modules.empty()) {
+    return {{"vantora", "Vantora", presentation.toolTip, squareContent(presentation)}};
+  }
+  constexpr std::size_t twoDigits = 10;
+  const std::string_view messages = linesBehind(presentation.toolTip, modules.size());
+  std::vector<ModuleSquare> squares;
+  for (const StatusModule& module : modules) {
+    const std::size_t number = squares.size() + 1;
+    ModuleSquare square{"vantora-" + module.id.text(), "Vantora ", {}, {}};
+    square.title += number < twoDigits && modules.size() >= twoDigits ? "0" : "";
+    square.title += std::to_string(number);
+    for (const StatusLine* line : {&module.top, &module.bottom}) {
+      if (line->metric != MetricID::none) {
+        square.title += square.toolTip.empty() ? ": " : ", ";
+        square.title += title(line->metric);
+        square.toolTip += square.toolTip.empty() ? "" : "\n";
+        square.toolTip += std::string(title(line->metric)) + ": " + line->text;
+      }
+    }
+    square.toolTip += messages;
+    square.content = {styled(module.top), styled(module.bottom)};
+    squares.push_back(std::move(square));
+  }
+  return squares;
+}
+
 StatusImage squareImage(const SquareContent& content, double side, TextEngine& engine) {
   StatusImage image{.width = side, .height = side, .texts = {}};
-  const double margin = std::max(1.0, side / 16);
+  const double margin = std::max(1.0, side / 22);
   const double inner = side - 2 * margin;
   if (content.top.empty() || content.bottom.empty()) {
     placeLine(image, content.top.empty() ? content.bottom : content.top, margin, inner, margin,

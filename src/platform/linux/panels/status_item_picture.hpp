@@ -30,6 +30,18 @@ struct SquareContent {
 /// never have one. Without any reading the first module, and without modules the mark.
 [[nodiscard]] SquareContent squareContent(const StatusPresentation& presentation);
 
+/// A module as an item of its own.
+struct ModuleSquare {
+  std::string id;     ///< The module's identity, which stays when modules are moved.
+  std::string title;  ///< Numbered from the left, so that it sorts by itself, with the metrics.
+  std::string toolTip;
+  SquareContent content;
+  bool operator==(const ModuleSquare&) const = default;
+};
+
+/// All visible modules from the left; without any, the mark alone.
+[[nodiscard]] std::vector<ModuleSquare> moduleSquares(const StatusPresentation& presentation);
+
 /// The content as a square picture, `side` points wide and high: each line as large as
 /// half of the height and the width allow, in the middle.
 [[nodiscard]] StatusImage squareImage(const SquareContent& content, double side,

@@ -21,8 +21,6 @@ constexpr Seconds trayTimeout{2};
 // Pixels in a point. Both are always offered: the panel takes what suits the screen that it
 // is on now, which may change while the item is shown.
 constexpr std::size_t maxScale = 2;
-// What panels of the usual heights ask for, and twice the smaller ones.
-constexpr std::array<int, 6> squareSides{16, 22, 24, 32, 44, 48};
 constexpr std::array<int, 4> markSides{16, 22, 32, 48};
 
 // A click on an X11 window gives no token. Window managers read the time of the click out
@@ -52,6 +50,7 @@ LinuxStatusItem::~LinuxStatusItem() {
     popups_->menu.close();
     popups_->toolTip.hide();
   }
+  modules_.reset();
   tray_.reset();
 }
 
@@ -78,6 +77,10 @@ void LinuxStatusItem::show(const StatusPresentation& presentation) {
   }
   if (isNewImage && tray_ != nullptr) {
     tray_->update(presentation_.image.width + 2 * sideMargin);
+  }
+  if (modules_ != nullptr) {
+    modules_->show(presentation_);
+    return;
   }
   if (!isRegistered()) {
     return;  // a panel that appears asks for everything
@@ -132,7 +135,12 @@ void LinuxStatusItem::chosen(StatusMenuCommand command) {
 void LinuxStatusItem::colorSchemeChanged(ColorScheme scheme) {
   const Ink before = ink();
   colorScheme_ = scheme;
-  if (isRegistered() && ink() != before) {
+  if (ink() == before) {
+    return;
+  }
+  if (modules_ != nullptr) {
+    modules_->announceIcons();
+  } else if (isRegistered()) {
     item_.announceIcon();
   }
 }
@@ -178,7 +186,8 @@ void LinuxStatusItem::watcherChanged(const StatusNotifierWatcher::State& state) 
       stopTray();
     }
   }
-  watcher_.setRegistering(!state.isPresent || !(isInTray() || awaitsTray()));
+  putUpModules();
+  watcher_.setRegistering(!state.isPresent || !(isInTray() || awaitsTray() || modules_ != nullptr));
   explain();
 
   if (state.hasHost || isInTray()) {
@@ -199,6 +208,24 @@ void LinuxStatusItem::watcherChanged(const StatusNotifierWatcher::State& state) 
   } else if (hostTimeout_ == nullptr) {
     hostTimeout_ =
         queue_.runAfter(options_.hostTimeout, options_.hostTimeout / 4, [this] { hostTimedOut(); });
+  }
+}
+
+// Anew with each watcher: an item that registered with the one before is gone.
+void LinuxStatusItem::putUpModules() {
+  if (!watcherState_.isPresent || panel().itemOrder == ItemOrder::single) {
+    modules_.reset();
+  } else if (modules_ == nullptr) {
+    modules_ = std::make_unique<ModuleItems>(
+        ModuleItems::Parts{.connection = connection_,
+                           .queue = queue_,
+                           .engine = engine_,
+                           .panel = panel(),
+                           .events = *this,
+                           .ink = [this] { return ink(); },
+                           .isPaused = [this] { return isPaused(); },
+                           .onCommand = [this](StatusMenuCommand command) { chosen(command); }});
+    modules_->show(presentation_);
   }
 }
 
@@ -252,7 +279,7 @@ bool LinuxStatusItem::isInTray() const {
 }
 
 bool LinuxStatusItem::isRegistered() const {
-  return watcherState_.isPresent && !isInTray();
+  return watcherState_.isPresent && !isInTray() && modules_ == nullptr;
 }
 
 void LinuxStatusItem::trayChanged(XEmbedWindow::State state) {
@@ -403,7 +430,9 @@ std::string LinuxStatusItem::whereShown() const {
   if (!watcherState_.hasHost) {
     return watcherState_.hasBus ? "painel: nenhum" : "painel: nenhum; sem barramento da sessão";
   }
-  return "painel: " + std::string(panel().name) + "; forma: " + std::string(describe(form())) +
+  const std::string_view shown =
+      modules_ != nullptr ? "um quadrado para cada módulo" : describe(form());
+  return "painel: " + std::string(panel().name) + "; forma: " + std::string(shown) +
          (form() != panel().form ? ", porque o painel é vertical" : "");
 }
 
@@ -429,12 +458,15 @@ std::size_t LinuxStatusItem::pictureCount() const {
     case PictureForm::label:
       return markSides.size();
     case PictureForm::square:
-      return squareSides.size();
+      return SquarePictures::count();
   }
   return 0;
 }
 
 StatusNotifierContent::Picture LinuxStatusItem::picture(std::size_t index) {
+  if (form() == PictureForm::square) {
+    return squares_.picture(index, square_, engine_);
+  }
   if (index >= drawn_.size()) {
     drawn_.resize(index + 1);
   }
@@ -458,12 +490,8 @@ StatusNotifierContent::Picture LinuxStatusItem::picture(std::size_t index) {
         drawn.mark = applicationMark(markSides.at(index));
       }
       return {drawn.mark, 0};
-    case PictureForm::square: {
-      const double side = squareSides.at(index);
-      const StatusImage image = squareImage(square_, side, engine_);
-      const ImageFrame frame{.width = side, .height = side};
-      return {drawn.image.draw(image, frame, engine_, 1), side / plateRadius};
-    }
+    case PictureForm::square:
+      break;
   }
   return {drawn.mark, 0};
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The status item on Linux: one StatusNotifierItem whose picture suits the panel that
-// shows it.
+// shows it, or one for each module.
 #pragma once
 
 #include <cstddef>
@@ -16,6 +16,8 @@
 #include "platform/linux/panels/status_item_picture.hpp"
 #include "platform/linux/status_item/appearance_portal.hpp"
 #include "platform/linux/status_item/dbus_menu.hpp"
+#include "platform/linux/status_item/module_items.hpp"
+#include "platform/linux/status_item/square_pictures.hpp"
 #include "platform/linux/status_item/status_item_situation.hpp"
 #include "platform/linux/status_item/status_notifier_item.hpp"
 #include "platform/linux/status_item/status_notifier_watcher.hpp"
@@ -102,6 +104,7 @@ class LinuxStatusItem final : public StatusItem,
   [[nodiscard]] PictureForm form() const;
   void orientationChanged(bool isVertical);
   void takeContent();
+  void putUpModules();
 
   BusConnection& connection_;
   TaskQueue& queue_;
@@ -121,6 +124,7 @@ class LinuxStatusItem final : public StatusItem,
     DrawnImage image;
     AlphaBitmap mark;
   };
+  SquarePictures squares_;
   std::vector<Drawn> drawn_;  // by the picture's index, for the panel that is there now
   DrawnImage trayDrawn_;
 
@@ -131,8 +135,9 @@ class LinuxStatusItem final : public StatusItem,
   TimerHandle hostTimeout_;
   bool hasHostTimedOut_ = false;  // since the last host or tray, or since the bus came
 
-  // Ended first of all. It is here because the watcher reports its state at once.
+  // Ended first of all. They are here because the watcher reports its state at once.
   std::unique_ptr<XEmbedWindow> tray_;
+  std::unique_ptr<ModuleItems> modules_;  // in place of the item, where a panel keeps them in order
   std::optional<TrayPopups> popups_;
   TimerHandle hover_;
   bool isVertical_ = false;       // the panel, as far as it lets itself be asked

@@ -9,7 +9,6 @@
 namespace vantora {
 namespace {
 
-constexpr const char* itemPath = "/StatusNotifierItem";
 constexpr const char* itemInterface = "org.kde.StatusNotifierItem";
 
 StatusNotifierContent& contentOf(void* item) {
@@ -66,15 +65,16 @@ int getLabel(sd_bus*, const char*, const char*, const char*, sd_bus_message* rep
 
 // Properties that never change. The name of the property comes with the call.
 int getFixedText(sd_bus*, const char*, const char*, const char* property, sd_bus_message* reply,
-                 void*, sd_bus_error*) {
+                 void* item, sd_bus_error*) {
   struct Fixed {
     std::string_view property;
     const char* value;
   };
-  constexpr Fixed fixed[] = {
+  const StatusNotifierIdentity& identity = static_cast<StatusNotifierItem*>(item)->identity();
+  const Fixed fixed[] = {
       {"Category", "SystemServices"},
-      {"Id", "vantora"},
-      {"Title", "Vantora"},
+      {"Id", identity.id.c_str()},
+      {"Title", identity.title.c_str()},
       {"Status", "Active"},
   };
   for (const Fixed& entry : fixed) {
@@ -165,8 +165,9 @@ const sd_bus_vtable StatusNotifierItem::itemTable[] = {
 };
 
 StatusNotifierItem::StatusNotifierItem(BusConnection& connection, StatusNotifierContent& content,
-                                       StatusNotifierEvents& events)
-    : connection_(connection), content_(content), events_(events) {
+                                       StatusNotifierEvents& events,
+                                       StatusNotifierIdentity identity)
+    : connection_(connection), content_(content), events_(events), identity_(std::move(identity)) {
   connection_.add(*this);
 }
 
@@ -176,7 +177,7 @@ StatusNotifierItem::~StatusNotifierItem() {
 
 void StatusNotifierItem::busConnected(sd_bus& bus) {
   bus_ = &bus;
-  sd_bus_add_object_vtable(bus_, out(object_), itemPath, itemInterface, itemTable, this);
+  exportTable(object_, itemTable);
   exportLabel();
   exportMenu();
 }
@@ -196,10 +197,14 @@ void StatusNotifierItem::setHasLabel(bool hasLabel) {
   }
 }
 
+void StatusNotifierItem::exportTable(BusSlot& object, const sd_bus_vtable* table) {
+  sd_bus_add_object_vtable(bus_, out(object), identity_.path.c_str(), itemInterface, table, this);
+}
+
 void StatusNotifierItem::exportLabel() {
   labelObject_.reset();
   if (bus_ != nullptr && hasLabel_) {
-    sd_bus_add_object_vtable(bus_, out(labelObject_), itemPath, itemInterface, labelTable, this);
+    exportTable(labelObject_, labelTable);
   }
 }
 
@@ -210,7 +215,7 @@ void StatusNotifierItem::setMenu(const char* menuPath) {
 
 void StatusNotifierItem::exportMenu() {
   if (bus_ != nullptr && menuPath_ != nullptr) {
-    sd_bus_add_object_vtable(bus_, out(menuObject_), itemPath, itemInterface, menuTable, this);
+    exportTable(menuObject_, menuTable);
   }
 }
 
@@ -230,22 +235,24 @@ int StatusNotifierItem::onActivate(sd_bus_message* call, void* self, sd_bus_erro
   return sd_bus_reply_method_return(call, "");
 }
 
-void StatusNotifierItem::announceIcon() {
+void StatusNotifierItem::announce(const char* signal) {
   if (bus_ != nullptr) {
-    sd_bus_emit_signal(bus_, itemPath, itemInterface, "NewIcon", "");
+    sd_bus_emit_signal(bus_, identity_.path.c_str(), itemInterface, signal, "");
   }
 }
 
+void StatusNotifierItem::announceIcon() {
+  announce("NewIcon");
+}
+
 void StatusNotifierItem::announceToolTip() {
-  if (bus_ != nullptr) {
-    sd_bus_emit_signal(bus_, itemPath, itemInterface, "NewToolTip", "");
-  }
+  announce("NewToolTip");
 }
 
 void StatusNotifierItem::announceLabel(const std::string& label) {
   if (bus_ != nullptr) {
-    sd_bus_emit_signal(bus_, itemPath, itemInterface, "XAyatanaNewLabel", "ss", label.c_str(),
-                       label.c_str());
+    sd_bus_emit_signal(bus_, identity_.path.c_str(), itemInterface, "XAyatanaNewLabel", "ss",
+                       label.c_str(), label.c_str());
   }
 }
 

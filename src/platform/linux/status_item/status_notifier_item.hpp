@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// The object /StatusNotifierItem on the session bus: org.kde.StatusNotifierItem as
-// freedesktop's StatusNotifierItem describes it, with the label that GNOME's extension
-// takes from Ayatana's. It stores nothing: panels ask, the content answers.
+// An object on the session bus, /StatusNotifierItem where there is one item:
+// org.kde.StatusNotifierItem as freedesktop's StatusNotifierItem describes it, with the label that
+// GNOME's extension takes from Ayatana's. It stores nothing: panels ask, the content answers.
 #pragma once
 
 #include <cstdint>
@@ -44,11 +44,18 @@ class StatusNotifierEvents {
   virtual void activated(std::string token) = 0;
 };
 
+/// How panels know the item and keep it apart from others.
+struct StatusNotifierIdentity {
+  std::string path = "/StatusNotifierItem";
+  std::string id = "vantora";
+  std::string title = "Vantora";
+};
+
 /// Lives on the main thread.
 class StatusNotifierItem final : public BusConnection::Listener {
  public:
   StatusNotifierItem(BusConnection& connection, StatusNotifierContent& content,
-                     StatusNotifierEvents& events);
+                     StatusNotifierEvents& events, StatusNotifierIdentity identity = {});
   ~StatusNotifierItem() override;
   StatusNotifierItem(const StatusNotifierItem&) = delete;
   StatusNotifierItem& operator=(const StatusNotifierItem&) = delete;
@@ -70,6 +77,7 @@ class StatusNotifierItem final : public BusConnection::Listener {
   void busLost() override;
 
   [[nodiscard]] StatusNotifierContent& content() { return content_; }
+  [[nodiscard]] const StatusNotifierIdentity& identity() const { return identity_; }
   [[nodiscard]] const char* menuPath() const { return menuPath_; }
 
  private:
@@ -77,12 +85,15 @@ class StatusNotifierItem final : public BusConnection::Listener {
   static int onToken(sd_bus_message* call, void* self, sd_bus_error* error);
   static const sd_bus_vtable itemTable[];
 
+  void exportTable(BusSlot& object, const sd_bus_vtable* table);
   void exportLabel();
   void exportMenu();
+  void announce(const char* signal);
 
   BusConnection& connection_;
   StatusNotifierContent& content_;
   StatusNotifierEvents& events_;
+  const StatusNotifierIdentity identity_;
   std::string token_;  // for the click that follows
   const char* menuPath_ = nullptr;
   sd_bus* bus_ = nullptr;

@@ -67,7 +67,7 @@ TEST_F(Panels, AreKnownWithAndWithoutALineEnd) {
 }
 
 TEST_F(Panels, AreUnknownByAnyOtherName) {
-  for (const char* name : {"", "\n", "swaybar\n", "waybar-clone", "waybarwaybarway", "way",
+  for (const char* name : {"", "\n", "i3bar\n", "waybar-clone", "waybarwaybarway", "way",
                            "notification", "panel-6-clock", "panel-12-clockp", "panel--systray",
                            "panel-6-systra", "panel-x-systray"}) {
     EXPECT_EQ(&panelOf(name), &unknownPanel()) << name;
@@ -82,6 +82,17 @@ TEST_F(Panels, GetTheWholePictureOnlyWhereTheyKeepItWide) {
   EXPECT_EQ(panelOf("plasmashell").form, PictureForm::square);
   EXPECT_EQ(panelOf("lxqt-panel").form, PictureForm::square);
   EXPECT_EQ(unknownPanel().form, PictureForm::square);
+}
+
+TEST_F(Panels, GetAnItemForEachModuleWhereTheyKeepSquaresInOrder) {
+  EXPECT_EQ(panelOf("kded5").itemOrder, ItemOrder::leftmost);
+  EXPECT_EQ(panelOf("lxqt-panel").itemOrder, ItemOrder::leftmost);
+  EXPECT_EQ(panelOf("swaybar").itemOrder, ItemOrder::rightmost);
+  EXPECT_EQ(unknownPanel().itemOrder, ItemOrder::single);
+  for (const Panel& panel : knownPanels()) {
+    EXPECT_TRUE(panel.itemOrder == ItemOrder::single || panel.form == PictureForm::square)
+        << panel.name;
+  }
 }
 
 TEST_F(Panels, GetATrayWindowWhereOnlyThatStaysWide) {

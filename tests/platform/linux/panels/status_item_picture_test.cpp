@@ -108,13 +108,53 @@ TEST(StatusItemPicture, DrawsAModuleInsideOfASquareOfAnySize) {
   }
 }
 
-TEST(StatusItemPicture, DrawsASingleLineLargerThanOneOfTwo) {
+TEST(StatusItemPicture, DrawsASingleLineInTheMiddleOfASquare) {
   BlockTextEngine engine;
-  const auto size = [&](const SquareContent& column) {
-    return squareImage(column, 48, engine).texts.back().text.front().font.pointSize;
-  };
-  EXPECT_GT(size({line("5%"), {}}), size({line("5%"), line("6%")}));
+  const PlacedText placed = squareImage({{}, line("85%")}, 48, engine).texts.front();
+  const double digitHeight = placed.text.front().font.pointSize * 0.72;
+  EXPECT_NEAR(placed.y + digitHeight / 2, 24, 1e-9);
+  EXPECT_NEAR(placed.x + engine.width(placed.text) / 2, 24, 1e-9);
   EXPECT_TRUE(squareImage({}, 22, engine).texts.empty());
+}
+
+TEST(StatusItemPicture, KeepsASquaresTextsAtOneSizeUpToThreeSigns) {
+  BlockTextEngine engine;
+  const auto size = [&](const std::string& text) {
+    return squareImage({line(text), line("—")}, 22, engine)
+        .texts.back()
+        .text.front()
+        .font.pointSize;
+  };
+  EXPECT_EQ(size("9%"), size("10%"));
+  EXPECT_EQ(size("5"), size("10%"));
+  EXPECT_LT(size("100%"), size("10%")) << "the width of the square decides";
+}
+
+TEST(StatusItemPicture, MakesASquareOfEachModule) {
+  StatusModule processor = module("7%", "48°C");
+  processor.id = *UUID::parse("AAAAAAAA-0000-4000-8000-000000000001");
+  processor.bottom.metric = MetricID::cpuTemperature;
+  StatusModule battery = module("", "83%");
+  battery.top.metric = MetricID::none;
+  battery.bottom.metric = MetricID::batteryPercent;
+  StatusPresentation shown = presentation({processor, battery});
+  shown.toolTip = "one line\nfor each\nColeta pausada";
+  const std::vector<ModuleSquare> squares = moduleSquares(shown);
+  ASSERT_EQ(squares.size(), 2U);
+  EXPECT_EQ(squares[0].id, "vantora-AAAAAAAA-0000-4000-8000-000000000001");
+  EXPECT_EQ(squares[0].title, "Vantora 1: CPU · uso total, CPU · maior temperatura");
+  EXPECT_EQ(squares[0].toolTip,
+            "CPU · uso total: 7%\nCPU · maior temperatura: 48°C\nColeta pausada");
+  EXPECT_EQ(squares[0].content, (SquareContent{line("7%"), line("48°C")}));
+  EXPECT_EQ(squares[1].title, "Vantora 2: Bateria · porcentagem");
+  EXPECT_EQ(squares[1].content, (SquareContent{{}, line("83%")}));
+}
+
+TEST(StatusItemPicture, NumbersSquaresSoThatTheirTitlesSort) {
+  const std::vector<ModuleSquare> squares =
+      moduleSquares(presentation(std::vector<StatusModule>(11, module("7%", ""))));
+  EXPECT_TRUE(squares[0].title.starts_with("Vantora 01: ")) << squares[0].title;
+  EXPECT_TRUE(squares[10].title.starts_with("Vantora 11: ")) << squares[10].title;
 }
 
 TEST(StatusItemPicture, KeepsTheProportionsOfALinesRuns) {

@@ -7,6 +7,7 @@ namespace vantora::test {
 namespace {
 
 constexpr const char* watcherName = "org.kde.StatusNotifierWatcher";
+constexpr const char* itemPath = "/StatusNotifierItem";
 constexpr const char* watcherPath = "/StatusNotifierWatcher";
 
 void readPixmaps(sd_bus_message* message, std::vector<Pixmap>& pixmaps) {
@@ -105,7 +106,9 @@ int ScriptedPanel::onRegister(sd_bus_message* call, void* self, sd_bus_error*) {
   }
   const char* name = "";
   sd_bus_message_read(call, "s", &name);
-  panel->items_.emplace_back(name);
+  // An item that gives a path is on the caller's connection.
+  panel->items_.emplace_back(*name == '/' ? std::string(sd_bus_message_get_sender(call)) + name
+                                          : std::string(name));
   return sd_bus_reply_method_return(call, "");
 }
 
@@ -117,6 +120,8 @@ int ScriptedPanel::onSignal(sd_bus_message* signal, void* self, sd_bus_error*) {
     sd_bus_message_read(signal, "ss", &label, &guide);
     member += std::string(":") + label;
   }
+  const std::string path = sd_bus_message_get_path(signal);
+  member += path == itemPath ? "" : " of " + path;
   static_cast<ScriptedPanel*>(self)->signals_.push_back(std::move(member));
   return 0;
 }
@@ -140,9 +145,12 @@ void ScriptedPanel::drop(const std::string& item) {
                      item.c_str());
 }
 
-void ScriptedPanel::ask() {
+void ScriptedPanel::ask(std::size_t back) {
   properties.reset();
-  sd_bus_call_method_async(bus_, out(call_), items_.back().c_str(), "/StatusNotifierItem",
+  const std::string& item = items_.at(items_.size() - 1 - back);
+  const std::size_t path = item.find('/');
+  sd_bus_call_method_async(bus_, out(call_), item.substr(0, path).c_str(),
+                           path == std::string::npos ? itemPath : item.c_str() + path,
                            "org.freedesktop.DBus.Properties", "GetAll", onProperties, this, "s",
                            "org.kde.StatusNotifierItem");
 }

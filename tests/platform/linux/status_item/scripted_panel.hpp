@@ -45,9 +45,10 @@ class ScriptedPanel final : public BusConnection::Listener {
   void busConnected(sd_bus& bus) override;
   void busLost() override;
 
-  /// Names that have registered, in order.
+  /// Names that have registered, in order; of an item with a path, the connection with it.
   [[nodiscard]] const std::vector<std::string>& items() const { return items_; }
-  /// Members of the items' signals, in order, the arguments of a label after a colon.
+  /// Members of the items' signals, in order, the arguments of a label after a colon. Those of
+  /// items with a path name it.
   [[nodiscard]] const std::vector<std::string>& signals() const { return signals_; }
   void forgetSignals() { signals_.clear(); }
 
@@ -58,8 +59,9 @@ class ScriptedPanel final : public BusConnection::Listener {
   /// Announces that an item has gone, under the name that panels of this kind give it.
   void drop(const std::string& item);
 
-  /// Asks the latest item for all of its properties; `properties` has them later.
-  void ask();
+  /// Asks the item that registered `back` before the latest for all of its properties;
+  /// `properties` has them later, nothing in them when the item is gone.
+  void ask(std::size_t back = 0);
   std::optional<ItemProperties> properties;
 
  private:
