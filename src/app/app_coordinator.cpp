@@ -191,6 +191,7 @@ void AppCoordinator::observePower() {
 
 void AppCoordinator::configurationChanged(const AppConfiguration& edited) {
   const AppConfiguration before = std::exchange(shown_, withModulesFor(parts_.alwaysShown, edited));
+  shown_.paused = isPausedHere_.value_or(shown_.paused);
   drawStatus();
   // Widths, fonts, gaps and quota settings never disturb the sampling timer.
   const bool isSamplingUnchanged =
@@ -262,6 +263,11 @@ void AppCoordinator::togglePause() {
   AppConfiguration configuration = parts_.model->configuration();
   configuration.paused = !configuration.paused;
   parts_.model->setConfiguration(std::move(configuration));
+}
+
+void AppCoordinator::togglePauseOfThisRun() {
+  isPausedHere_ = !shown_.paused;
+  configurationChanged(parts_.model->configuration());
 }
 
 void AppCoordinator::drawStatus() {

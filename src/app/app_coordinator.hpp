@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -72,6 +73,10 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   /// The user started the program again. Returns whether that opened the settings.
   bool reopen(std::string_view activationToken = {});
 
+  /// Pauses or resumes whatever the configuration says, which stays as it is: for a program
+  /// that shows the configuration and does not write it. Not before launch().
+  void togglePauseOfThisRun();
+
   [[nodiscard]] SettingsModel& model() { return *parts_.model; }
   [[nodiscard]] const SettingsModel& model() const { return *parts_.model; }
 
@@ -123,7 +128,8 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
 
   AppParts parts_;
   const Seconds launchedAtUptime_;
-  AppConfiguration shown_;  // since launch()
+  AppConfiguration shown_;            // since launch()
+  std::optional<bool> isPausedHere_;  // instead of what the configuration says
   MetricSnapshot snapshot_;
   int samplingRounds_ = 0;
   StatusRedraw redraw_;

@@ -1,22 +1,37 @@
 // SPDX-License-Identifier: MIT
 //
 // vantora-print on Linux: the same coordinator with lines of text for a status item.
+#include <unistd.h>
+
 #include <cstdio>
+#include <optional>
 #include <utility>
 
 #include "app/linux/linux_application.hpp"
 #include "app/linux/linux_diagnosis.hpp"
 #include "app/linux/start_program.hpp"
 #include "app/print/cell_text_engine.hpp"
+#include "app/print/click_input.hpp"
 #include "app/print/print_options.hpp"
 #include "app/print/print_program.hpp"
 #include "app/print/print_session.hpp"
 #include "app/print/resize_signal.hpp"
+#include "platform/linux/desktop/detached_programs.hpp"
 #include "platform/linux/desktop/xdg_folders.hpp"
 #include "runtime/termination_signals.hpp"
 
 namespace vantora {
 namespace {
+
+// What a person does who opens Vantora from the desktop's menu: the session's agent shows its
+// window, and without one an agent starts.
+void openVantora(DetachedPrograms& programs) {
+  const std::string program =
+      ownExecutable().value_or("/usr/bin/vantora-print").parent_path() / "vantora";
+  if (!programs.start({program})) {
+    std::fprintf(stderr, "vantora-print: não foi possível iniciar %s\n", program.c_str());
+  }
+}
 
 int print(LinuxApplication& application, const PrintOptions& options) {
   UvLoop& loop = application.loop();
@@ -37,6 +52,17 @@ int print(LinuxApplication& application, const PrintOptions& options) {
   PrintProgram::tellNotice(coordinator->model().notice(), options.format);
   const TerminationSignals signals(loop.raw(), [&session] { session.stop(); });
   const ResizeSignal resize(loop.raw(), [&session] { session.resized(); });
+  DetachedPrograms programs(loop.raw());
+  std::optional<ClickInput> clicks;
+  if (options.follow && options.format == PrintFormat::i3bar) {
+    clicks.emplace(loop.raw(), STDIN_FILENO, [&](BlockButton button) {
+      if (button == BlockButton::left) {
+        openVantora(programs);
+      } else {
+        session.togglePause();
+      }
+    });
+  }
   // From the loop, so that an end in the very first print stops it.
   loop.queue().post([&] { session.start(*coordinator); });
   loop.run();

@@ -79,6 +79,9 @@ std::string written(const Json& value) {
   return writeJsonLossy(value);
 }
 
+// A grey that is legible on dark bars and on light ones.
+constexpr const char* pausedColour = "#808080";
+
 // So that neighbours keep their places while the texts change.
 std::string widestText(const StatusModule& module, const MetricSnapshot& snapshot) {
   StatusModule widest = module;
@@ -126,11 +129,15 @@ std::string jsonLine(const PrintReport& report) {
 std::string i3barLine(const PrintReport& report) {
   Json blocks = Json::array();
   for (const StatusModule& module : report.presentation.modules) {
-    blocks.append({{"name", "vantora"},
-                   {"instance", module.id.text()},
-                   {"full_text", StatusModules::joinedLines(module)},
-                   {"min_width", widestText(module, report.snapshot)},
-                   {"markup", "none"}});
+    Json block{{"name", i3barBlockName},
+               {"instance", module.id.text()},
+               {"full_text", StatusModules::joinedLines(module)},
+               {"min_width", widestText(module, report.snapshot)},
+               {"markup", "none"}};
+    if (report.configuration.paused) {
+      block["color"] = pausedColour;
+    }
+    blocks.append(std::move(block));
   }
   return written(blocks);
 }

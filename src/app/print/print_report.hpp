@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "model/configuration.hpp"
 #include "model/sample.hpp"
@@ -33,9 +34,14 @@ namespace PrintFormatter {
 
 /// One status line of the i3bar input protocol
 /// (https://i3wm.org/docs/i3bar-protocol.html): an array with a block a module. The
-/// stream around it is i3barHeader, then each line with a comma behind it.
+/// stream around it is i3barHeader, then each line with a comma behind it. Grey while
+/// sampling is paused.
 [[nodiscard]] std::string i3barLine(const PrintReport& report);
-inline constexpr const char* i3barHeader = "{\"version\":1}\n[";
+inline constexpr std::string_view i3barBlockName = "vantora";
+/// A stream takes clicks (BlockClicks); a single print ends at once.
+[[nodiscard]] constexpr const char* i3barHeader(bool follow) {
+  return follow ? "{\"version\":1,\"click_events\":true}\n[" : "{\"version\":1}\n[";
+}
 
 /// One update of a waybar custom module with "return-type": "json" (waybar-custom(5)).
 /// Text and tool tip are Pango markup there, so "<" and "&" are escaped. The tool tip has

@@ -42,6 +42,12 @@ void PrintSession::resized() {
   }
 }
 
+void PrintSession::togglePause() {
+  if (!hasEnded_) {
+    coordinator_->togglePauseOfThisRun();
+  }
+}
+
 void PrintSession::updated() {
   if (!output_.hasReader()) {
     end(0);
@@ -89,8 +95,10 @@ void PrintSession::print() {
     return;
   }
   const SettingsModel& model = coordinator_->model();
-  written(output_.print({model.configuration(), coordinator_->snapshot(), *presentation_,
-                         model.notice(), coordinator_->clock().now()}));
+  AppConfiguration configuration = model.configuration();
+  configuration.paused = coordinator_->shown().paused;
+  written(output_.print({configuration, coordinator_->snapshot(), *presentation_, model.notice(),
+                         coordinator_->clock().now()}));
   printAgainLater();
 }
 

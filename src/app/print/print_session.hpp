@@ -29,6 +29,9 @@ class PrintSession final : public StatusItem {
   /// The terminal has another size.
   void resized();
 
+  /// Pauses or resumes what is printed. Without it the configuration decides.
+  void togglePause();
+
   /// A signal asked for the end.
   void stop() { end(0); }
 

@@ -170,6 +170,16 @@ TEST(PrintFormatter, WritesABlockAModuleForI3bar) {
   EXPECT_EQ((*json)[1]["name"], "vantora");
 }
 
+TEST(PrintFormatter, GreysI3barsBlocksDuringAPause) {
+  Scene scene;
+  EXPECT_FALSE(parseJson(PrintFormatter::i3barLine(scene.report()))
+                   ->elements()[0]
+                   .members()
+                   .contains("color"));
+  scene.configuration.paused = true;
+  EXPECT_EQ((*parseJson(PrintFormatter::i3barLine(scene.report())))[1]["color"], "#808080");
+}
+
 TEST(PrintFormatter, KeepsRoomInI3barForTheWidestText) {
   Scene scene;
   scene.configuration.modules[0].bottom = MetricID::none;

@@ -224,5 +224,42 @@ TEST_F(PrintSessionTest, CarriesTheNoticeOfADocumentThatWasRefused) {
               testing::HasSubstr("Configuração inválida preservada em disco; padrão carregado."));
 }
 
+TEST_F(PrintSessionTest, PausesAndResumesWithoutTouchingTheConfiguration) {
+  PrintOptions options;
+  options.follow = true;
+  options.format = PrintFormat::waybar;
+  start(showing({{MetricID::cpuUsage, MetricID::none}}), options);
+  setUsage(30);
+  time.advance(Seconds{1});
+  EXPECT_THAT(printed(), testing::HasSubstr("\"class\":\"running\""));
+  session_->togglePause();
+  time.advance(Seconds{1});
+  EXPECT_THAT(printed(), testing::HasSubstr("\"class\":\"paused\""));
+  setUsage(60);
+  time.advance(Seconds{10});
+  EXPECT_EQ(printed(), "");
+  EXPECT_FALSE(coordinator->model().configuration().paused);
+  session_->togglePause();
+  time.advance(Seconds{1});
+  setUsage(60);
+  time.advance(Seconds{1});
+  EXPECT_THAT(printed(), testing::HasSubstr("60%"));
+}
+
+TEST_F(PrintSessionTest, ResumesWhatTheConfigurationPauses) {
+  AppConfiguration paused = showing({{MetricID::cpuUsage, MetricID::none}});
+  paused.paused = true;
+  PrintOptions options;
+  options.follow = true;
+  start(paused, options);
+  printed();
+  session_->togglePause();
+  time.advance(Seconds{1});
+  setUsage(30);
+  time.advance(Seconds{1});
+  EXPECT_THAT(printed(), testing::HasSubstr("30%"));
+  EXPECT_TRUE(coordinator->model().configuration().paused);
+}
+
 }  // namespace
 }  // namespace vantora::test

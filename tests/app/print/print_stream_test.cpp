@@ -164,7 +164,8 @@ TEST_F(PrintStreamTest, WritesAWholeJsonDocumentForI3bar) {
     output.finish();
     const std::string text = written();
     const std::size_t headerEnd = text.find('\n');
-    EXPECT_EQ(text.substr(0, headerEnd), R"({"version":1})");
+    EXPECT_EQ(text.substr(0, headerEnd),
+              follow ? R"({"version":1,"click_events":true})" : R"({"version":1})");
     const auto body = parseJson(text.substr(headerEnd));
     ASSERT_TRUE(body) << text;
     EXPECT_EQ((*body)[0][0]["full_text"], "1%");
