@@ -98,8 +98,8 @@ AppParts LinuxApplication::parts(StatusItem& statusItem, TextEngine& textEngine)
 }
 
 LinuxApplication::Insides LinuxApplication::insides() {
-  return {loop_,           clock_,         *launcher_,    defaults_,   loginItem_,
-          samplingThread_, batteryThread_, sensorThread_, configHome_, home_};
+  return {loop_,       clock_,         *launcher_,    defaults_,   loginItem_,
+          linkThread_, batteryThread_, sensorThread_, configHome_, home_};
 }
 
 ConfigurationStore LinuxApplication::configurationStore() const {
@@ -113,8 +113,8 @@ int LinuxApplication::end(int status) {
   // A save first: it is what a second can still bring to an end. The sampling thread before
   // those that it uses.
   const bool isSaved = fileWorker_.endBy(deadline);
-  if (isSaved && endSamplingBy(deadline) && batteryThread_.endBy(deadline) &&
-      sensorThread_.endBy(deadline)) {
+  if (isSaved && endSamplingBy(deadline) && linkThread_.endBy(deadline) &&
+      batteryThread_.endBy(deadline) && sensorThread_.endBy(deadline)) {
     return status;
   }
   std::fflush(nullptr);

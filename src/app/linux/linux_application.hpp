@@ -42,9 +42,9 @@ class LinuxApplication {
     ChildProcessLauncher& launcher;
     UserDefaults& defaults;
     LoginItem& loginItem;
-    LazyQueueThread& samplingThread;
-    LazyQueueThread& batteryThread;
-    LazyQueueThread& sensorThread;
+    WorkThread& linkThread;
+    WorkThread& batteryThread;
+    WorkThread& sensorThread;
     const std::filesystem::path& configHome;
     const std::string& home;  ///< Without a trailing separator; empty for the root.
   };
@@ -69,7 +69,8 @@ class LinuxApplication {
   const std::filesystem::path configHome_;
   const SystemClock clock_;
   UvLoop loop_;
-  std::optional<UvQueueThread> samplingThread_;  // from parts() on
+  std::optional<UvQueueThread> samplingThread_;   // from parts() on
+  WorkThread linkThread_{"local.vantora.links"};  // of a diagnosis
   WorkThread batteryThread_{"local.vantora.battery", driverIdleTimeout};
   WorkThread sensorThread_{"local.vantora.sensors", driverIdleTimeout};
   const std::string home_;  // without a trailing separator

@@ -182,7 +182,7 @@ Diagnosis collect(LinuxApplication& application, const char* program) {
                          {"glibc", gnu_get_libc_version()},
                          {"nlohmann-json", VANTORA_JSON_VERSION}};
 
-  DeviceLook devices({insides.samplingThread, insides.batteryThread, insides.sensorThread},
+  DeviceLook devices({insides.linkThread, insides.batteryThread, insides.sensorThread},
                      insides.clock, configuration.networkInterface);
   std::function<void()> check = [] {};
   const auto changed = [&check] { check(); };

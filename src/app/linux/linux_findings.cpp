@@ -35,19 +35,15 @@ bool isSet(const EnvironmentLookup& environment, const char* name) {
   return !environment(name).value_or("").empty();
 }
 
-/// The answer of a task that was given to a queue, if it comes in time.
+/// The answer of a task that was given to a thread, if it comes in time.
 template <typename Answer>
 class Later {
  public:
   template <typename Task>
-  Later(LazyQueueThread& thread, Task task) {
+  Later(WorkThread& thread, Task task) {
     auto promise = std::make_shared<std::promise<Answer>>();
-    answer_ = promise->get_future();
-    try {
-      thread.queue().post(
-          [promise, task = std::move(task)]() mutable { promise->set_value(task()); });
-    } catch (const std::system_error&) {
-      answer_ = {};  // no thread is to be had
+    if (thread.post([promise, task = std::move(task)]() mutable { promise->set_value(task()); })) {
+      answer_ = promise->get_future();
     }
   }
   [[nodiscard]] std::optional<Answer> by(std::chrono::steady_clock::time_point deadline) {
@@ -173,7 +169,7 @@ void findTypefaces(const std::string& program, Diagnosis& diagnosis) {
 
 struct DeviceLook::Work {
   Work(Threads threads, const Clock& clock, std::optional<std::string> preferred)
-      : sampling(threads.sampling),
+      : links(threads.links),
         link(std::move(preferred)),
         flow(std::make_shared<FlowSources>(clock)),
         supplies(threads.battery,
@@ -186,10 +182,10 @@ struct DeviceLook::Work {
                   return Sensors{source.sample(sensorMetrics),
                                  sensorInventory(LinuxSensorSource::Roots())};
                 }),
-        first(threads.sampling, [sources = flow, link = link] { return sources->read(link); }) {}
+        first(threads.links, [sources = flow, link = link] { return sources->read(link); }) {}
 
   const std::chrono::steady_clock::time_point begun = std::chrono::steady_clock::now();
-  LazyQueueThread& sampling;
+  WorkThread& links;
   const std::optional<std::string> link;
   const std::shared_ptr<FlowSources> flow;
   Later<Supplies> supplies;
@@ -207,7 +203,7 @@ MetricSnapshot DeviceLook::finish(Diagnosis& diagnosis) {
   using std::chrono::steady_clock;
   const auto deadline = work_->begun + std::chrono::duration_cast<steady_clock::duration>(timeout);
   MetricSnapshot snapshot;
-  Later<Flow> second(work_->sampling, [sources = work_->flow, link = work_->link] {
+  Later<Flow> second(work_->links, [sources = work_->flow, link = work_->link] {
     Flow flow = sources->read(link);
     flow.devices = linksWithDrivers(sources->network, link, flow.rates.name);
     return flow;

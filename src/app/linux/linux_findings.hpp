@@ -12,7 +12,7 @@
 #include "model/sample.hpp"
 #include "platform/linux/desktop/xdg_folders.hpp"
 #include "runtime/clock.hpp"
-#include "runtime/lazy_queue_thread.hpp"
+#include "runtime/work_thread.hpp"
 
 namespace vantora {
 
@@ -29,14 +29,14 @@ namespace vantora {
 /// Typefaces and libraries, of the program above, or why they are not known. Waits for it.
 void findTypefaces(const std::string& program, Diagnosis& diagnosis);
 
-/// Reads devices on the threads that the agent reads them on, so that a driver which never
-/// answers costs its own part of the diagnosis and no more.
+/// Reads each kind of device on a thread of its own, so that a driver which never answers costs
+/// its own part of the diagnosis and no more.
 class DeviceLook {
  public:
   struct Threads {
-    LazyQueueThread& sampling;
-    LazyQueueThread& battery;
-    LazyQueueThread& sensors;
+    WorkThread& links;
+    WorkThread& battery;
+    WorkThread& sensors;
   };
   /// How long each kind of device may take.
   static constexpr Seconds timeout{3};
