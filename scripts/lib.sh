@@ -194,10 +194,11 @@ project_version() { sed -n 's/^project(Vantora VERSION \([^ ]*\).*/\1/p' CMakeLi
 # everything in packages, so that the same source gives the same bytes.
 project_epoch() { date -d "$(sed -n 's/^ -- .*>  //p' debian/changelog | head -n 1)" +%s; }
 
-# copy_source FOLDER: this tree, all files of the same age, without what was built.
+# copy_source FOLDER: this tree without what was built; age and modes do not depend on when and by
+# whom it was checked out.
 copy_source() {
   mkdir -p "$1"
-  tar -c --mtime="@$(project_epoch)" --exclude=./build --exclude=./.git --exclude=./.cache \
+  tar -c --mtime="@$(project_epoch)" --mode=u+rw,go=rX --exclude=./build --exclude=./.git --exclude=./.cache \
     --exclude=__pycache__ . | tar -xp -C "$1"
 }
 
@@ -208,8 +209,7 @@ make_tarball() {
   name=vantora-$(project_version)
   folder=$(mktemp -d)
   copy_source "$folder/$name"
-  tar -C "$folder" --sort=name --owner=0 --group=0 --numeric-owner --mode=go=rX,u+rw \
-    -c "$name" | gzip -9n > "$1"
+  tar -C "$folder" --sort=name --owner=0 --group=0 --numeric-owner -c "$name" | gzip -9n > "$1"
   rm -rf "$folder"
 }
 
