@@ -12,7 +12,9 @@
 #include <string_view>
 
 #include "platform/linux/battery/linux_battery_source.hpp"
+#include "platform/linux/battery/supply_inventory.hpp"
 #include "platform/linux/sensors/linux_sensor_source.hpp"
+#include "platform/linux/sensors/sensor_inventory.hpp"
 #include "platform/linux/sysfs/sysfs.hpp"
 
 namespace {
@@ -143,6 +145,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     check(*samples.find(MetricID::fan1RPM), 0, 65'534);
     check(*samples.find(MetricID::fan1Percent), 0, 100);
     check(*samples.find(MetricID::fan2RPM), 0, 65'534);
+  }
+  for (const auto& reports :
+       {sensorInventory({tree.path("hwmon"), tree.path("power_supply")}),
+        supplyInventory(tree.path("power_supply"))}) {
+    for (const DeviceReport& report : reports) {
+      demandThat(report.why.empty() == !report.feeds.empty());
+    }
   }
   return 0;
 }

@@ -12,7 +12,7 @@ namespace {
 
 constexpr Quality lastQuality = Quality::stale;
 
-Json seconds(const std::optional<WallTime>& time) {
+Json instantJson(const std::optional<WallTime>& time) {
   return time ? Json(std::chrono::floor<std::chrono::seconds>(time->time_since_epoch()).count())
               : Json(nullptr);
 }
@@ -88,8 +88,8 @@ std::optional<ReadingReport> asReading(const Json& value) {
 Json quotaJson(const QuotaReport& quota) {
   return {{"status", quota.status},
           {"message", quota.message},
-          {"lastSuccess", seconds(quota.lastSuccess)},
-          {"nextQuery", seconds(quota.nextQuery)}};
+          {"lastSuccess", instantJson(quota.lastSuccess)},
+          {"nextQuery", instantJson(quota.nextQuery)}};
 }
 
 std::optional<QuotaReport> asQuota(const Json& value) {

@@ -15,11 +15,11 @@ namespace {
 constexpr std::size_t maxVersion = 40;
 constexpr std::size_t maxOutput = 4096;
 
-bool isDigit(char byte) {
+bool isNumeral(char byte) {
   return byte >= '0' && byte <= '9';
 }
 bool isVersionByte(char byte) {
-  return isDigit(byte) || (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
+  return isNumeral(byte) || (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
          byte == '.' || byte == '-' || byte == '+';
 }
 
@@ -36,7 +36,7 @@ std::optional<std::string> versionOfPackage(const std::filesystem::path& folder)
 
 std::optional<std::string> versionIn(std::string_view text) {
   for (std::size_t start = 0; start < text.size(); ++start) {
-    if (!isDigit(text[start]) ||
+    if (!isNumeral(text[start]) ||
         (start > 0 && isVersionByte(text[start - 1]) && text[start - 1] != '-')) {
       continue;
     }
@@ -46,8 +46,8 @@ std::optional<std::string> versionIn(std::string_view text) {
         text.substr(start, static_cast<std::size_t>(end - text.begin()) - start);
     const std::size_t dot = found.find('.');
     if (found.size() <= maxVersion && dot != std::string_view::npos && dot + 1 < found.size() &&
-        isDigit(found[dot + 1])) {
-      while (!isDigit(found.back()) && found.back() < 'A') {
+        isNumeral(found[dot + 1])) {
+      while (!isNumeral(found.back()) && found.back() < 'A') {
         found.remove_suffix(1);  // the sentence's
       }
       return std::string(found);
@@ -73,7 +73,7 @@ std::optional<std::string> packagedVersion(const std::string& path) {
   const std::filesystem::path file(path);
   for (const std::string& name :
        {file.filename().string(), file.parent_path().filename().string()}) {
-    if (!name.empty() && isDigit(name.front()) && versionIn(name) == name) {
+    if (!name.empty() && isNumeral(name.front()) && versionIn(name) == name) {
       return name;
     }
   }

@@ -39,8 +39,23 @@ class MacOSApplication {
   /// The parts of a coordinator without window and browser. Reads the configuration.
   [[nodiscard]] AppParts parts(StatusItem& statusItem, TextEngine& textEngine);
 
- private:
+  /// What a diagnosis looks at. All of it lives as long as the application.
+  struct Insides {
+    TaskQueue& mainQueue;
+    const Clock& clock;
+    ChildProcessLauncher& launcher;
+    UserDefaults& defaults;
+    LoginItem& loginItem;
+    const std::filesystem::path& applicationSupport;
+    const std::string& home;  ///< Without a trailing separator.
+  };
+  [[nodiscard]] Insides insides() {
+    return {mainQueue_, clock_, launcher_, defaults_, loginItem_, applicationSupport_, home_};
+  }
+  /// Where the readings come from.
   [[nodiscard]] SamplingSources samplingSources();
+
+ private:
   [[nodiscard]] ConversationHost conversationHost();
 
   const std::filesystem::path applicationSupport_;

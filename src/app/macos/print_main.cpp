@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "app/macos/macos_application.hpp"
+#include "app/macos/macos_diagnosis.hpp"
 #include "app/print/cell_text_engine.hpp"
 #include "app/print/print_options.hpp"
 #include "app/print/print_program.hpp"
@@ -30,6 +31,10 @@ int run(const PrintOptions& options) {
     return 1;
   }
   const auto stopLoop = [] { CFRunLoopStop(CFRunLoopGetMain()); };
+  if (options.task != PrintTask::readings) {
+    MacOSApplication asked(std::move(*folder), stopLoop);
+    return diagnose(asked, {"vantora-print", options.task == PrintTask::diagnosisAsJson});
+  }
   std::function<void()> end;
   MacOSApplication application(std::move(*folder), [&end] { end(); });
   CellTextEngine textEngine;

@@ -5,13 +5,16 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
 #include "app/app_coordinator.hpp"
 #include "app/macos/macos_application.hpp"
+#include "app/macos/macos_diagnosis.hpp"
 #include "platform/macos/app/appkit_status_item.hpp"
 #include "platform/macos/app/appkit_text_engine.hpp"
 #include "platform/macos/app/foreground_settings_window.hpp"
@@ -139,9 +142,38 @@ class Agent {
 
 @end
 
-int main() {
+namespace {
+
+// `--diagnose` is the only option: others are the system's, which it gives to every application.
+std::optional<int> answerOnCommandLine(int argc, const char* const* argv) {
+  const auto is = [&](int place, const char* option) {
+    return place < argc && std::strcmp(argv[place], option) == 0;
+  };
+  if (!is(1, "--diagnose")) {
+    return std::nullopt;
+  }
+  if (argc > 3 || (argc == 3 && !is(2, "--json"))) {
+    vantora::say("--diagnose só aceita --json ao seu lado");
+    return 2;
+  }
+  auto folder = vantora::applicationSupportFolder();
+  if (!folder) {
+    vantora::say("o macOS não informa a pasta Application Support");
+    return EXIT_FAILURE;
+  }
+  vantora::MacOSApplication application(std::move(*folder),
+                                        [] { CFRunLoopStop(CFRunLoopGetMain()); });
+  return vantora::diagnose(application, {"vantora", argc == 3});
+}
+
+}  // namespace
+
+int main(int argc, const char* const* argv) {
   vantora::ignoreBrokenPipes();
   @autoreleasepool {
+    if (const auto status = answerOnCommandLine(argc, argv)) {
+      return *status;
+    }
     auto folder = vantora::applicationSupportFolder();
     if (!folder) {
       vantora::say("o macOS não informa a pasta Application Support");

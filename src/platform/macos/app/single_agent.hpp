@@ -23,6 +23,9 @@ class SingleAgent {
   /// Whether this is the agent. Where no lock can be had, as on a full disk, it is.
   [[nodiscard]] bool isFirst() const;
 
+  /// Whether another process is the agent of the folder. Takes nothing and makes nothing.
+  [[nodiscard]] static bool isRunning(const std::filesystem::path& folder);
+
   /// The agent's side: calls `open` on the main thread when another start asks for the
   /// application to open.
   void answer(std::function<void()> open);

@@ -72,6 +72,16 @@ SingleAgent::SingleAgent(const std::filesystem::path& folder) {
   isFirst_ = lock_ < 0 || flock(lock_, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
+bool SingleAgent::isRunning(const std::filesystem::path& folder) {
+  const int lock = open((folder / "agent.lock").c_str(), O_RDWR | O_CLOEXEC);
+  if (lock < 0) {
+    return false;
+  }
+  const bool isTaken = flock(lock, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+  close(lock);
+  return isTaken;
+}
+
 SingleAgent::~SingleAgent() {
   if (answering_) {
     [answering_->observer stop];
