@@ -10,8 +10,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace vantora;
-  const auto report =
-      parseAgentReport(std::string_view(reinterpret_cast<const char*>(data), size));
+  const auto report = parseAgentReport(std::string_view(reinterpret_cast<const char*>(data), size));
   if (report && parseAgentReport(encode(*report)) != report) {
     std::abort();
   }

@@ -146,9 +146,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     check(*samples.find(MetricID::fan1Percent), 0, 100);
     check(*samples.find(MetricID::fan2RPM), 0, 65'534);
   }
-  for (const auto& reports :
-       {sensorInventory({tree.path("hwmon"), tree.path("power_supply")}),
-        supplyInventory(tree.path("power_supply"))}) {
+  for (const auto& reports : {sensorInventory({tree.path("hwmon"), tree.path("power_supply")}),
+                              supplyInventory(tree.path("power_supply"))}) {
     for (const DeviceReport& report : reports) {
       demandThat(report.why.empty() == !report.feeds.empty());
     }

@@ -101,7 +101,7 @@ int diagnose(MacOSApplication& application, const DiagnoseOptions& options) {
   diagnosis.program = options.program;
   diagnosis.version = programVersion;
   diagnosis.system = systemText();
-  diagnosis.session = "barra de menus";
+  diagnosis.session = "gráfica";
   diagnosis.bus = "não há um neste sistema";
   diagnosis.agent = SingleAgent::isRunning(insides.applicationSupport / "Vantora")
                         ? AgentPresence::running
