@@ -89,6 +89,8 @@ class DiagnoseTest(stage.StageTest):
             self.assertEqual(document["program"], os.path.basename(program))
             self.assertEqual(document["agent"]["presence"], "noBus")
             self.assertEqual(len(document["readings"]), 12)
+            self.assertTrue(document["typefaces"]["text"] or document["typefaces"]["why"])
+            self.assertLessEqual({"libuv", "FreeType", "fontconfig"}, set(document["libraries"]))
         self.assertEqual(self.files(), [], "it writes nothing")
 
     def test_says_that_no_agent_runs_and_starts_none(self):

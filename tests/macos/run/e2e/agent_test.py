@@ -264,5 +264,39 @@ class Print(Test):
         self.assertIn("Application Support", program.said())
 
 
+class Diagnose(Test):
+    def diagnose(self, program, *arguments):
+        asked = self.start(program, "--diagnose", *arguments)
+        said = asked.process.stdout.read().decode()
+        self.assertEqual(asked.end(), 0, asked.said())
+        self.assertNotIn("stand-in:", asked.said())
+        return said
+
+    def test_says_which_readings_there_are_and_why_others_are_not(self):
+        for program in ("Vantora", "vantora-print"):
+            said = self.diagnose(program)
+            self.assertIn("CPU · maior temperatura (SMC experimental)", said)
+            self.assertIn("en0             Rede · upload, download\n", said)
+            self.assertIn("Adaptador sem potência informada", said)
+            self.assertIn("nenhum em execução", said)
+            for line in said.splitlines():
+                self.assertLessEqual(len(line), 100, line)
+
+    def test_knows_that_an_agent_runs_and_leaves_it_alone(self):
+        agent = self.agent()
+        settled(agent)
+        document = json.loads(self.diagnose("vantora-print", "--json"))
+        self.assertEqual(document["agent"]["presence"], "running")
+        self.assertEqual(document["configuration"]["state"], "absent")
+        self.assertTrue(document["configuration"]["path"].startswith("~/Library/"))
+        agent.ask("quit")
+        self.ended(agent)
+
+    def test_takes_json_alone_beside_it(self):
+        asked = self.start("Vantora", "--diagnose", "--follow")
+        self.assertEqual(asked.process.wait(PATIENCE), 2)
+        self.assertIn("só aceita --json", asked.said())
+
+
 if __name__ == "__main__":
     unittest.main()

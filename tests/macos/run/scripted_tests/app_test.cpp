@@ -187,6 +187,18 @@ TEST(SingleAgent, IsOneForEachFolder) {
   EXPECT_EQ(asked, 1);
 }
 
+TEST(SingleAgent, IsSeenWithoutBeingDisturbed) {
+  const test::TemporaryFolder folder;
+  EXPECT_FALSE(SingleAgent::isRunning(folder / "Vantora"));
+  EXPECT_FALSE(std::filesystem::exists(folder / "Vantora")) << "looking makes nothing";
+  {
+    const SingleAgent agent(folder / "Vantora");
+    EXPECT_TRUE(SingleAgent::isRunning(folder / "Vantora"));
+    EXPECT_TRUE(agent.isFirst());
+  }
+  EXPECT_FALSE(SingleAgent::isRunning(folder / "Vantora"));
+}
+
 TEST(SingleAgent, GoesOnWhereNoLockCanBeHad) {
   const test::TemporaryFolder folder;
   test::writeBytes(folder / "Vantora", "a file in the way");
