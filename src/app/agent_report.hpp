@@ -50,12 +50,12 @@ struct AgentReport {
 };
 
 /// One JSON object. Instants in whole seconds since 1970.
-[[nodiscard]] std::string encode(const AgentReport& report);
+[[nodiscard, gnu::cold]] std::string encode(const AgentReport& report);
 
 /// Longer answers are refused, unread.
 inline constexpr std::size_t maxAgentReport = 262'144;
 
 /// Nothing for a text that encode() does not make.
-[[nodiscard]] std::optional<AgentReport> parseAgentReport(std::string_view text);
+[[nodiscard, gnu::cold]] std::optional<AgentReport> parseAgentReport(std::string_view text);
 
 }  // namespace vantora

@@ -20,9 +20,9 @@ class Concealer {
   /// resolved; without a trailing separator. "" and "/" are none.
   explicit Concealer(std::vector<std::string> homes);
 
-  [[nodiscard]] std::string operator()(std::string_view text) const;
+  [[nodiscard, gnu::cold]] std::string operator()(std::string_view text) const;
   /// The same for every text in a document; not for the names of members.
-  [[nodiscard]] Json document(const Json& value) const;
+  [[nodiscard, gnu::cold]] Json document(const Json& value) const;
 
  private:
   std::vector<std::string> homes_;  // the longest first

@@ -3,6 +3,9 @@
 // What the program sees of its session, of the machine and of the user's files, as one value:
 // `--diagnose` collects it, and two writers show it. Words are Portuguese, without a full stop.
 //
+// What works on it is cold code (gnu::cold), so that it shares no pages with what the agent runs
+// all day.
+//
 // It holds no account, e-mail, host name or serial number on purpose. What others named after
 // such things (a battery, an interface, a folder) is concealed by the writers (concealer.hpp).
 #pragma once

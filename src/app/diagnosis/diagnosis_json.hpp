@@ -10,6 +10,7 @@ namespace vantora {
 
 /// The diagnosis as one JSON object, for bug reports (docs/vantora-diagnose.schema.json): what is
 /// not there is null. Instants in ISO 8601, UTC, whole seconds. Without a line feed. Pure.
-[[nodiscard]] std::string diagnosisJson(const Diagnosis& diagnosis, const Concealer& conceal);
+[[nodiscard, gnu::cold]] std::string diagnosisJson(const Diagnosis& diagnosis,
+                                                   const Concealer& conceal);
 
 }  // namespace vantora

@@ -15,7 +15,8 @@ namespace vantora {
 inline constexpr std::size_t diagnosisColumns = 100;
 
 /// Groups of rows in aligned columns; ends with a line feed.
-[[nodiscard]] std::string diagnosisText(const Diagnosis& diagnosis, const Concealer& conceal);
+[[nodiscard, gnu::cold]] std::string diagnosisText(const Diagnosis& diagnosis,
+                                                   const Concealer& conceal);
 
 /// The metrics by their titles, those of one thing together: "Bateria · porcentagem, tempo
 /// estimado; CPU · uso total".

@@ -19,12 +19,12 @@
 namespace vantora {
 
 /// What can be found out without running it. `selected` is the path that the user chose.
-[[nodiscard]] AssistantReport findAssistant(std::string name,
-                                            const std::optional<std::string>& selected,
-                                            std::span<const std::string> places);
+[[nodiscard, gnu::cold]] AssistantReport findAssistant(std::string name,
+                                                       const std::optional<std::string>& selected,
+                                                       std::span<const std::string> places);
 
 /// The version that the package around the executable, or a folder named after it, tells.
-[[nodiscard]] std::optional<std::string> packagedVersion(const std::string& path);
+[[nodiscard, gnu::cold]] std::optional<std::string> packagedVersion(const std::string& path);
 
 /// The first version number in the text: "0.63.0" of "codex-cli 0.63.0". At most 40 characters.
 [[nodiscard]] std::optional<std::string> versionIn(std::string_view text);

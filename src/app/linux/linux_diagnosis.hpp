@@ -16,6 +16,7 @@ struct DiagnoseOptions {
 /// Collects and prints a diagnosis; the status to exit with. Takes a few tenths of a second, and
 /// some seconds where an agent, an assistant or a driver does not answer. Starts no agent and
 /// queries no quota. Main thread; runs the application's loop.
-[[nodiscard]] int diagnose(LinuxApplication& application, const DiagnoseOptions& options);
+[[nodiscard, gnu::cold]] int diagnose(LinuxApplication& application,
+                                      const DiagnoseOptions& options);
 
 }  // namespace vantora

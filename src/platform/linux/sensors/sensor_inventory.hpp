@@ -11,6 +11,7 @@ namespace vantora {
 /// Every temperature and every fan that the machine's chips and batteries show, with what becomes
 /// of it. What is chosen is asked of the code that chooses for a reading, so that the two cannot
 /// differ. Asks the drivers, as a reading does.
-[[nodiscard]] std::vector<DeviceReport> sensorInventory(const LinuxSensorSource::Roots& roots);
+[[nodiscard, gnu::cold]] std::vector<DeviceReport> sensorInventory(
+    const LinuxSensorSource::Roots& roots);
 
 }  // namespace vantora
