@@ -15,12 +15,12 @@ const char* whyNotRead(const NetworkInterface& link, const InterfaceNames& addre
     return link.isUp ? "os seus contadores não podem ser lidos" : "está desligada";
   }
   if (!link.isPhysical) {
-    return "não é de hardware";
+    return "sem hardware próprio";
   }
   if (!link.isUp) {
     return "está desligada";
   }
-  return mayCarryTraffic(link, addressed) ? "outra leva ao mundo" : "não tem endereço";
+  return mayCarryTraffic(link, addressed) ? "a rota principal é por outra" : "sem endereço";
 }
 
 }  // namespace

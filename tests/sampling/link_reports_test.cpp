@@ -30,11 +30,11 @@ TEST(LinkReports, TellWhichLinkIsReadAndWhyTheOthersAreNot) {
   source.setPhysical("lo", false);
   source.setUp("usb0", false);
   source.setAddressed("wwan0", false);
-  EXPECT_EQ(whysOf(source, std::nullopt, "wlan0"), (Whys{{"lo", "não é de hardware"},
-                                                         {"eth0", "outra leva ao mundo"},
+  EXPECT_EQ(whysOf(source, std::nullopt, "wlan0"), (Whys{{"lo", "sem hardware próprio"},
+                                                         {"eth0", "a rota principal é por outra"},
                                                          {"wlan0", ""},
                                                          {"usb0", "está desligada"},
-                                                         {"wwan0", "não tem endereço"}}));
+                                                         {"wwan0", "sem endereço"}}));
 }
 
 TEST(LinkReports, FollowTheUsersChoice) {
