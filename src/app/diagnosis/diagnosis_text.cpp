@@ -178,7 +178,7 @@ void addDevices(const char* group, const DeviceList& list, DiagnosisRows& rows) 
     }
   }
   for (const auto& [why, what] : unused) {
-    rows.add("sem uso", what + ": " + why);
+    rows.add("sem uso", joined(what, ": ", why));
   }
 }
 
@@ -356,12 +356,14 @@ std::string diagnosisText(const Diagnosis& diagnosis, const Concealer& conceal) 
   addFiles(diagnosis, rows);
   std::string libraries;
   for (const auto& [name, version] : diagnosis.libraries) {
-    libraries = joined(libraries, ", ", name + ' ' + version);
+    libraries = joined(libraries, ", ", joined(name, " ", version));
   }
   rows.begin("Bibliotecas");
   rows.add("", libraries);
-  return "Vantora " + diagnosis.version + " · diagnóstico de " + date(diagnosis.at) + " (" +
-         diagnosis.program + ")\n\n" + rows.text();
+  std::string text = "Vantora " + diagnosis.version;
+  text.append(" · diagnóstico de ").append(date(diagnosis.at));
+  text.append(" (").append(diagnosis.program).append(")\n\n");
+  return text.append(rows.text());
 }
 
 }  // namespace vantora
