@@ -121,6 +121,49 @@ void SettingsModel::setLinks(std::vector<NetworkLink> links) {
   }
 }
 
+void SettingsModel::setKeepsSquare(bool keepsSquare) {
+  if (keepsSquare == keepsSquare_) {
+    return;
+  }
+  keepsSquare_ = keepsSquare;
+  changed(Field::square);
+  if (keepsSquare && !isSquareModuleKnown_) {
+    runInBackground([&defaults = defaults_] { return defaults.text(squareModuleKey); },
+                    [this](const std::optional<std::string>& stored) {
+                      if (!std::exchange(isSquareModuleKnown_, true) && stored) {
+                        takeSquareModule(UUID::parse(*stored));
+                      }
+                    });
+  }
+}
+
+void SettingsModel::setSquareModule(std::optional<UUID> module) {
+  isSquareModuleKnown_ = true;
+  if (module == squareModule_) {
+    return;
+  }
+  takeSquareModule(module);
+  runInBackground(
+      [&defaults = defaults_, text = module ? module->text() : std::string()] {
+        return defaults.setText(squareModuleKey, text);
+      },
+      [this](const std::optional<Fault>& fault) {
+        if (fault) {
+          setNotice("Falha ao guardar o módulo do quadrado: " + fault->detail);
+        }
+      });
+}
+
+void SettingsModel::takeSquareModule(const std::optional<UUID>& module) {
+  if (module != squareModule_) {
+    squareModule_ = module;
+    if (onSquareModuleChange) {
+      onSquareModuleChange(squareModule_);
+    }
+    changed(Field::square);
+  }
+}
+
 void SettingsModel::refreshLoginStatus() {
   runInBackground([&item = loginItem_] { return item.status(); },
                   [this](LoginItemStatus status) { setLoginItemStatus(status); });

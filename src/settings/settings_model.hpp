@@ -44,6 +44,7 @@ class SettingsModel {
     codexExecutable,  ///< The user's choice, which the user defaults hold.
     undoable,
     links,
+    square,
   };
 
   /// Loads the configuration, here and now. Everything that is referred to must outlive the
@@ -83,6 +84,15 @@ class SettingsModel {
   [[nodiscard]] const std::vector<NetworkLink>& links() const { return links_; }
   void setLinks(std::vector<NetworkLink> links);
 
+  /// Whether the panel in use keeps one square of the picture.
+  [[nodiscard]] bool keepsSquare() const { return keepsSquare_; }
+  void setKeepsSquare(bool keepsSquare);
+  /// The module that the user chose for the square. Read from the user defaults once there is
+  /// such a panel; nothing before, and when the choice is left to the program.
+  [[nodiscard]] const std::optional<UUID>& squareModule() const { return squareModule_; }
+  /// Takes effect at once and is stored in the background; a failure is in the notice.
+  void setSquareModule(std::optional<UUID> module);
+
   /// The last message for the user.
   [[nodiscard]] const std::optional<std::string>& notice() const { return notice_; }
   /// Puts a message of the window's own host in the notice's place.
@@ -110,6 +120,7 @@ class SettingsModel {
   std::function<void()> onClaudeRefresh;
   /// The user is about to choose a network interface: setLinks() is to be called.
   std::function<void()> onLinksWanted;
+  std::function<void(const std::optional<UUID>& module)> onSquareModuleChange;
   /// A save failed: what the user is to read, once until one succeeds. The notice says it too.
   std::function<void(const std::string& message)> onSaveFailure;
   /// After any of the fields took another value: for the model's view.
@@ -122,6 +133,7 @@ class SettingsModel {
   template <typename Work, typename Done>
   void runInBackground(Work work, Done done);
   void setNotice(std::optional<std::string> notice);
+  void takeSquareModule(const std::optional<UUID>& module);
   void setLoginItemStatus(LoginItemStatus status);
   void changed(Field field) const;
 
@@ -136,6 +148,9 @@ class SettingsModel {
   std::optional<std::filesystem::path> keepAs_;
   MetricSnapshot snapshot_;
   std::vector<NetworkLink> links_;
+  bool keepsSquare_ = false;
+  bool isSquareModuleKnown_ = false;  // read, or chosen since
+  std::optional<UUID> squareModule_;
   std::optional<std::string> notice_;
   LoginItemStatus loginItemStatus_ = LoginItemStatus::notRegistered;
   std::optional<UUID> pendingScrollID_;

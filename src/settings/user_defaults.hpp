@@ -13,6 +13,10 @@ namespace vantora {
 /// the configuration, so that exported layouts do not carry it.
 inline constexpr std::string_view codexExecutablePathKey = "Vantora.CodexExecutablePath";
 
+/// The module that a square shows in a panel that keeps only one: its identity, or empty. Panels
+/// are this machine's.
+inline constexpr std::string_view squareModuleKey = "Vantora.SquareModule";
+
 /// Small preferences of this user on this machine. text() may be called on any thread, also
 /// while another stores.
 class UserDefaults {

@@ -440,6 +440,53 @@ TEST_F(SettingsModelTest, WaitsForNoDiskThatHoldsTheLoginItemOrTheUserDefaults) 
   EXPECT_EQ(model_->notice(), Words::codexExecutableSelected);
 }
 
+TEST_F(SettingsModelTest, ReadsTheModuleOfTheSquareOnceAPanelKeepsOne) {
+  const UUID module = UUID::random();
+  defaults_.texts.insert_or_assign(std::string(squareModuleKey), module.text());
+  std::vector<std::optional<UUID>> told;
+  model_->onSquareModuleChange = [&](const std::optional<UUID>& chosen) { told.push_back(chosen); };
+  time_.runPosted();
+  EXPECT_EQ(model_->squareModule(), std::nullopt);
+  model_->setKeepsSquare(true);
+  time_.runPosted();
+  EXPECT_EQ(told, std::vector{std::optional(module)});
+  model_->setKeepsSquare(false);
+  model_->setKeepsSquare(true);
+  time_.runPosted();
+  EXPECT_EQ(told.size(), 1U);
+  EXPECT_EQ(model_->squareModule(), module);
+}
+
+TEST_F(SettingsModelTest, StoresTheModuleOfTheSquareAndNoneForTheAutomaticChoice) {
+  const UUID module = UUID::random();
+  model_->setSquareModule(module);
+  EXPECT_EQ(model_->squareModule(), module);
+  time_.runPosted();
+  EXPECT_EQ(defaults_.text(squareModuleKey), module.text());
+  model_->setSquareModule(std::nullopt);
+  time_.runPosted();
+  EXPECT_EQ(defaults_.text(squareModuleKey), "");
+  EXPECT_EQ(model_->notice(), std::nullopt);
+}
+
+TEST_F(SettingsModelTest, KeepsTheUsersModuleWhenTheStoredOneComesLate) {
+  const UUID module = UUID::random();
+  defaults_.texts.insert_or_assign(std::string(squareModuleKey), UUID::random().text());
+  worker_.hang();
+  model_->setKeepsSquare(true);
+  model_->setSquareModule(module);
+  worker_.resume();
+  time_.runPosted();
+  EXPECT_EQ(model_->squareModule(), module);
+}
+
+TEST_F(SettingsModelTest, SaysThatTheModuleOfTheSquareCouldNotBeStored) {
+  defaults_.fault = Fault::failed("Disco cheio.");
+  model_->setSquareModule(UUID::random());
+  time_.runPosted();
+  EXPECT_EQ(model_->notice(), "Falha ao guardar o módulo do quadrado: Disco cheio.");
+}
+
 class CodexSelectionTest : public SettingsModelTest {
  protected:
   CodexSelectionTest() {

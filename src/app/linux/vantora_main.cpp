@@ -214,6 +214,15 @@ int runAgent(LinuxApplication& application, LaunchTokens tokens) {
   parts.urlOpener = &urlOpener;
   parts.log = log;
   const auto coordinator = AppCoordinator::create(std::move(parts));
+  SettingsModel& model = coordinator->model();
+  model.onSquareModuleChange = [&statusItem](const std::optional<UUID>& module) {
+    statusItem.setSquareModule(module);
+  };
+  statusItem.setSquareListener([weak = std::weak_ptr(coordinator)](bool keepsSquare) {
+    if (const auto target = weak.lock()) {
+      target->model().setKeepsSquare(keepsSquare);
+    }
+  });
   service.onActivate = [weak = std::weak_ptr(coordinator)](const std::string& token) {
     const auto target = weak.lock();
     return target != nullptr && target->reopen(token);

@@ -166,6 +166,13 @@ void SettingsProcess::handle(const StartAtLogin& request) {
   parts_.model.setStartAtLogin(request.enabled);
 }
 
+void SettingsProcess::handle(const SquareModule& choice) {
+  if (shown_.square) {
+    shown_.square->module = choice.module;
+  }
+  parts_.model.setSquareModule(choice.module);
+}
+
 void SettingsProcess::handle(Intent intent) {
   switch (intent) {
     case Intent::refreshCodex:
@@ -294,6 +301,9 @@ WindowState SettingsProcess::currentState() {
   state.links = model.links();
   state.backupPath = model.backupFile().string();
   state.readings = metricReadings(model.configuration(), model.snapshot(), parts_.clock.now());
+  if (model.keepsSquare()) {
+    state.square = SquareChoice{model.squareModule()};
+  }
   if (isPictureOld_ && parts_.rasterise) {
     state.picture = pictureOf(presentation_, *scale_);
     isPictureOld_ = false;

@@ -73,6 +73,7 @@ class SettingsProcess final : public SettingsWindow {
   void handle(const SettingsProtocol::Seen& seen);
   void handle(SettingsProtocol::NewConfiguration change);
   void handle(const SettingsProtocol::StartAtLogin& request);
+  void handle(const SettingsProtocol::SquareModule& choice);
   void handle(SettingsProtocol::Intent intent);
   void handle(const SettingsProtocol::PathRequest& request);
   [[nodiscard]] bool isFlood();

@@ -85,6 +85,10 @@ Json pictureJson(const StatusPicture& picture) {
   return written;
 }
 
+Json squareJson(const SquareChoice& square) {
+  return Json::object({{"module", square.module ? Json(square.module->text()) : Json(nullptr)}});
+}
+
 // The text up to the limit, without the rest of a character that was cut.
 std::string cut(const std::string& text) {
   if (text.size() <= maxReadingTextBytes) {
@@ -188,6 +192,13 @@ std::optional<QuotaSummary> toSummary(const Json& value) {
 std::optional<UUID> toUUID(const Json& value) {
   const auto text = asText(value);
   return text ? UUID::parse(*text) : std::nullopt;
+}
+
+std::optional<SquareChoice> toSquare(const Json& value) {
+  SquareChoice square;
+  ObjectReader reader(value);
+  reader.nullable("module", square.module, toUUID);
+  return reader.isGood() ? std::optional(square) : std::nullopt;
 }
 
 std::optional<PictureBlock> toBlock(const Json& value) {
@@ -370,6 +381,9 @@ std::optional<AgentMessage> readState(const Json& message, WindowState& state) {
   if (brings("readings", WindowField::readings)) {
     reader.required("readings", next.readings, toReadings);
   }
+  if (brings("square", WindowField::square)) {
+    reader.nullable("square", next.square, toSquare);
+  }
   if (!reader.isGood()) {
     return std::nullopt;
   }
@@ -425,6 +439,9 @@ std::string stateLine(const WindowState& state, const StateChange& change) {
         break;
       case WindowField::readings:
         message["readings"] = readingsJson(state.readings);
+        break;
+      case WindowField::square:
+        message["square"] = state.square ? squareJson(*state.square) : Json(nullptr);
         break;
     }
   }

@@ -73,6 +73,10 @@ struct NewConfiguration {
 struct StartAtLogin {
   bool enabled = false;
 };
+/// The module for the square of a panel that keeps only one.
+struct SquareModule {
+  std::optional<UUID> module;  ///< Nothing leaves it to the agent.
+};
 enum class Intent : std::uint8_t {
   refreshCodex,
   connectCodex,
@@ -88,7 +92,7 @@ struct PathRequest {
   std::string path;  ///< Absolute.
 };
 using WindowMessage =
-    std::variant<Ready, Seen, NewConfiguration, StartAtLogin, Intent, PathRequest>;
+    std::variant<Ready, Seen, NewConfiguration, StartAtLogin, SquareModule, Intent, PathRequest>;
 
 /// The line, with its line feed. Nothing for a configuration that JSON cannot hold.
 [[nodiscard]] std::optional<std::string> windowLine(const WindowMessage& message);

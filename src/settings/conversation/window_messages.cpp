@@ -57,6 +57,10 @@ struct Writer {
   std::optional<Json> operator()(const StartAtLogin& request) const {
     return Json{{"type", "startAtLogin"}, {"enabled", request.enabled}};
   }
+  std::optional<Json> operator()(const SquareModule& choice) const {
+    return Json{{"type", "squareModule"},
+                {"module", choice.module ? Json(choice.module->text()) : Json(nullptr)}};
+  }
   std::optional<Json> operator()(Intent intent) const {
     return Json{{"type", std::string(intentTypes[static_cast<std::size_t>(intent)])}};
   }
@@ -109,6 +113,16 @@ std::optional<WindowMessage> readConfiguration(const Json& message) {
   return change;
 }
 
+std::optional<WindowMessage> readSquareModule(const Json& message) {
+  const Json* id = member(message, "module");
+  if (id == nullptr || id->isNull()) {
+    return id != nullptr ? std::optional<WindowMessage>(SquareModule{}) : std::nullopt;
+  }
+  const auto text = asText(*id);
+  const auto module = text ? UUID::parse(*text) : std::nullopt;
+  return module ? std::optional<WindowMessage>(SquareModule{module}) : std::nullopt;
+}
+
 }  // namespace
 
 std::optional<std::string> windowLine(const WindowMessage& message) {
@@ -140,6 +154,9 @@ std::optional<WindowMessage> readWindowLine(std::string_view line) {
     const Json* enabled = member(*message, "enabled");
     const auto value = enabled != nullptr ? asBool(*enabled) : std::nullopt;
     return value ? std::optional<WindowMessage>(StartAtLogin{*value}) : std::nullopt;
+  }
+  if (*type == "squareModule") {
+    return readSquareModule(*message);
   }
   if (const auto index = indexIn(intentTypes, *type)) {
     return static_cast<Intent>(*index);

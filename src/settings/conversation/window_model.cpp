@@ -151,6 +151,14 @@ void WindowModel::moveModule(const UUID& id, std::size_t index) {
   edit(std::move(next), std::nullopt);
 }
 
+void WindowModel::setSquareModule(const std::optional<UUID>& module) {
+  if (state_.square && state_.square->module != module) {
+    state_.square->module = module;
+    ask(SettingsProtocol::SquareModule{module});
+    changed({WindowField::square});
+  }
+}
+
 void WindowModel::undo() {
   if (state_.undoable) {
     ask(Intent::undo);

@@ -92,6 +92,8 @@ class WindowModel {
   /// Takes back the edit that the state names as undoable; nothing without one.
   void undo();
   void setStartAtLogin(bool enabled) { ask(SettingsProtocol::StartAtLogin{enabled}); }
+  /// Nothing leaves the module of the square to the agent.
+  void setSquareModule(const std::optional<UUID>& module);
   /// Has the state's `links` brought up to date.
   void listLinks() { send(SettingsProtocol::Intent::listLinks); }
   void selectCodexExecutable();

@@ -37,6 +37,7 @@ WindowFields differences(const WindowState& one, const WindowState& other) {
   note(WindowField::readings,
        !std::equal(one.readings.begin(), one.readings.end(), other.readings.begin(),
                    other.readings.end(), saysTheSame));
+  note(WindowField::square, one.square != other.square);
   return fields;
 }
 

@@ -77,6 +77,12 @@ struct MetricReading {
 /// The longest text of a reading that is sent, in bytes.
 inline constexpr std::size_t maxReadingTextBytes = 512;
 
+/// Of a panel that keeps one square of the picture.
+struct SquareChoice {
+  std::optional<UUID> module;  ///< The user's, or nothing where it is left to the agent.
+  bool operator==(const SquareChoice&) const = default;
+};
+
 struct WindowState {
   AppConfiguration configuration;
   std::optional<std::string> networkName;
@@ -90,6 +96,7 @@ struct WindowState {
   std::vector<NetworkLink> links;       ///< Empty until the window has asked for them.
   std::string backupPath;               ///< Of the backup of the configuration document.
   std::vector<MetricReading> readings;  ///< Of the metrics that active modules show.
+  std::optional<SquareChoice> square;   ///< Nothing where the panel shows more than a square.
 };
 
 /// The parts of a WindowState that change by themselves.
@@ -106,6 +113,7 @@ enum class WindowField : std::uint8_t {
   links,
   backupPath,
   readings,
+  square,
 };
 using WindowFields = EnumSet<WindowField>;
 
@@ -113,7 +121,8 @@ inline constexpr WindowFields allWindowFields{
     WindowField::configuration,   WindowField::networkName, WindowField::codex,
     WindowField::claude,          WindowField::notice,      WindowField::loginItemStatus,
     WindowField::pendingScrollID, WindowField::picture,     WindowField::undoable,
-    WindowField::links,           WindowField::backupPath,  WindowField::readings};
+    WindowField::links,           WindowField::backupPath,  WindowField::readings,
+    WindowField::square};
 
 /// The fields in which the two differ. Fresh readings that differ only in their time count as
 /// equal: a value that stays the same is read again every second.

@@ -3,10 +3,12 @@
 
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QSignalBlocker>
 #include <array>
 #include <cmath>
 
 #include "model/decimal.hpp"
+#include "settings/window/reading_text.hpp"
 
 namespace vantora {
 namespace {
@@ -25,6 +27,8 @@ constexpr std::array fields = {
     points<&C::lineGap>("Espaço entre l&inhas: ", ConfigurationLimits::lineGap),
 };
 
+constexpr std::string_view squareLabel = "Módulo do &quadrado: ";
+
 // Whole points where the width is whole.
 std::string pointsText(double width) {
   return fixedDecimal(width, std::abs(width - std::round(width)) < 0.05 ? 0 : 1, ',') + " pt";
@@ -35,6 +39,8 @@ std::string pointsText(double width) {
 AppearanceTab::AppearanceTab(WindowModel& model)
     : SettingsTab(model),
       form_(configurationEdit()),
+      squareRow_(new QWidget),
+      square_(Controls::makePicker(spokenName(squareLabel))),
       width_(Controls::makeText()),
       warning_(Controls::makeText()),
       preview_(new StatusPreview),
@@ -46,6 +52,16 @@ AppearanceTab::AppearanceTab(WindowModel& model)
     Controls::addRow(rows, field.label, form_.add(field));
   }
   column->addLayout(rows);
+  auto* squareColumn = new QVBoxLayout(squareRow_);
+  squareColumn->setContentsMargins(0, 0, 0, 0);
+  Controls::addGroupGap(squareColumn);
+  QFormLayout* squareForm = Controls::makeForm();
+  Controls::addRow(squareForm, squareLabel, square_);
+  squareColumn->addLayout(squareForm);
+  squareColumn->addWidget(Controls::makeNote(
+      "O painel em uso reserva um quadrado para o Vantora e mostra nele um só módulo."));
+  column->addWidget(squareRow_);
+  squareRow_->hide();
   Controls::addGroupGap(column);
   column->addWidget(Controls::makeNote(
       "A largura fixa reserva espaço para o maior texto previsto da métrica; se necessário, a "
@@ -58,12 +74,19 @@ AppearanceTab::AppearanceTab(WindowModel& model)
   caption_->setText(previewCaption(false));
   column->addWidget(caption_);
   column->addStretch();
+
+  QObject::connect(square_, &QComboBox::currentIndexChanged, square_, [this](int index) {
+    this->model().setSquareModule(UUID::parse(square_->itemData(index).toString().toStdString()));
+  });
 }
 
 void AppearanceTab::refresh(WindowFields fieldsThatChanged) {
   if (fieldsThatChanged.contains(WindowField::configuration)) {
     form_.load(state().configuration);
     caption_->setText(previewCaption(state().configuration.paused));
+  }
+  if (fieldsThatChanged.intersects({WindowField::configuration, WindowField::square})) {
+    showSquare();
   }
   if (fieldsThatChanged.contains(WindowField::picture)) {
     const StatusPicture& picture = state().picture;
@@ -73,6 +96,35 @@ void AppearanceTab::refresh(WindowFields fieldsThatChanged) {
     warning_->setVisible(picture.warning.has_value());
     preview_->show(picture);
   }
+}
+
+// The choice that is left to the agent, then the active modules.
+void AppearanceTab::showSquare() {
+  squareRow_->setVisible(state().square.has_value());
+  if (!state().square) {
+    return;
+  }
+  const QSignalBlocker quiet(square_);
+  QList<std::pair<QString, QString>> wanted = {{qtText("Automático: o primeiro com leitura"), {}}};
+  int current = 0;
+  for (const ModuleConfiguration& module : state().configuration.modules) {
+    if (module.enabled) {
+      current = module.id == state().square->module ? static_cast<int>(wanted.size()) : current;
+      wanted.append({ReadingText::moduleName(module), qtText(module.id.text())});
+    }
+  }
+  bool isSame = square_->count() == wanted.size();
+  for (int index = 0; isSame && index < wanted.size(); ++index) {
+    isSame = square_->itemText(index) == wanted[index].first &&
+             square_->itemData(index).toString() == wanted[index].second;
+  }
+  if (!isSame) {  // An open list is not disturbed by what says the same.
+    square_->clear();
+    for (const auto& [name, id] : wanted) {
+      square_->addItem(name, id);
+    }
+  }
+  square_->setCurrentIndex(current);
 }
 
 }  // namespace vantora

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QComboBox>
 #include <QLabel>
 
 #include "settings/window/settings_tab.hpp"
@@ -8,14 +9,19 @@
 
 namespace vantora {
 
-/// "Aparência": spacing of the picture, its width and the picture itself.
+/// "Aparência": spacing of the picture, the module of a panel's square, the width and the picture
+/// itself.
 class AppearanceTab final : public SettingsTab {
  public:
   explicit AppearanceTab(WindowModel& model);
   void refresh(WindowFields fields) override;
 
  private:
+  void showSquare();
+
   Form<AppConfiguration> form_;
+  QWidget* squareRow_;  // seen only where the panel keeps one square
+  QComboBox* square_;
   QLabel* width_;
   QLabel* warning_;
   StatusPreview* preview_;

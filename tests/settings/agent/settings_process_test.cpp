@@ -328,6 +328,25 @@ TEST_F(SettingsProcessTest, PassesTheIntentsOn) {
   EXPECT_EQ(model_.loginItemStatus(), LoginItemStatus::enabled);
 }
 
+TEST_F(SettingsProcessTest, OffersTheModuleOfASquareWhereThePanelKeepsOne) {
+  open();
+  EXPECT_EQ(told_.square, std::nullopt);
+  model_.setKeepsSquare(true);
+  time_.runPosted();
+  EXPECT_EQ(heardFields(), WindowFields{WindowField::square});
+  EXPECT_EQ(told_.square, SquareChoice{});
+  answer();
+  const UUID module = model_.configuration().modules[1].id;
+  say(SquareModule{module});
+  time_.runPosted();
+  EXPECT_EQ(model_.squareModule(), module);
+  EXPECT_THAT(heard(), IsEmpty()) << "the window knows its own choice";
+  model_.setKeepsSquare(false);
+  time_.runPosted();
+  EXPECT_EQ(heardFields(), WindowFields{WindowField::square});
+  EXPECT_EQ(told_.square, std::nullopt);
+}
+
 TEST_F(SettingsProcessTest, RestoresTheDefaultConfiguration) {
   AppConfiguration edited = model_.configuration();
   edited.modules.clear();

@@ -35,6 +35,7 @@ WindowState richState() {
                      "Sem bateria", std::nullopt},
                     {MetricID::cpuUsage, "12%", Quality::valid, "Linux /proc/stat", "",
                      WallTime(std::chrono::milliseconds(1'790'000'000'250))}};
+  state.square = SquareChoice{state.configuration.modules[1].id};
   return state;
 }
 
@@ -250,6 +251,9 @@ TEST(SettingsProtocol, CarriesEveryMessageOfTheWindow) {
   EXPECT_EQ(roundTrip<Ready>(Ready{1.5}).scale, 1.5);
   EXPECT_EQ(roundTrip<Seen>(Seen{9}).sequence, 9U);
   EXPECT_TRUE(roundTrip<StartAtLogin>(StartAtLogin{true}).enabled);
+  const UUID module = UUID::random();
+  EXPECT_EQ(roundTrip<SquareModule>(SquareModule{module}).module, module);
+  EXPECT_EQ(roundTrip<SquareModule>(SquareModule{}).module, std::nullopt);
   for (const Intent intent :
        {Intent::refreshCodex, Intent::connectCodex, Intent::refreshClaude, Intent::restoreDefaults,
         Intent::undo, Intent::listLinks, Intent::scrolled}) {
@@ -276,7 +280,8 @@ TEST(SettingsProtocol, RefusesLinesThatAreNoMessageOfTheWindow) {
         R"({"type":"ready","protocol":2,"scale":1})", R"({"type":"ready","protocol":1})",
         R"({"type":"ready","protocol":1,"scale":1000})", R"({"type":"seen","sequence":1.5})",
         R"({"type":"startAtLogin","enabled":1})", R"({"type":"exportJSON"})",
-        R"({"type":"importJSON","path":"relative.json"})",
+        R"({"type":"squareModule"})", R"({"type":"squareModule","module":"x"})",
+        R"({"type":"squareModule","module":1})", R"({"type":"importJSON","path":"relative.json"})",
         R"({"type":"importJSON","path":"/a\u0000b"})",
         R"({"type":"configuration","revision":1,"configuration":{}})",
         R"({"type":"state","sequence":1,"revision":0})"}) {

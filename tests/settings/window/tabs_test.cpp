@@ -182,6 +182,28 @@ TEST_F(TabsTest, SendAndShowEveryChoice) {
   EXPECT_TRUE(sent().empty());
 }
 
+TEST_F(TabsTest, OfferTheModuleOfASquareOnlyWhereThePanelKeepsOne) {
+  EXPECT_FALSE(texts(appearanceTab).contains(QString::fromUtf8("Módulo do quadrado")));
+  agent_.square = SquareChoice{};
+  tell({WindowField::square});
+  auto* picker = control<QComboBox>(appearanceTab, QString::fromUtf8("Módulo do quadrado"));
+  ASSERT_NE(picker, nullptr);
+  ASSERT_EQ(picker->count(), static_cast<int>(agent_.configuration.modules.size()) + 1);
+  EXPECT_EQ(picker->itemText(0), QString::fromUtf8("Automático: o primeiro com leitura"));
+  EXPECT_EQ(picker->currentIndex(), 0);
+  picker->setCurrentIndex(2);
+  EXPECT_EQ(sentOne<SquareModule>()->module, agent_.configuration.modules[1].id);
+  picker->setCurrentIndex(0);
+  EXPECT_EQ(sentOne<SquareModule>()->module, std::nullopt);
+  agent_.square->module = agent_.configuration.modules[0].id;
+  tell({WindowField::square});
+  EXPECT_EQ(picker->currentIndex(), 1);
+  EXPECT_TRUE(sent().empty());
+  agent_.square.reset();
+  tell({WindowField::square});
+  EXPECT_FALSE(texts(appearanceTab).contains(QString::fromUtf8("Módulo do quadrado")));
+}
+
 TEST_F(TabsTest, NameTheInterfaceWhoseRatesAreShown) {
   agent_.networkName = "enp2s0";
   tellAll();

@@ -183,13 +183,18 @@ std::string labelText(const StatusPresentation& presentation) {
   return label;
 }
 
-SquareContent squareContent(const StatusPresentation& presentation) {
+SquareContent squareContent(const StatusPresentation& presentation,
+                            const std::optional<UUID>& chosen) {
   const std::vector<StatusModule>& modules = presentation.modules;
   if (modules.empty()) {
     return {{{StatusPresentation::emptyMark, {Typeface::system, 9}}}, {}};
   }
-  const auto reading = std::find_if(modules.begin(), modules.end(),
-                                    [](const StatusModule& module) { return module.hasReading(); });
+  auto reading = std::find_if(modules.begin(), modules.end(),
+                              [&](const StatusModule& module) { return module.id == chosen; });
+  if (reading == modules.end()) {
+    reading = std::find_if(modules.begin(), modules.end(),
+                           [](const StatusModule& module) { return module.hasReading(); });
+  }
   const StatusModule& shown = reading != modules.end() ? *reading : modules.front();
   return {styled(shown.top), styled(shown.bottom)};
 }

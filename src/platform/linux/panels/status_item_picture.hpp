@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -26,9 +27,11 @@ struct SquareContent {
   bool operator==(const SquareContent&) const = default;
 };
 
-/// The first module with a reading: on a machine without a battery the first of all may
-/// never have one. Without any reading the first module, and without modules the mark.
-[[nodiscard]] SquareContent squareContent(const StatusPresentation& presentation);
+/// The user's module while it is visible. Else the first module with a reading: on a machine
+/// without a battery the first of all may never have one. Without any reading the first module,
+/// and without modules the mark.
+[[nodiscard]] SquareContent squareContent(const StatusPresentation& presentation,
+                                          const std::optional<UUID>& chosen = std::nullopt);
 
 /// A module as an item of its own.
 struct ModuleSquare {

@@ -148,7 +148,8 @@ void LinuxStatusItem::colorSchemeChanged(ColorScheme scheme) {
 // Makes what the form needs, so that the next presentation can be compared with it.
 void LinuxStatusItem::takeContent() {
   const PictureForm shownForm = form();
-  square_ = shownForm == PictureForm::square ? squareContent(presentation_) : SquareContent{};
+  square_ = shownForm == PictureForm::square ? squareContent(presentation_, squareModule_)
+                                             : SquareContent{};
   label_ = shownForm == PictureForm::label ? labelText(presentation_) : std::string();
 }
 
@@ -363,7 +364,7 @@ AlphaBitmap LinuxStatusItem::trayPicture(int width, int height, int scale) {
     return drawn(presentation_.image);
   }
   const double side = std::min(pointsWide, pointsHigh);
-  return drawn(squareImage(squareContent(presentation_), side, engine_));
+  return drawn(squareImage(squareContent(presentation_, squareModule_), side, engine_));
 }
 
 // Tool tips wait until the pointer rests, as the toolkits' do.
@@ -413,7 +414,34 @@ void LinuxStatusItem::openTrayMenu(const XEmbedWindow::Click& click) {
   });
 }
 
+void LinuxStatusItem::setSquareModule(const std::optional<UUID>& module) {
+  squareModule_ = module;
+  const SquareContent before = square_;
+  takeContent();
+  if (square_ != before && isRegistered()) {
+    item_.announceIcon();
+  }
+  if (isInTray()) {
+    tray_->update(presentation_.image.width + 2 * sideMargin);
+  }
+}
+
+void LinuxStatusItem::setSquareListener(std::function<void(bool)> onSquare) {
+  onSquare_ = std::move(onSquare);
+  onSquare_(keepsSquare_);
+}
+
+void LinuxStatusItem::reportSquare() {
+  const bool keepsSquare =
+      isInTray() ? tray_->state() == XEmbedWindow::State::squeezed
+                 : isRegistered() && watcherState_.hasHost && form() == PictureForm::square;
+  if (std::exchange(keepsSquare_, keepsSquare) != keepsSquare && onSquare_ != nullptr) {
+    onSquare_(keepsSquare);
+  }
+}
+
 void LinuxStatusItem::explain() {
+  reportSquare();
   std::string where = whereShown();
   if (options_.onDecision != nullptr && where != explained_) {
     options_.onDecision(where);

@@ -63,6 +63,13 @@ class LinuxStatusItem final : public StatusItem,
   /// the item. Once, before the loop runs.
   void useTray(DisplayThread& thread, std::string display, TrayPopups popups);
 
+  /// Which module a square shows where the panel keeps only one; nothing leaves it to the item.
+  void setSquareModule(const std::optional<UUID>& module);
+
+  /// `onSquare` gets whether the panel keeps one square of the picture: now, and whenever that
+  /// has changed.
+  void setSquareListener(std::function<void(bool keepsSquare)> onSquare);
+
   [[nodiscard]] double thickness() const override;
   void show(const StatusPresentation& presentation) override;
   [[nodiscard]] StatusItemReport report() const override;
@@ -99,6 +106,7 @@ class LinuxStatusItem final : public StatusItem,
   [[nodiscard]] bool isRegistered() const;
   void reportStatus(StatusItemSituation situation);
   void explain();
+  void reportSquare();
   [[nodiscard]] std::string whereShown() const;
   [[nodiscard]] const Panel& panel() const { return *watcherState_.panel; }
   [[nodiscard]] PictureForm form() const;
@@ -116,6 +124,7 @@ class LinuxStatusItem final : public StatusItem,
   std::shared_ptr<const StatusItemActions> actions_;
 
   StatusPresentation presentation_;
+  std::optional<UUID> squareModule_;
   SquareContent square_;  // of the square form; empty otherwise
   std::string label_;     // of the label form; empty otherwise
 
@@ -132,6 +141,8 @@ class LinuxStatusItem final : public StatusItem,
   ColorScheme colorScheme_ = ColorScheme::noPreference;
   std::optional<StatusItemSituation> reported_;
   std::string explained_;
+  std::function<void(bool)> onSquare_;
+  bool keepsSquare_ = false;  // as last reported
   TimerHandle hostTimeout_;
   bool hasHostTimedOut_ = false;  // since the last host or tray, or since the bus came
 

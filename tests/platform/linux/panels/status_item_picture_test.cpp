@@ -79,6 +79,16 @@ TEST(StatusItemPicture, ShowsTheFirstModuleWithAReadingInASquare) {
       << "nothing has a reading";
 }
 
+TEST(StatusItemPicture, ShowsTheUsersModuleInASquareWhileItIsVisible) {
+  StatusModule time = module("83%", "—");
+  StatusModule word = module("", "LOGIN");
+  time.id = *UUID::parse("AAAAAAAA-0000-4000-8000-000000000001");
+  word.id = *UUID::parse("AAAAAAAA-0000-4000-8000-000000000002");
+  const SquareContent wordContent{{}, line("LOGIN")};
+  EXPECT_EQ(squareContent(presentation({time, word}), word.id), wordContent);
+  EXPECT_EQ(squareContent(presentation({time}), word.id), (SquareContent{line("83%"), line("—")}));
+}
+
 TEST(StatusItemPicture, SetsTheSquaresTextsAsThePictureDoes) {
   StatusModule rate = module("0,1M", "");
   rate.top.metric = MetricID::upload;

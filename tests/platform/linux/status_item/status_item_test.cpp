@@ -179,6 +179,41 @@ TEST_F(LinuxStatusItemTest, ShowsAnotherModuleInTheSquareWhileTheFirstHasNoReadi
   EXPECT_EQ(panel_->signals(), (Strings{"NewIcon", "NewToolTip"}));
 }
 
+TEST_F(LinuxStatusItemTest, ShowsTheUsersModuleInTheSquare) {
+  startPanel("tint2");
+  startItem();
+  StatusPresentation shown = examplePresentation("12%");
+  shown.modules[0].id = *UUID::parse("AAAAAAAA-0000-4000-8000-000000000001");
+  shown.modules[1].id = *UUID::parse("AAAAAAAA-0000-4000-8000-000000000002");
+  item_->show(shown);
+  ASSERT_TRUE(untilRegistered());
+  ask();
+  panel_->forgetSignals();
+  item_->setSquareModule(shown.modules[1].id);
+  const StatusImage square = squareImage({{}, line("0,1M")}, 22, engine_);
+  const AlphaBitmap expected = rasterise(square, engine_, 1);
+  std::vector<std::uint8_t> bytes(expected.pixels.size() * 4);
+  tint(expected, Ink::lightOnPlate, 22.0 / 5, bytes);
+  EXPECT_EQ(ask().pixmaps[1].bytes, bytes);
+  EXPECT_EQ(panel_->signals(), Strings{"NewIcon"});
+}
+
+TEST_F(LinuxStatusItemTest, SaysWhetherThePanelKeepsOneSquare) {
+  std::vector<bool> said;
+  startPanel("tint2");
+  startItem();
+  item_->show(examplePresentation("12%"));
+  item_->setSquareListener([&](bool keepsSquare) { said.push_back(keepsSquare); });
+  ASSERT_TRUE(untilShown());
+  EXPECT_EQ(said, (std::vector{false, true}));
+  for (const char* panel : {"waybar", "lxqt-panel"}) {
+    panel_.reset();
+    startPanel(panel);
+    ASSERT_TRUE(until([this] { return !panel_->items().empty(); }));
+    EXPECT_FALSE(said.back()) << panel;
+  }
+}
+
 TEST_F(LinuxStatusItemTest, LeavesTheDescriptionOutWhereItWouldRepeatTheToolTip) {
   startPanel("panel-6-systray");
   startItem();
