@@ -11,9 +11,9 @@
 #include <utility>
 
 #include "platform/linux/bus/bus_connection.hpp"
-#include "platform/linux/fonts/fontconfig_lookup.hpp"
-#include "platform/linux/fonts/freetype_text_engine.hpp"
 #include "platform/linux/status_item/linux_status_item.hpp"
+#include "platform/linux/text/glyph_process.hpp"
+#include "platform/linux/text/glyph_text_engine.hpp"
 #include "process/uv_child_process.hpp"
 #include "runtime/system_clock.hpp"
 #include "runtime/uv_loop.hpp"
@@ -45,7 +45,8 @@ int run(double interval, std::string menuProgram) {
   std::setvbuf(stdout, nullptr, _IOLBF, 0);
   const SystemClock clock;
   UvLoop loop;
-  FreetypeTextEngine engine(lookUpFonts());
+  GlyphProcess glyphs(VANTORA_GLYPHS, clock);
+  GlyphTextEngine engine(glyphs);
   const char* busAddress = std::getenv("DBUS_SESSION_BUS_ADDRESS");
   BusConnection connection(loop.raw(), loop.queue(), {});
   UvChildProcessLauncher launcher(loop.raw(), loop.queue());
@@ -61,11 +62,12 @@ int run(double interval, std::string menuProgram) {
   if (const char* display = std::getenv("DISPLAY")) {
     item.useTray(displayThread, display, {menu, toolTip});
   }
+  const AppConfiguration configuration;  // its modules keep their identities
   int round = 0;
   bool isPaused = false;
   const auto show = [&] {
     const WallTime now = clock.now();
-    item.show(StatusRenderer::render(AppConfiguration{}, readings(round, now),
+    item.show(StatusRenderer::render(configuration, readings(round, now),
                                      {item.thickness(), now, engine}));
   };
   item.setActions({.openSettings =

@@ -39,29 +39,25 @@ std::string pointsText(double width) {
 AppearanceTab::AppearanceTab(WindowModel& model)
     : SettingsTab(model),
       form_(configurationEdit()),
-      squareRow_(new QWidget),
+      rows_(Controls::makeForm()),
       square_(Controls::makePicker(spokenName(squareLabel))),
+      squareNote_(Controls::makeNote(
+          "O painel em uso reserva um quadrado para o Vantora e mostra nele um só módulo.")),
       width_(Controls::makeText()),
       warning_(Controls::makeText()),
       preview_(new StatusPreview),
       caption_(Controls::makeNote("")) {
   QVBoxLayout* column = Controls::makeScrollingColumn(this);
-  QFormLayout* rows = Controls::makeForm();
-  rows->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
+  rows_->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
   for (const NumberField<C>& field : fields) {
-    Controls::addRow(rows, field.label, form_.add(field));
+    Controls::addRow(rows_, field.label, form_.add(field));
   }
-  column->addLayout(rows);
-  auto* squareColumn = new QVBoxLayout(squareRow_);
-  squareColumn->setContentsMargins(0, 0, 0, 0);
-  Controls::addGroupGap(squareColumn);
-  QFormLayout* squareForm = Controls::makeForm();
-  Controls::addRow(squareForm, squareLabel, square_);
-  squareColumn->addLayout(squareForm);
-  squareColumn->addWidget(Controls::makeNote(
-      "O painel em uso reserva um quadrado para o Vantora e mostra nele um só módulo."));
-  column->addWidget(squareRow_);
-  squareRow_->hide();
+  Controls::addRow(rows_, squareLabel, square_);
+  column->addLayout(rows_);
+  column->addWidget(squareNote_);
+  square_->setMinimumContentsLength(30);  // The automatic choice in full.
+  rows_->setRowVisible(square_, false);
+  squareNote_->hide();
   Controls::addGroupGap(column);
   column->addWidget(Controls::makeNote(
       "A largura fixa reserva espaço para o maior texto previsto da métrica; se necessário, a "
@@ -100,7 +96,8 @@ void AppearanceTab::refresh(WindowFields fieldsThatChanged) {
 
 // The choice that is left to the agent, then the active modules.
 void AppearanceTab::showSquare() {
-  squareRow_->setVisible(state().square.has_value());
+  rows_->setRowVisible(square_, state().square.has_value());
+  squareNote_->setVisible(state().square.has_value());
   if (!state().square) {
     return;
   }

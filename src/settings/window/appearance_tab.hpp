@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QComboBox>
+#include <QFormLayout>
 #include <QLabel>
 
 #include "settings/window/settings_tab.hpp"
@@ -20,8 +21,9 @@ class AppearanceTab final : public SettingsTab {
   void showSquare();
 
   Form<AppConfiguration> form_;
-  QWidget* squareRow_;  // seen only where the panel keeps one square
-  QComboBox* square_;
+  QFormLayout* rows_;
+  QComboBox* square_;   // seen only where the panel keeps one square
+  QLabel* squareNote_;  // the same
   QLabel* width_;
   QLabel* warning_;
   StatusPreview* preview_;

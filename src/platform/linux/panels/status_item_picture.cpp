@@ -49,7 +49,9 @@ void placeLine(StatusImage& image, const StyledText& text, double bottom, double
   constexpr double rowFill = 0.82;
   const double byHeight = rowHeight * rowFill / digitHeight / present;
   const double byWidth = (image.width - 2 * margin) / width;
-  const double factor = std::min(byHeight, byWidth);
+  // In half points, so that the squares of many texts share a few sizes of the glyphs.
+  const double size = std::max(std::floor(std::min(byHeight, byWidth) * present * 2) / 2, 1.0);
+  const double factor = size / present;
   StyledText fitted = scaled(text, factor);
   const double x = (image.width - engine.width(fitted)) / 2;
   const double y = bottom + (rowHeight - present * factor * digitHeight) / 2;

@@ -183,7 +183,9 @@ GlyphSheet& GlyphTextEngine::sheet(bool isMonospaced, std::int32_t size) {
     return *place;
   }
   // Trying sizes in the settings leaves sheets behind that are of no more use.
-  constexpr std::size_t maxSheets = 16;
+  // More than squares of six sizes need, each with lines of three, four and five signs: with
+  // fewer every change of a text would start the source again.
+  constexpr std::size_t maxSheets = 48;
   if (sheets_.size() >= maxSheets) {
     sheets_.erase(sheets_.begin());
   }

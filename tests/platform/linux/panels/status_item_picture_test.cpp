@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <numeric>
 #include <utility>
 
@@ -138,6 +139,19 @@ TEST(StatusItemPicture, KeepsASquaresTextsAtOneSizeUpToThreeSigns) {
   EXPECT_EQ(size("9%"), size("10%"));
   EXPECT_EQ(size("5"), size("10%"));
   EXPECT_LT(size("100%"), size("10%")) << "the width of the square decides";
+}
+
+TEST(StatusItemPicture, DrawsSquaresInSizesOfHalfAPointThatManyTextsShare) {
+  BlockTextEngine engine;
+  for (const double side : {16.0, 22.0, 24.0, 32.0, 44.0, 48.0}) {
+    for (const char* text : {"9%", "48°C", "2:34", "0,12M", "12:34", "LOGIN"}) {
+      const StatusImage image = squareImage({line(text), line("—")}, side, engine);
+      for (const PlacedText& placed : image.texts) {
+        const double halves = placed.text.front().font.pointSize * 2;
+        EXPECT_NEAR(halves, std::round(halves), 1e-9) << text << " at " << side;
+      }
+    }
+  }
 }
 
 TEST(StatusItemPicture, MakesASquareOfEachModule) {

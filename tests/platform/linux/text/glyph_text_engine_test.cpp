@@ -270,6 +270,36 @@ TEST(GlyphTextEngine, SaysThatADrawingIsNotFinalWhileItHasNoPictureOfACharacter)
   EXPECT_TRUE(engine.draw(boxes, 2, 2, 5, line("17%")).isFinal);
 }
 
+/// Counts how often it was asked.
+class CountedGlyphs final : public GlyphSource {
+ public:
+  [[nodiscard]] std::optional<GlyphAnswer> draw(const GlyphRequest& request) override {
+    ++asked;
+    return glyphs_.draw(request);
+  }
+
+  int asked = 0;
+
+ private:
+  FreetypeGlyphs glyphs_{dejavuFonts()};
+};
+
+// The source is a process that must be started.
+TEST(GlyphTextEngine, KeepsTheSizesOfARowOfSquares) {
+  CountedGlyphs glyphs;
+  GlyphTextEngine engine(glyphs);
+  // Six sizes of squares, each with lines of six sizes.
+  const auto drawAll = [&] {
+    for (int size = 0; size < 36; ++size) {
+      draw(engine, line("17%", Typeface::tabularDigits, 4 + size / 2.0), 1);
+    }
+  };
+  drawAll();
+  const int asked = glyphs.asked;
+  drawAll();
+  EXPECT_EQ(glyphs.asked, asked);
+}
+
 TEST(GlyphTextEngine, AllocatesNothingForCharactersThatItHasDrawn) {
   FreetypeTextEngine engine(dejavuFonts());
   const StyledText first = line("17% —", Typeface::tabularDigits, 9);
