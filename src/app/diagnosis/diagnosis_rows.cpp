@@ -10,8 +10,8 @@ namespace vantora {
 namespace {
 
 constexpr std::size_t groupWidth = 13;
-constexpr std::size_t aboutWidth = 16;
 constexpr std::size_t gap = 2;
+constexpr std::size_t aboutWidth = DiagnosisRows::maxAbout + gap;
 
 // The text in a column of that width, with a gap behind it.
 std::string cell(const std::string& text, std::size_t width) {

@@ -14,6 +14,9 @@ namespace vantora {
 
 class DiagnosisRows {
  public:
+  /// What a row is about is cut to this many cells.
+  static constexpr std::size_t maxAbout = 14;
+
   /// `conceal` outlives the rows.
   DiagnosisRows(std::size_t columns, const Concealer& conceal)
       : columns_(columns), conceal_(conceal) {}

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/cells.hpp"
 #include "app/diagnosis/diagnosis_rows.hpp"
 
 namespace vantora {
@@ -163,8 +164,10 @@ void addDevices(const char* group, const DeviceList& list, DiagnosisRows& rows) 
     if (!device.feeds.empty()) {
       const std::string driver =
           device.driver.empty() || device.driver == device.name ? "" : "(" + device.driver + ")";
-      rows.add(device.name, joined(joined(driver, " ", joined(channels, ", ", device.state)), arrow,
-                                   titlesOf(device.feeds)));
+      const std::string use = joined(joined(driver, " ", joined(channels, ", ", device.state)),
+                                     arrow, titlesOf(device.feeds));
+      const bool fits = cellCount(device.name) <= DiagnosisRows::maxAbout;
+      rows.add(fits ? device.name : "", fits ? use : joined(device.name, ": ", use));
       continue;
     }
     auto place = std::find_if(unused.begin(), unused.end(),

@@ -64,6 +64,15 @@ TEST(DiagnosisText, SaysWhichMetricADeviceFeedsOrWhyNone) {
   EXPECT_THAT(text, HasSubstr("wlp3s0          (iwlwifi) → Rede · upload, download\n"));
 }
 
+TEST(DiagnosisText, NamesADeviceWholeWhoseNameIsLong) {
+  Diagnosis diagnosis;
+  DeviceReport& device = diagnosis.supplies.devices.emplace_back();
+  device.name = "ucsi-source-psy-USBC000:001";
+  device.state = "adaptador, conectado";
+  device.feeds = {MetricID::adapterWatts};
+  EXPECT_THAT(textOf(diagnosis), HasSubstr("ucsi-source-psy-USBC000:001: adaptador, conectado → "));
+}
+
 TEST(DiagnosisText, SaysWhyAReadingIsMissing) {
   const std::string text = textOf(laptopDiagnosis());
   EXPECT_THAT(text, HasSubstr("com valor       CPU · uso total 7%\n"));
