@@ -59,13 +59,13 @@ TEST(LinuxFindings, SayWhyNoTypefaceIsKnown) {
 // Stands in for a driver that never answers: the thread that would read it is busy.
 TEST(LinuxFindings, DoNotWaitForADriverThatHangs) {
   const SystemClock clock;
-  LazyQueueThread sampling("t.sampling");
-  LazyQueueThread battery("t.battery");
-  LazyQueueThread sensors("t.sensors");
+  WorkThread links("t.links");
+  WorkThread battery("t.battery");
+  WorkThread sensors("t.sensors");
   std::promise<void> release;
-  sensors.queue().post([released = release.get_future().share()] { released.wait(); });
+  ASSERT_TRUE(sensors.post([released = release.get_future().share()] { released.wait(); }));
   Diagnosis diagnosis;
-  DeviceLook look({sampling, battery, sensors}, clock, std::nullopt);
+  DeviceLook look({links, battery, sensors}, clock, std::nullopt);
   const MetricSnapshot snapshot = look.finish(diagnosis);
   release.set_value();
   EXPECT_EQ(diagnosis.sensors.why, "um driver não respondeu em 3 s");
