@@ -5,6 +5,7 @@
 // requests are never lost. Every scenario that waits ends by itself when its parent is gone, or
 // after a minute, so that a failed test leaves nothing behind.
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -51,6 +52,12 @@ void readLines(int count) {
   char byte = 0;
   while (count > 0 && read(STDIN_FILENO, &byte, 1) == 1) {
     count -= byte == '\n' ? 1 : 0;
+  }
+}
+
+void awaitInput() {
+  pollfd input{STDIN_FILENO, POLLIN, 0};
+  while (poll(&input, 1, -1) < 0) {
   }
 }
 
@@ -135,9 +142,24 @@ int closeInput(const Arguments&) {
   waitForEver();
 }
 
+// Closes its input once there is more of it.
+int closeUnreadInput(const Arguments& arguments) {
+  awaitInput();
+  return closeInput(arguments);
+}
+
 // Closes its input before it answers the first line.
 int answerAndCloseInput(const Arguments& arguments) {
   readLines(1);
+  close(STDIN_FILENO);
+  say(arguments.at(0) + "\n");
+  waitForEver();
+}
+
+// The same with a second line that is there and never read.
+int answerAndCloseUnreadInput(const Arguments& arguments) {
+  readLines(1);
+  awaitInput();
   close(STDIN_FILENO);
   say(arguments.at(0) + "\n");
   waitForEver();
@@ -242,6 +264,7 @@ int main(int argc, char** argv) {
       {"echo", echo},
       {"answer", answer},
       {"answer-and-close-input", answerAndCloseInput},
+      {"answer-and-close-unread-input", answerAndCloseUnreadInput},
       {"answer-and-exit", answerAndExit},
       {"exit", exitWith},
       {"die", die},
@@ -249,6 +272,7 @@ int main(int argc, char** argv) {
       {"huge-error", hugeError},
       {"flood", flood},
       {"close-input", closeInput},
+      {"close-unread-input", closeUnreadInput},
       {"close-output", closeOutput},
       {"hang", hang},
       {"silent", silent},

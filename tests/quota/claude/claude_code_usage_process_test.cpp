@@ -23,12 +23,12 @@ TEST_F(ClaudeCodeUsageProcessTest, ReadsPastAHugeErrorOutput) {
 
 TEST_F(ClaudeCodeUsageProcessTest, ReadsTheUsageOfAChildThatClosedItsInputEarly) {
   // It reads the first question only; both were accepted before.
-  start("answer-and-close-input", {test::ClaudeClientCase::script().back()});
+  start("answer-and-close-unread-input", {test::ClaudeClientCase::script().back()});
   expectAnswer();
 }
 
 TEST_F(ClaudeCodeUsageProcessTest, WaitsForAChildThatClosedItsInputUntilTheDeadline) {
-  start("after-lines", {"1", "close-input"});
+  start("after-lines", {"1", "close-unread-input"});
   processes.runUntil([this] { return hasClosedItsInput(child); });
   processes.runReady();
   expectDeadline();
