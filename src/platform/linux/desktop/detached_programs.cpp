@@ -23,6 +23,7 @@ DetachedPrograms::~DetachedPrograms() {
 
 bool DetachedPrograms::start(std::vector<std::string> command) {
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (std::string& part : command) {
     arguments.push_back(part.data());
   }
