@@ -4,7 +4,6 @@
 #include <cmath>
 #include <utility>
 
-#include "model/json.hpp"
 #include "model/json_reader.hpp"
 
 namespace vantora {
@@ -64,17 +63,6 @@ std::optional<StatusItemReport> asItem(const Json& value) {
   return reader.isGood() ? std::optional(std::move(item)) : std::nullopt;
 }
 
-Json readingsJson(const std::vector<ReadingReport>& readings) {
-  Json array = Json::array();
-  for (const ReadingReport& reading : readings) {
-    array.append({{"metric", id(reading.metric)},
-                  {"quality", rawText(reading.quality)},
-                  {"text", reading.text},
-                  {"source", reading.source}});
-  }
-  return array;
-}
-
 std::optional<ReadingReport> asReading(const Json& value) {
   ReadingReport reading;
   ObjectReader reader(value);
@@ -103,6 +91,17 @@ std::optional<QuotaReport> asQuota(const Json& value) {
 }
 
 }  // namespace
+
+Json readingsJson(const std::vector<ReadingReport>& readings) {
+  Json array = Json::array();
+  for (const ReadingReport& reading : readings) {
+    array.append({{"metric", id(reading.metric)},
+                  {"quality", rawText(reading.quality)},
+                  {"text", reading.text},
+                  {"source", reading.source}});
+  }
+  return array;
+}
 
 std::string encode(const AgentReport& report) {
   return writeJsonLossy({{"version", report.version},

@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "model/json.hpp"
 #include "model/metric.hpp"
 #include "model/sample.hpp"
 #include "model/time.hpp"
@@ -48,6 +49,9 @@ struct AgentReport {
   QuotaReport claude;
   bool operator==(const AgentReport&) const = default;
 };
+
+/// A JSON array with an object for each reading.
+[[nodiscard, gnu::cold]] Json readingsJson(const std::vector<ReadingReport>& readings);
 
 /// One JSON object. Instants in whole seconds since 1970.
 [[nodiscard, gnu::cold]] std::string encode(const AgentReport& report);

@@ -64,17 +64,6 @@ Json devicesJson(const DeviceList& list) {
   return {{"devices", std::move(array)}, {"why", orNull(list.why)}};
 }
 
-Json readingsJson(const std::vector<ReadingReport>& readings) {
-  Json array = Json::array();
-  for (const ReadingReport& reading : readings) {
-    array.append({{"metric", id(reading.metric)},
-                  {"quality", rawText(reading.quality)},
-                  {"text", reading.text},
-                  {"source", reading.source}});
-  }
-  return array;
-}
-
 Json assistantJson(const AssistantReport& assistant) {
   Json quota = nullptr;
   if (assistant.quota) {
