@@ -26,7 +26,7 @@ namespace vantora {
 enum class AgentPresence : std::uint8_t {
   answered,
   none,
-  noBus,    ///< There is nobody to ask: the session has no bus, or none that answers.
+  noBus,    ///< The session has no bus, or its bus does not answer.
   older,    ///< One runs that does not know the question.
   silent,   ///< One runs and did not answer in time.
   garbled,  ///< It answered, but nothing that can be read.

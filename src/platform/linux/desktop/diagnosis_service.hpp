@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// What the agent answers on the session bus to whoever looks for a fault: one method beside
+// Answers a diagnosis request on the session bus: one method beside
 // org.freedesktop.Application, at the agent's own name and path. And the question.
 #pragma once
 
@@ -16,7 +16,7 @@
 namespace vantora {
 
 /// The agent's end: `Diagnose() -> s` of `interface`. Lives on the main thread; costs a table
-/// entry of sd-bus while nobody asks.
+/// entry of sd-bus between requests.
 class DiagnosisService final : public BusConnection::Listener {
  public:
   static constexpr const char* interface = "local.vantora.Vantora.Diagnosis1";
@@ -47,7 +47,7 @@ class AgentQuestion final : public BusConnection::Listener {
   enum class Outcome : std::uint8_t {
     answered,
     noBus,    ///< The session's bus cannot be reached, or does not answer.
-    noAgent,  ///< Nobody has the agent's name.
+    noAgent,  ///< The agent's name has no owner.
     older,    ///< An agent that does not know the question.
     silent,   ///< No answer in time, or not one that can be read.
   };
