@@ -3,10 +3,8 @@
 // What the tabs of the two quota integrations have in common.
 #pragma once
 
-#include <QString>
-#include <optional>
+#include <string_view>
 
-#include "model/time.hpp"
 #include "settings/window/form.hpp"
 
 namespace vantora {
@@ -24,8 +22,5 @@ template <auto Member, typename Settings>
 [[nodiscard]] constexpr SwitchField<Settings> quotaSwitch(std::string_view label) {
   return {label, &Access<Member>::get, &Access<Member>::set};
 }
-
-/// The instant in the user's time zone, to the second; a dash without one.
-[[nodiscard]] QString quotaTimeText(const std::optional<WallTime>& time);
 
 }  // namespace vantora

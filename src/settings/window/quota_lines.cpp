@@ -5,7 +5,7 @@
 
 #include "settings/window/controls.hpp"
 #include "settings/window/qt_text.hpp"
-#include "settings/window/quota_fields.hpp"
+#include "settings/window/reading_text.hpp"
 
 namespace vantora {
 
@@ -26,7 +26,8 @@ void QuotaLines::addExecutable(QVBoxLayout& column) const {
 
 void QuotaLines::show(const QuotaSummary& quota) const {
   message_->setText(qtText("Estado: " + quota.message));
-  lastSuccess_->setText(qtText("Última consulta confirmada: ") + quotaTimeText(quota.lastSuccess));
+  lastSuccess_->setText(qtText("Última consulta confirmada: ") +
+                        ReadingText::time(quota.lastSuccess));
   executable_->setText(qtText(program_ + ": " + quota.executable));
 }
 

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "settings/window/reading_text.hpp"
 
+#include <QDateTime>
 #include <algorithm>
+#include <chrono>
 
 #include "settings/window/qt_text.hpp"
-#include "settings/window/quota_fields.hpp"
 #include "status/metric_formatter.hpp"
 
 namespace vantora::ReadingText {
@@ -89,9 +90,19 @@ QString details(const MetricReading& reading) {
   }
   // The time of a fresh reading is now.
   if (reading.quality != Quality::valid && reading.sampledAt) {
-    text += qtText("\nÚltima leitura: ") + quotaTimeText(reading.sampledAt);
+    text += qtText("\nÚltima leitura: ") + time(reading.sampledAt);
   }
   return text;
+}
+
+QString time(const std::optional<WallTime>& instant) {
+  if (!instant) {
+    return qtText("—");
+  }
+  using std::chrono::milliseconds;
+  const auto sinceEpoch = std::chrono::floor<milliseconds>(instant->time_since_epoch());
+  return QDateTime::fromMSecsSinceEpoch(sinceEpoch.count())
+      .toString(QStringLiteral("dd/MM/yyyy HH:mm:ss"));
 }
 
 bool isMissing(const MetricReading& reading) {

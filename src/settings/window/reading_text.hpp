@@ -4,9 +4,11 @@
 #pragma once
 
 #include <QString>
+#include <optional>
 #include <vector>
 
 #include "model/configuration.hpp"
+#include "model/time.hpp"
 #include "settings/conversation/window_state.hpp"
 
 namespace vantora::ReadingText {
@@ -27,6 +29,9 @@ namespace vantora::ReadingText {
 
 /// The same with where it came from and when it was read, on lines of their own.
 [[nodiscard]] QString details(const MetricReading& reading);
+
+/// The instant in the user's time zone, to the second; a dash without one.
+[[nodiscard]] QString time(const std::optional<WallTime>& instant);
 
 /// Whether the metric was looked for on this machine and is not there. A quota is no part of
 /// the machine.
