@@ -4,8 +4,8 @@
 #include <QHBoxLayout>
 #include <algorithm>
 
-#include "settings/window/controls.hpp"
-#include "settings/window/qt_text.hpp"
+#include "settings/window/controls/controls.hpp"
+#include "settings/window/controls/qt_text.hpp"
 
 namespace vantora {
 

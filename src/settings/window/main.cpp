@@ -23,10 +23,10 @@
 #include "settings/toolkit/agent_connection.hpp"
 #include "settings/toolkit/color_scheme.hpp"
 #include "settings/toolkit/outlining_style.hpp"
+#include "settings/window/controls/qt_text.hpp"
 #include "settings/window/desktop_dialogs.hpp"
 #include "settings/window/native_window.hpp"
 #include "settings/window/qt_file_panels.hpp"
-#include "settings/window/qt_text.hpp"
 #include "settings/window/settings_view.hpp"
 #include "settings/window/started_by_hand.hpp"
 

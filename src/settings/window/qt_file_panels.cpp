@@ -7,7 +7,7 @@
 #include <QFileInfo>
 #include <utility>
 
-#include "settings/window/qt_text.hpp"
+#include "settings/window/controls/qt_text.hpp"
 
 namespace vantora {
 

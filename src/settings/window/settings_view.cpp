@@ -6,12 +6,12 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 
-#include "settings/window/appearance_tab.hpp"
-#include "settings/window/claude_tab.hpp"
-#include "settings/window/codex_tab.hpp"
-#include "settings/window/general_tab.hpp"
-#include "settings/window/modules_tab.hpp"
-#include "settings/window/sampling_tab.hpp"
+#include "settings/window/tabs/appearance_tab.hpp"
+#include "settings/window/tabs/claude_tab.hpp"
+#include "settings/window/tabs/codex_tab.hpp"
+#include "settings/window/tabs/general_tab.hpp"
+#include "settings/window/tabs/modules_tab.hpp"
+#include "settings/window/tabs/sampling_tab.hpp"
 
 namespace vantora {
 namespace {

@@ -11,7 +11,7 @@
 
 #include "settings/conversation/window_model.hpp"
 #include "settings/window/footer.hpp"
-#include "settings/window/settings_tab.hpp"
+#include "settings/window/tabs/settings_tab.hpp"
 
 namespace vantora {
 

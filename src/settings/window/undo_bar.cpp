@@ -7,8 +7,8 @@
 #include <QLineEdit>
 #include <QShortcut>
 
-#include "settings/window/controls.hpp"
-#include "settings/window/qt_text.hpp"
+#include "settings/window/controls/controls.hpp"
+#include "settings/window/controls/qt_text.hpp"
 
 namespace vantora {
 namespace {

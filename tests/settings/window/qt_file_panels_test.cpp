@@ -10,7 +10,7 @@
 #include <optional>
 #include <string>
 
-#include "settings/window/qt_text.hpp"
+#include "settings/window/controls/qt_text.hpp"
 #include "support/temporary_folder.hpp"
 
 namespace vantora {

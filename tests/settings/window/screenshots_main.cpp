@@ -17,9 +17,9 @@
 
 #include "settings/toolkit/color_scheme.hpp"
 #include "settings/toolkit/outlining_style.hpp"
+#include "settings/window/controls/link_picker.hpp"
 #include "settings/window/example_state.hpp"
-#include "settings/window/link_picker.hpp"
-#include "settings/window/module_row.hpp"
+#include "settings/window/modules/module_row.hpp"
 #include "settings/window/settings_view.hpp"
 #include "support/fake_file_panels.hpp"
 

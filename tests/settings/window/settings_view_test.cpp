@@ -15,7 +15,7 @@
 #include <QTabBar>
 #include <algorithm>
 
-#include "settings/window/status_preview.hpp"
+#include "settings/window/readings/status_preview.hpp"
 #include "settings/window/window_fixture.hpp"
 
 namespace vantora {

@@ -10,7 +10,7 @@
 
 #include "settings/toolkit/color_scheme.hpp"
 #include "settings/toolkit/outlining_style.hpp"
-#include "settings/window/live_reading.hpp"
+#include "settings/window/readings/live_reading.hpp"
 #include "settings/window/window_fixture.hpp"
 
 namespace vantora {

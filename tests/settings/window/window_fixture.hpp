@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "settings/window/module_row.hpp"
+#include "settings/window/modules/module_row.hpp"
 #include "settings/window/settings_view.hpp"
 #include "support/fake_file_panels.hpp"
 
