@@ -11,9 +11,8 @@ namespace {
 
 constexpr Quality lastQuality = Quality::stale;
 
-Json instantJson(const std::optional<WallTime>& time) {
-  return time ? Json(std::chrono::floor<std::chrono::seconds>(time->time_since_epoch()).count())
-              : Json(nullptr);
+std::int64_t unixSeconds(WallTime time) {
+  return std::chrono::floor<std::chrono::seconds>(time.time_since_epoch()).count();
 }
 
 std::optional<WallTime> asTime(const Json& value) {
@@ -76,8 +75,8 @@ std::optional<ReadingReport> asReading(const Json& value) {
 Json quotaJson(const QuotaReport& quota) {
   return {{"status", quota.status},
           {"message", quota.message},
-          {"lastSuccess", instantJson(quota.lastSuccess)},
-          {"nextQuery", instantJson(quota.nextQuery)}};
+          {"lastSuccess", orNull(quota.lastSuccess, unixSeconds)},
+          {"nextQuery", orNull(quota.nextQuery, unixSeconds)}};
 }
 
 std::optional<QuotaReport> asQuota(const Json& value) {
@@ -109,7 +108,7 @@ std::string encode(const AgentReport& report) {
                          {"item", itemJson(report.item)},
                          {"shown", report.shown},
                          {"isPaused", report.isPaused},
-                         {"notice", report.notice ? Json(*report.notice) : Json(nullptr)},
+                         {"notice", orNull(report.notice)},
                          {"readings", readingsJson(report.readings)},
                          {"codex", quotaJson(report.codex)},
                          {"claude", quotaJson(report.claude)}});

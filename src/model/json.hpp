@@ -8,6 +8,7 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <map>
 #include <optional>
@@ -98,6 +99,17 @@ class Json {
 
   Value value_;
 };
+
+/// The value, or null without one.
+template <typename T>
+[[nodiscard]] Json orNull(const std::optional<T>& value) {
+  return value ? Json(*value) : Json(nullptr);
+}
+/// What `write`, a function or a member function, makes of the value, or null without one.
+template <typename T, std::invocable<const T&> Write>
+[[nodiscard]] Json orNull(const std::optional<T>& value, Write write) {
+  return value ? Json(std::invoke(write, *value)) : Json(nullptr);
+}
 
 /// Deeper documents are refused: values are written, compared and destroyed recursively, and
 /// none of the formats read here nests ten levels.

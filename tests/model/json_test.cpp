@@ -139,6 +139,15 @@ TEST(Json, AnswersWhatIsNotThereWithNull) {
   EXPECT_FALSE(Json("a").contains("a"));
 }
 
+TEST(Json, WritesAValueThatMayBeMissingOrNull) {
+  EXPECT_EQ(orNull(std::optional(0)), Json(0));
+  EXPECT_EQ(orNull(std::optional<std::string>("")), Json(""));
+  EXPECT_TRUE(orNull(std::optional<std::string>()).isNull());
+  const auto twice = [](int value) { return 2 * value; };
+  EXPECT_EQ(orNull(std::optional(3), twice), Json(6));
+  EXPECT_TRUE(orNull(std::optional<int>(), twice).isNull());
+}
+
 TEST(Json, TakesMembersInAndOut) {
   Json value;
   value["a"] = 1;

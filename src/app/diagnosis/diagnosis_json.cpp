@@ -7,21 +7,15 @@
 namespace vantora {
 namespace {
 
-Json orNull(const std::string& text) {
+Json nullIfEmpty(const std::string& text) {
   return text.empty() ? Json(nullptr) : Json(text);
-}
-Json orNull(const std::optional<std::string>& text) {
-  return text ? Json(*text) : Json(nullptr);
-}
-Json dateOrNull(const std::optional<WallTime>& date) {
-  return date ? Json(isoDate(*date)) : Json(nullptr);
 }
 
 Json itemJson(const StatusItemReport& item) {
-  return {{"panel", orNull(item.panel)},  {"program", orNull(item.program)},
-          {"form", orNull(item.form)},    {"formWhy", orNull(item.formWhy)},
-          {"scale", orNull(item.scale)},  {"ink", orNull(item.ink)},
-          {"inkWhy", orNull(item.inkWhy)}};
+  return {{"panel", nullIfEmpty(item.panel)},  {"program", nullIfEmpty(item.program)},
+          {"form", nullIfEmpty(item.form)},    {"formWhy", nullIfEmpty(item.formWhy)},
+          {"scale", nullIfEmpty(item.scale)},  {"ink", nullIfEmpty(item.ink)},
+          {"inkWhy", nullIfEmpty(item.inkWhy)}};
 }
 
 Json agentJson(const Diagnosis& diagnosis) {
@@ -54,37 +48,38 @@ Json devicesJson(const DeviceList& list) {
   Json array = Json::array();
   for (const DeviceReport& device : list.devices) {
     array.append({{"name", device.name},
-                  {"driver", orNull(device.driver)},
-                  {"channel", orNull(device.channel)},
-                  {"label", orNull(device.label)},
-                  {"state", orNull(device.state)},
+                  {"driver", nullIfEmpty(device.driver)},
+                  {"channel", nullIfEmpty(device.channel)},
+                  {"label", nullIfEmpty(device.label)},
+                  {"state", nullIfEmpty(device.state)},
                   {"feeds", metricsJson(device.feeds)},
-                  {"why", orNull(device.why)}});
+                  {"why", nullIfEmpty(device.why)}});
   }
-  return {{"devices", std::move(array)}, {"why", orNull(list.why)}};
+  return {{"devices", std::move(array)}, {"why", nullIfEmpty(list.why)}};
 }
 
 Json assistantJson(const AssistantReport& assistant) {
   Json quota = nullptr;
   if (assistant.quota) {
     quota = {{"status", assistant.quota->status},
-             {"message", orNull(assistant.quota->message)},
-             {"lastSuccess", dateOrNull(assistant.quota->lastSuccess)},
-             {"nextQuery", dateOrNull(assistant.quota->nextQuery)}};
+             {"message", nullIfEmpty(assistant.quota->message)},
+             {"lastSuccess", orNull(assistant.quota->lastSuccess, isoDate)},
+             {"nextQuery", orNull(assistant.quota->nextQuery, isoDate)}};
   }
   return {{"name", assistant.name},
           {"isWanted", assistant.isWanted},
           {"isShown", assistant.isShown},
           {"chosen", orNull(assistant.chosen)},
           {"path", orNull(assistant.path)},
-          {"foundPath", orNull(assistant.foundPath)},
+          {"foundPath", nullIfEmpty(assistant.foundPath)},
           {"version", orNull(assistant.version)},
           {"quota", std::move(quota)}};
 }
 
 Json fileJson(const FileReport& file) {
-  return {
-      {"path", file.path}, {"state", rawText(file.state)}, {"changed", dateOrNull(file.changed)}};
+  return {{"path", file.path},
+          {"state", rawText(file.state)},
+          {"changed", orNull(file.changed, isoDate)}};
 }
 
 }  // namespace
@@ -104,14 +99,14 @@ std::string diagnosisJson(const Diagnosis& diagnosis, const Concealer& conceal) 
                       {"session",
                        {{"system", diagnosis.system},
                         {"kind", diagnosis.session},
-                        {"desktop", orNull(diagnosis.desktop)},
+                        {"desktop", nullIfEmpty(diagnosis.desktop)},
                         {"bus", diagnosis.bus}}},
                       {"agent", agentJson(diagnosis)},
                       {"item", itemJson(diagnosis.item)},
                       {"typefaces",
-                       {{"text", orNull(diagnosis.typeface)},
-                        {"monospaced", orNull(diagnosis.monospaced)},
-                        {"why", orNull(diagnosis.typefaceWhy)}}},
+                       {{"text", nullIfEmpty(diagnosis.typeface)},
+                        {"monospaced", nullIfEmpty(diagnosis.monospaced)},
+                        {"why", nullIfEmpty(diagnosis.typefaceWhy)}}},
                       {"sensors", devicesJson(diagnosis.sensors)},
                       {"supplies", devicesJson(diagnosis.supplies)},
                       {"links", devicesJson(diagnosis.links)},

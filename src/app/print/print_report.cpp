@@ -10,15 +10,6 @@
 namespace vantora::PrintFormatter {
 namespace {
 
-template <typename T>
-Json orNull(const std::optional<T>& value) {
-  return value ? Json(*value) : Json(nullptr);
-}
-
-Json dateOrNull(const std::optional<WallTime>& date) {
-  return date ? Json(isoDate(*date)) : Json(nullptr);
-}
-
 Json lineJson(const StatusLine& line) {
   return {{"metric", id(line.metric)}, {"text", line.text}};
 }
@@ -30,7 +21,7 @@ Json samplesJson(const PrintReport& report) {
     samples[std::string(id(metric))] = {{"value", orNull(sample.value)},
                                         {"quality", rawText(sample.quality)},
                                         {"source", sample.source},
-                                        {"sampledAt", dateOrNull(sample.sampledAt)}};
+                                        {"sampledAt", orNull(sample.sampledAt, isoDate)}};
   }
   return samples;
 }
@@ -42,8 +33,8 @@ Json codexJson(const CodexQuotaState& state) {
   }
   return {{"status", rawText(state.status)},
           {"usedPercent", orNull(state.usedPercent)},
-          {"resetAt", dateOrNull(state.resetAt)},
-          {"lastSuccess", dateOrNull(state.lastSuccess)},
+          {"resetAt", orNull(state.resetAt, isoDate)},
+          {"lastSuccess", orNull(state.lastSuccess, isoDate)},
           {"limitID", orNull(state.limitID)},
           {"candidates", std::move(candidates)},
           {"message", state.message},
@@ -61,10 +52,10 @@ Json codexJson(const CodexQuotaState& state) {
 Json claudeJson(const ClaudeQuotaState& state) {
   return {{"status", rawText(state.status)},
           {"weeklyUsed", orNull(state.weeklyUsed)},
-          {"weeklyResetAt", dateOrNull(state.weeklyResetAt)},
+          {"weeklyResetAt", orNull(state.weeklyResetAt, isoDate)},
           {"sessionUsed", orNull(state.sessionUsed)},
-          {"sessionResetAt", dateOrNull(state.sessionResetAt)},
-          {"lastSuccess", dateOrNull(state.lastSuccess)},
+          {"sessionResetAt", orNull(state.sessionResetAt, isoDate)},
+          {"lastSuccess", orNull(state.lastSuccess, isoDate)},
           {"message", state.message},
           {"settings",
            {{"enabled", state.settings.enabled},

@@ -26,14 +26,12 @@ std::string line(const Json& message) {
   return writeJsonLossy(message) + '\n';
 }
 
-Json orNull(const std::optional<std::string>& text) {
-  return text ? Json(*text) : Json(nullptr);
+std::int64_t unixMilliseconds(WallTime time) {
+  return std::chrono::round<std::chrono::milliseconds>(time.time_since_epoch()).count();
 }
 
-Json milliseconds(const std::optional<WallTime>& time) {
-  using std::chrono::milliseconds;
-  return time ? Json(std::chrono::round<milliseconds>(time->time_since_epoch()).count())
-              : Json(nullptr);
+std::string_view undoableText(UndoableEdit edit) {
+  return undoableTexts[static_cast<std::size_t>(edit)];
 }
 
 Json summaryJson(const QuotaSummary& summary) {
@@ -42,7 +40,7 @@ Json summaryJson(const QuotaSummary& summary) {
     candidates.append({{"id", candidate.id}, {"name", orNull(candidate.name)}});
   }
   return {{"message", summary.message},
-          {"lastSuccess", milliseconds(summary.lastSuccess)},
+          {"lastSuccess", orNull(summary.lastSuccess, unixMilliseconds)},
           {"executable", summary.executable},
           {"candidates", std::move(candidates)},
           {"needsLogin", summary.needsLogin}};
@@ -86,7 +84,7 @@ Json pictureJson(const StatusPicture& picture) {
 }
 
 Json squareJson(const SquareChoice& square) {
-  return Json::object({{"module", square.module ? Json(square.module->text()) : Json(nullptr)}});
+  return Json::object({{"module", orNull(square.module, &UUID::text)}});
 }
 
 // The text up to the limit, without the rest of a character that was cut.
@@ -109,7 +107,7 @@ Json readingsJson(const std::vector<MetricReading>& readings) {
                     {"quality", std::string(rawText(reading.quality))},
                     {"source", cut(reading.source)},
                     {"reason", cut(reading.reason)},
-                    {"sampledAt", milliseconds(reading.sampledAt)}});
+                    {"sampledAt", orNull(reading.sampledAt, unixMilliseconds)}});
   }
   return written;
 }
@@ -419,17 +417,13 @@ std::string stateLine(const WindowState& state, const StateChange& change) {
             std::string(loginItemTexts[static_cast<std::size_t>(state.loginItemStatus)]);
         break;
       case WindowField::pendingScrollID:
-        message["pendingScrollID"] =
-            state.pendingScrollID ? Json(state.pendingScrollID->text()) : Json(nullptr);
+        message["pendingScrollID"] = orNull(state.pendingScrollID, &UUID::text);
         break;
       case WindowField::picture:
         message["picture"] = pictureJson(state.picture);
         break;
       case WindowField::undoable:
-        message["undoable"] =
-            state.undoable
-                ? Json(std::string(undoableTexts[static_cast<std::size_t>(*state.undoable)]))
-                : Json(nullptr);
+        message["undoable"] = orNull(state.undoable, undoableText);
         break;
       case WindowField::links:
         message["links"] = linksJson(state.links);
@@ -441,7 +435,7 @@ std::string stateLine(const WindowState& state, const StateChange& change) {
         message["readings"] = readingsJson(state.readings);
         break;
       case WindowField::square:
-        message["square"] = state.square ? squareJson(*state.square) : Json(nullptr);
+        message["square"] = orNull(state.square, squareJson);
         break;
     }
   }

@@ -58,8 +58,7 @@ struct Writer {
     return Json{{"type", "startAtLogin"}, {"enabled", request.enabled}};
   }
   std::optional<Json> operator()(const SquareModule& choice) const {
-    return Json{{"type", "squareModule"},
-                {"module", choice.module ? Json(choice.module->text()) : Json(nullptr)}};
+    return Json{{"type", "squareModule"}, {"module", orNull(choice.module, &UUID::text)}};
   }
   std::optional<Json> operator()(Intent intent) const {
     return Json{{"type", std::string(intentTypes[static_cast<std::size_t>(intent)])}};
