@@ -19,6 +19,7 @@
 #include "app/diagnosis/findings.hpp"
 #include "app/diagnosis/found_assistant.hpp"
 #include "app/linux/linux_findings.hpp"
+#include "app/linux/own_programs.hpp"
 #include "app/program_answer.hpp"
 #include "model/version.hpp"
 #include "platform/linux/bus/bus_connection.hpp"
@@ -202,7 +203,7 @@ Diagnosis collect(LinuxApplication& application, const char* program) {
 
   bus.writeTo(diagnosis);
   const MetricSnapshot own = devices.finish(diagnosis);
-  findTypefaces(glyphProgram(), diagnosis);
+  findTypefaces(OwnPrograms().glyphs(), diagnosis);
   diagnosis.at = insides.clock.now();
   diagnosis.readings = readingsOf(own, diagnosis.report, diagnosis.at);
   addQuotas(configuration, diagnosis.report, assistants.codex, assistants.claude);

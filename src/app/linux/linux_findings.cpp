@@ -136,15 +136,6 @@ std::string systemText(const std::filesystem::path& osRelease) {
   return text;
 }
 
-std::string glyphProgram() {
-  constexpr const char* name = "vantora-glyphs";
-  const auto folder = ownExecutable().value_or("/usr/bin/vantora").parent_path();
-  std::error_code error;
-  return std::filesystem::exists(folder / name, error)
-             ? folder / name
-             : folder.parent_path() / "libexec" / "vantora" / name;
-}
-
 void findTypefaces(const std::string& program, Diagnosis& diagnosis) {
   constexpr std::chrono::seconds timeout{10};  // fontconfig may have to build its cache
   std::error_code error;

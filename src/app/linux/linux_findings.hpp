@@ -22,11 +22,8 @@ namespace vantora {
 /// The distribution, as the file os-release(5) names it, and the kernel.
 [[nodiscard]] std::string systemText(const std::filesystem::path& osRelease = "/etc/os-release");
 
-/// The program that draws characters, which people never start: beside this one in a build
-/// folder, in libexec where it is installed.
-[[nodiscard]] std::string glyphProgram();
-
-/// Typefaces and libraries, of the program above, or why they are not known. Waits for it.
+/// Typefaces and libraries, of the program that draws characters, or why they are not known.
+/// Waits for it.
 void findTypefaces(const std::string& program, Diagnosis& diagnosis);
 
 /// Reads each kind of device on a thread of its own, so that a driver which never answers costs

@@ -9,6 +9,7 @@
 
 #include "app/linux/linux_application.hpp"
 #include "app/linux/linux_diagnosis.hpp"
+#include "app/linux/own_programs.hpp"
 #include "app/linux/start_program.hpp"
 #include "app/print/cell_text_engine.hpp"
 #include "app/print/click_input.hpp"
@@ -26,8 +27,7 @@ namespace {
 // What a person does who opens Vantora from the desktop's menu: the session's agent shows its
 // window, and without one an agent starts.
 void openVantora(DetachedPrograms& programs) {
-  const std::string program =
-      ownExecutable().value_or("/usr/bin/vantora-print").parent_path() / "vantora";
+  const std::string program = OwnPrograms().agent();
   if (!programs.start({program})) {
     std::fprintf(stderr, "vantora-print: não foi possível iniciar %s\n", program.c_str());
   }

@@ -16,7 +16,7 @@
 #include "app/linux/agent_arguments.hpp"
 #include "app/linux/linux_application.hpp"
 #include "app/linux/linux_diagnosis.hpp"
-#include "app/linux/linux_findings.hpp"
+#include "app/linux/own_programs.hpp"
 #include "app/linux/start_program.hpp"
 #include "platform/linux/bus/bus_connection.hpp"
 #include "platform/linux/desktop/application_service.hpp"
@@ -56,12 +56,6 @@ std::string environmentText(const char* name) {
   return text != nullptr ? text : "";
 }
 
-// The program of window and menu is in the same folder as this one, in a build folder as
-// where it is installed.
-std::string settingsProgram() {
-  return ownExecutable().value_or("/usr/bin/vantora").parent_path() / "vantora-settings";
-}
-
 std::unique_ptr<SettingsWindow> settingsWindow(LinuxApplication& application, AppParts& parts,
                                                Notifier& notifier) {
   auto window = std::make_unique<SettingsProcess>(SettingsProcess::Parts{
@@ -69,7 +63,7 @@ std::unique_ptr<SettingsWindow> settingsWindow(LinuxApplication& application, Ap
       .clock = parts.clock,
       .launcher = application.launcher(),
       .model = *parts.model,
-      .executable = settingsProgram(),
+      .executable = OwnPrograms().settings(),
       .rasterise = [&engine = parts.textEngine](
                        const StatusImage& image,
                        double scale) { return rasterise(image, engine, scale); },
@@ -161,7 +155,7 @@ int runAgent(LinuxApplication& application, LaunchTokens tokens) {
   // The X server may not answer, which must not hold up anything else.
   ThreadWorker startupWorker(loop.queue());
   endBusyCursor(startupWorker, tokens);
-  GlyphProcess glyphs(glyphProgram(), application.clock());
+  GlyphProcess glyphs(OwnPrograms().glyphs(), application.clock());
   glyphs.onFailure = [](const std::string& message) { say(message); };
   GlyphTextEngine textEngine(glyphs);
   const EventLog log = EventLog::fromEnvironment(say);
@@ -182,7 +176,7 @@ int runAgent(LinuxApplication& application, LaunchTokens tokens) {
   const TerminationSignals signals(loop.raw(), [&loop] { loop.stop(); });
   const MenuProcess::Parts popupParts{.queue = loop.queue(),
                                       .launcher = application.launcher(),
-                                      .executable = settingsProgram(),
+                                      .executable = OwnPrograms().settings(),
                                       .environmentChanges = MenuProcess::onX11(bus.address())};
   MenuProcess menu(popupParts);
   ToolTipProcess toolTip(popupParts);
