@@ -108,7 +108,7 @@ class BusLook {
     StatusItemFacts facts{.watcher = panel_, .colorScheme = scheme_};
     const bool usesTray = isSet("DISPLAY") && panel_.hasHost && panel_.panel->keepsTrayWindowWide;
     if (usesTray) {
-      facts.tray = StatusItemFacts::Tray::docked;
+      facts.tray = XEmbedWindow::State::docked;
     }
     StatusItemReport report = describe(facts);
     if (usesTray) {

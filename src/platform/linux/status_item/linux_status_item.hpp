@@ -9,23 +9,21 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "platform/linux/bus/bus_connection.hpp"
 #include "platform/linux/panels/panel.hpp"
-#include "platform/linux/panels/status_item_picture.hpp"
 #include "platform/linux/status_item/appearance_portal.hpp"
 #include "platform/linux/status_item/dbus_menu.hpp"
+#include "platform/linux/status_item/item_pictures.hpp"
 #include "platform/linux/status_item/module_items.hpp"
-#include "platform/linux/status_item/square_pictures.hpp"
+#include "platform/linux/status_item/posted_actions.hpp"
+#include "platform/linux/status_item/status_item_report.hpp"
 #include "platform/linux/status_item/status_item_situation.hpp"
 #include "platform/linux/status_item/status_notifier_item.hpp"
 #include "platform/linux/status_item/status_notifier_watcher.hpp"
+#include "platform/linux/status_item/tray_pointer.hpp"
 #include "platform/linux/x11_tray/xembed_window.hpp"
-#include "ports/popup_menu.hpp"
 #include "ports/status_item.hpp"
-#include "ports/tool_tip.hpp"
-#include "status/drawn_image.hpp"
 
 namespace vantora {
 
@@ -44,10 +42,7 @@ class LinuxStatusItem final : public StatusItem,
     std::function<void(const std::string& line)> onDecision;
   };
 
-  struct TrayPopups {
-    PopupMenu& menu;
-    ToolTip& toolTip;
-  };
+  using TrayPopups = TrayPointer::Popups;
 
   /// `onSituation` comes when the situation has changed, "noHost" only after
   /// `hostTimeout`. Everything given here outlives the item.
@@ -85,7 +80,6 @@ class LinuxStatusItem final : public StatusItem,
   [[nodiscard]] std::string label() const override;
   void activated(std::string token) override;
 
-  void chosen(StatusMenuCommand command);
   void watcherChanged(const StatusNotifierWatcher::State& state);
   void colorSchemeChanged(ColorScheme scheme);
   void hostTimedOut();
@@ -95,23 +89,14 @@ class LinuxStatusItem final : public StatusItem,
   void trayIsOverdue();
   [[nodiscard]] bool awaitsTray() const;
   void trayChanged(XEmbedWindow::State state);
-  [[nodiscard]] AlphaBitmap trayPicture(int width, int height, int scale);
-  void trayClicked(const XEmbedWindow::Click& click);
-  void openTrayMenu(const XEmbedWindow::Click& click);
-  void pointerEntered(ScreenPoint pointer);
-  void pointerLeft();
-  [[nodiscard]] bool isDark() const;
-  [[nodiscard]] bool isPaused() const;
   [[nodiscard]] bool isInTray() const;
   [[nodiscard]] bool isRegistered() const;
   void reportStatus(StatusItemSituation situation);
   void explain();
   void reportSquare();
-  [[nodiscard]] std::string whereShown() const;
+  [[nodiscard]] StatusItemFacts facts() const;
   [[nodiscard]] const Panel& panel() const { return *watcherState_.panel; }
-  [[nodiscard]] PictureForm form() const;
   void orientationChanged(bool isVertical);
-  void takeContent();
   void putUpModules();
 
   BusConnection& connection_;
@@ -120,24 +105,9 @@ class LinuxStatusItem final : public StatusItem,
   Options options_;
   std::function<void(StatusItemSituation)> onSituation_;
 
-  // Tasks that will call them hold them weakly: they may come after the item's end.
-  std::shared_ptr<const StatusItemActions> actions_;
-
-  StatusPresentation presentation_;
-  std::optional<UUID> squareModule_;
-  SquareContent square_;  // of the square form; empty otherwise
-  std::string label_;     // of the label form; empty otherwise
-
-  /// What was drawn for one of the pictures that panels ask for, for when they ask again.
-  struct Drawn {
-    DrawnImage image;
-    AlphaBitmap mark;
-  };
-  SquarePictures squares_;
-  std::vector<Drawn> drawn_;  // by the picture's index, for the panel that is there now
-  DrawnImage trayDrawn_;
-
+  PostedActions actions_;
   StatusNotifierWatcher::State watcherState_;
+  ItemPictures pictures_;
   ColorScheme colorScheme_ = ColorScheme::noPreference;
   std::optional<StatusItemSituation> reported_;
   std::string explained_;
@@ -146,14 +116,13 @@ class LinuxStatusItem final : public StatusItem,
   TimerHandle hostTimeout_;
   bool hasHostTimedOut_ = false;  // since the last host or tray, or since the bus came
 
+  std::unique_ptr<TrayPointer> trayPointer_;  // of `tray_`
+
   // Ended first of all. They are here because the watcher reports its state at once.
   std::unique_ptr<XEmbedWindow> tray_;
   std::unique_ptr<ModuleItems> modules_;  // in place of the item, where a panel keeps them in order
-  std::optional<TrayPopups> popups_;
-  TimerHandle hover_;
-  bool isVertical_ = false;       // the panel, as far as it lets itself be asked
-  bool isTrayTooNarrow_ = false;  // for the panel that is there now
-  bool isTrayOverdue_ = false;    // of the panel that is there now
+  bool isTrayTooNarrow_ = false;          // for the panel that is there now
+  bool isTrayOverdue_ = false;            // of the panel that is there now
   TimerHandle trayWait_;
 
   // Destroyed before what they call.

@@ -2,11 +2,12 @@
 #include "platform/linux/status_item/status_item_report.hpp"
 
 #include <string>
+#include <string_view>
 
 namespace vantora {
 namespace {
 
-using Tray = StatusItemFacts::Tray;
+using Tray = XEmbedWindow::State;
 
 std::string pixelsForAPoint(int scale) {
   return std::to_string(scale) + (scale == 1 ? " pixel por ponto" : " pixels por ponto");
@@ -24,8 +25,12 @@ const char* name(Ink ink) {
   return "";
 }
 
+bool isInTray(const StatusItemFacts& facts) {
+  return facts.tray == Tray::docking || facts.tray == Tray::docked || facts.tray == Tray::squeezed;
+}
+
 void describeTray(const StatusItemFacts& facts, StatusItemReport& report) {
-  const bool isWhole = facts.tray == Tray::docked;
+  const bool isWhole = facts.tray != Tray::squeezed;
   report.scale = pixelsForAPoint(facts.trayScale);
   report.ink = name(facts.trayInk);
   report.inkWhy = facts.trayInk == Ink::lightOnPlate
@@ -52,7 +57,7 @@ std::string whySquare(const StatusItemFacts& facts) {
   if (!panel.keepsTrayWindowWide) {
     return "este painel põe todo item em um quadrado";
   }
-  if (facts.tray == Tray::unreachable) {
+  if (!facts.tray) {
     return "este painel põe todo item em um quadrado, e não há X11 para usar a sua bandeja";
   }
   if (facts.tray == Tray::starting) {
@@ -101,14 +106,13 @@ PictureForm formOn(const Panel& panel, bool isVertical) {
 
 StatusItemReport describe(const StatusItemFacts& facts) {
   StatusItemReport report;
-  const bool isInTray = facts.tray == Tray::docked || facts.tray == Tray::squeezed;
   const StatusNotifierWatcher::State& watcher = facts.watcher;
-  if (watcher.isPresent && (watcher.hasHost || isInTray)) {
+  if (watcher.isPresent && (watcher.hasHost || isInTray(facts))) {
     report.program = watcher.program;
     report.panel =
         watcher.panel == &unknownPanel() ? "desconhecido" : std::string(watcher.panel->name);
   }
-  if (isInTray) {
+  if (isInTray(facts)) {
     report.panel = report.panel.empty() ? "bandeja do X11" : report.panel + ", bandeja do X11";
     describeTray(facts, report);
   } else if (watcher.hasHost) {
@@ -123,6 +127,23 @@ StatusItemReport describe(const StatusItemFacts& facts) {
     }
   }
   return report;
+}
+
+std::string lineOf(const StatusItemFacts& facts) {
+  if (isInTray(facts)) {
+    return facts.tray == Tray::docked
+               ? "painel: bandeja do X11; forma: imagem inteira, em uma janela que ela mantém larga"
+               : "painel: bandeja do X11; forma: o que couber na janela";
+  }
+  const StatusNotifierWatcher::State& watcher = facts.watcher;
+  if (!watcher.hasHost) {
+    return watcher.hasBus ? "painel: nenhum" : "painel: nenhum; sem barramento da sessão";
+  }
+  const PictureForm form = formOn(*watcher.panel, facts.isVertical);
+  const std::string_view shown =
+      facts.isRowOfModules ? "um quadrado para cada módulo" : describe(form);
+  return "painel: " + std::string(watcher.panel->name) + "; forma: " + std::string(shown) +
+         (form != watcher.panel->form ? ", porque o painel é vertical" : "");
 }
 
 }  // namespace vantora

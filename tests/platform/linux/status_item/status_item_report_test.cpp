@@ -8,7 +8,7 @@ namespace vantora {
 namespace {
 
 using testing::HasSubstr;
-using Tray = StatusItemFacts::Tray;
+using Tray = XEmbedWindow::State;
 
 StatusItemFacts shownBy(const char* program) {
   StatusItemFacts facts;
@@ -39,7 +39,7 @@ TEST(StatusItemReport, SaysWhyASquareIsShown) {
   EXPECT_THAT(describe(column).formWhy, HasSubstr("vertical"));
   StatusItemFacts xfce = shownBy("xfce4-panel");
   EXPECT_THAT(describe(xfce).formWhy, HasSubstr("não há X11"));
-  xfce.tray = Tray::unused;
+  xfce.tray = Tray::absent;
   EXPECT_THAT(describe(xfce).formWhy, HasSubstr("não apareceu"));
   xfce.isTrayTooNarrow = true;
   EXPECT_THAT(describe(xfce).formWhy, HasSubstr("não deu a largura"));
@@ -76,6 +76,27 @@ TEST(StatusItemReport, SaysWhyTheInkIsWhatItIs) {
   EXPECT_EQ(describe(facts).ink, "clara");
   EXPECT_EQ(describe(facts).inkWhy, "o ambiente prefere cores escuras");
   EXPECT_THAT(describe(shownBy("gnome-shell")).inkWhy, HasSubstr("sempre escura"));
+}
+
+TEST(StatusItemReport, SaysInALineWhereAndHowTheItemIsShown) {
+  EXPECT_EQ(lineOf({}), "painel: nenhum; sem barramento da sessão");
+  StatusItemFacts facts;
+  facts.watcher.hasBus = true;
+  EXPECT_EQ(lineOf(facts), "painel: nenhum");
+  facts = shownBy("mate-panel");
+  EXPECT_EQ(lineOf(facts), "painel: MATE; forma: imagem inteira");
+  facts.isVertical = true;
+  EXPECT_EQ(lineOf(facts),
+            "painel: MATE; forma: quadrado com um módulo, porque o painel é vertical");
+  facts = shownBy("plasmashell");
+  facts.isRowOfModules = true;
+  EXPECT_EQ(lineOf(facts), "painel: Plasma; forma: um quadrado para cada módulo");
+  facts = shownBy("xfce4-panel");
+  facts.tray = Tray::docked;
+  EXPECT_EQ(lineOf(facts),
+            "painel: bandeja do X11; forma: imagem inteira, em uma janela que ela mantém larga");
+  facts.tray = Tray::squeezed;
+  EXPECT_EQ(lineOf(facts), "painel: bandeja do X11; forma: o que couber na janela");
 }
 
 TEST(StatusItemReport, SaysWhyNothingIsShown) {
