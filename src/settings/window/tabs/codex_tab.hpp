@@ -1,26 +1,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "settings/window/quota/quota_actions.hpp"
-#include "settings/window/quota/quota_lines.hpp"
-#include "settings/window/tabs/settings_tab.hpp"
+#include "settings/window/tabs/quota_tab.hpp"
 
 namespace vantora {
 
-/// "Codex semanal": the Codex integration, its state and its settings.
-class CodexTab final : public SettingsTab {
+/// "Codex semanal": the Codex integration, its state and its settings, with the login and the
+/// choice of a category that it alone has.
+class CodexTab final : public QuotaTab<CodexQuotaSettings> {
  public:
   explicit CodexTab(WindowModel& model);
   void refresh(WindowFields fields) override;
 
  private:
   void showCategories();
-  void showActions();
+  void showLogin();
 
-  Form<CodexQuotaSettings> form_;
-  QuotaLines lines_{"Codex CLI"};
-  MissingModule* missing_;
-  QPushButton* refresh_;
   QPushButton* connect_;
   QComboBox* category_;
 };

@@ -30,18 +30,6 @@ class SettingsTab : public QWidget {
     };
   }
 
-  /// How a form edits settings that the configuration may lack: a change stores them whole.
-  template <auto Member, typename Settings>
-  [[nodiscard]] typename Form<Settings>::Edit optionalEdit() const {
-    return [edit = configurationEdit()](const std::function<void(Settings&)>& change) {
-      edit([&](AppConfiguration& configuration) {
-        Settings settings = (configuration.*Member).value_or(Settings{});
-        change(settings);
-        configuration.*Member = std::move(settings);
-      });
-    };
-  }
-
  private:
   WindowModel& model_;
 };
