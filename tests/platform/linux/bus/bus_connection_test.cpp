@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "platform/linux/bus/bus_slot.hpp"
 #include "platform/linux/bus/deaf_bus.hpp"
@@ -29,6 +30,23 @@ struct Counter final : BusConnection::Listener {
   int lost = 0;
   void busConnected(sd_bus&) override { ++connected; }
   void busLost() override { ++lost; }
+};
+
+// A connection that was opened, and how often it was made and lost.
+struct Opened {
+  explicit Opened(std::string address) : connection(loop.raw(), *queue, std::move(address)) {
+    connection.add(counter);
+    connection.open();
+  }
+  bool untilConnected(int times) {
+    return runUntil(loop, [&] { return counter.connected == times; });
+  }
+
+  VirtualTime time;
+  std::unique_ptr<test::VirtualQueue> queue = time.makeQueue();
+  UvLoop loop;
+  Counter counter;
+  BusConnection connection;
 };
 
 TEST(BusConnection, WaitsLongerAfterEachFailedAttempt) {
@@ -60,63 +78,45 @@ TEST(BusConnection, CallsItsListenersOnceTheBusAcceptedIt) {
 }
 
 TEST(BusConnection, TriesAtGrowingIntervalsWhileThereIsNoBus) {
-  VirtualTime time;
-  const auto queue = time.makeQueue();
-  UvLoop loop;
-  Counter counter;
-  BusConnection connection(loop.raw(), *queue, "unix:path=/nowhere/at/all");
-  connection.add(counter);
-  connection.open();
-  EXPECT_EQ(counter.lost, 1);
-  time.advance(Seconds{0.999});
-  EXPECT_EQ(counter.lost, 1);
-  time.advance(Seconds{0.001});
-  EXPECT_EQ(counter.lost, 2);
-  time.advance(Seconds{2});
-  EXPECT_EQ(counter.lost, 3);
-  time.advance(Seconds{4 + 8 + 16});
-  EXPECT_EQ(counter.lost, 6);
-  time.advance(Seconds{600});
-  EXPECT_EQ(counter.lost, 26) << "every 30 s in the end";
-  EXPECT_EQ(time.pendingCount(), 1U);
-  EXPECT_EQ(counter.connected, 0);
+  Opened bus("unix:path=/nowhere/at/all");
+  EXPECT_EQ(bus.counter.lost, 1);
+  bus.time.advance(Seconds{0.999});
+  EXPECT_EQ(bus.counter.lost, 1);
+  bus.time.advance(Seconds{0.001});
+  EXPECT_EQ(bus.counter.lost, 2);
+  bus.time.advance(Seconds{2});
+  EXPECT_EQ(bus.counter.lost, 3);
+  bus.time.advance(Seconds{4 + 8 + 16});
+  EXPECT_EQ(bus.counter.lost, 6);
+  bus.time.advance(Seconds{600});
+  EXPECT_EQ(bus.counter.lost, 26) << "every 30 s in the end";
+  EXPECT_EQ(bus.time.pendingCount(), 1U);
+  EXPECT_EQ(bus.counter.connected, 0);
 }
 
 TEST(BusConnection, FindsABusThatStartsLater) {
-  VirtualTime time;
-  const auto queue = time.makeQueue();
   PrivateBus daemon;
   daemon.stop();
-  UvLoop loop;
-  Counter counter;
-  BusConnection connection(loop.raw(), *queue, daemon.address());
-  connection.add(counter);
-  connection.open();
-  EXPECT_EQ(counter.lost, 1);
+  Opened bus(daemon.address());
+  EXPECT_EQ(bus.counter.lost, 1);
   daemon.start();
-  time.advance(Seconds{1});
-  ASSERT_TRUE(runUntil(loop, [&] { return counter.connected == 1; }));
-  EXPECT_EQ(time.pendingCount(), 0U);
+  bus.time.advance(Seconds{1});
+  ASSERT_TRUE(bus.untilConnected(1));
+  EXPECT_EQ(bus.time.pendingCount(), 0U);
 }
 
 TEST(BusConnection, ConnectsAgainToABusThatDiedAndCameBack) {
-  VirtualTime time;
-  const auto queue = time.makeQueue();
   PrivateBus daemon;
-  UvLoop loop;
-  Counter counter;
-  BusConnection connection(loop.raw(), *queue, daemon.address());
-  connection.add(counter);
-  connection.open();
-  ASSERT_TRUE(runUntil(loop, [&] { return counter.connected == 1; }));
+  Opened bus(daemon.address());
+  ASSERT_TRUE(bus.untilConnected(1));
   daemon.stop();
-  ASSERT_TRUE(runUntil(loop, [&] { return counter.lost == 1; }));
-  EXPECT_EQ(connection.bus(), nullptr);
-  time.advance(Seconds{1});
-  EXPECT_EQ(counter.lost, 2) << "no daemon listens yet";
+  ASSERT_TRUE(runUntil(bus.loop, [&] { return bus.counter.lost == 1; }));
+  EXPECT_EQ(bus.connection.bus(), nullptr);
+  bus.time.advance(Seconds{1});
+  EXPECT_EQ(bus.counter.lost, 2) << "no daemon listens yet";
   daemon.start();
-  time.advance(Seconds{2});
-  ASSERT_TRUE(runUntil(loop, [&] { return counter.connected == 2; }));
+  bus.time.advance(Seconds{2});
+  ASSERT_TRUE(bus.untilConnected(2));
 }
 
 // Gives the process a session's environment for the time of a test.
@@ -153,39 +153,25 @@ class SessionEnvironment {
 TEST(BusConnection, FindsTheSessionsBusByItsAddress) {
   PrivateBus daemon;
   const SessionEnvironment environment(daemon.address().c_str(), nullptr);
-  UvLoop loop;
-  Counter counter;
-  BusConnection connection(loop.raw(), loop.queue(), "");
-  connection.add(counter);
-  connection.open();
-  ASSERT_TRUE(runUntil(loop, [&] { return counter.connected == 1; }));
-  EXPECT_EQ(connection.address(), daemon.address());
+  Opened bus("");
+  ASSERT_TRUE(bus.untilConnected(1));
+  EXPECT_EQ(bus.connection.address(), daemon.address());
 }
 
 TEST(BusConnection, FindsTheSessionsBusInTheRuntimeDirectory) {
   PrivateBus daemon;
   const SessionEnvironment environment(nullptr, daemon.directory().c_str());
-  UvLoop loop;
-  Counter counter;
-  BusConnection connection(loop.raw(), loop.queue(), "");
-  connection.add(counter);
-  connection.open();
-  ASSERT_TRUE(runUntil(loop, [&] { return counter.connected == 1; }));
-  EXPECT_FALSE(connection.address().empty());
+  Opened bus("");
+  ASSERT_TRUE(bus.untilConnected(1));
+  EXPECT_FALSE(bus.connection.address().empty());
 }
 
 TEST(BusConnection, TriesOnceWhereTheSessionNamesNoBus) {
   const SessionEnvironment environment(nullptr, nullptr);
-  VirtualTime time;
-  const auto queue = time.makeQueue();
-  UvLoop loop;
-  Counter counter;
-  BusConnection connection(loop.raw(), *queue, "");
-  connection.add(counter);
-  connection.open();
-  EXPECT_EQ(counter.lost, 1);
-  EXPECT_EQ(time.pendingCount(), 0U);
-  EXPECT_EQ(connection.address(), "");
+  Opened bus("");
+  EXPECT_EQ(bus.counter.lost, 1);
+  EXPECT_EQ(bus.time.pendingCount(), 0U);
+  EXPECT_EQ(bus.connection.address(), "");
 }
 
 TEST(BusConnection, CallsALateListenerWithoutABus) {
@@ -279,14 +265,8 @@ TEST_F(DeafBusTest, GivesUpABusThatTakesNothing) {
 }
 
 TEST(BusConnection, TakesAnAddressThatMakesNoSense) {
-  VirtualTime time;
-  const auto queue = time.makeQueue();
-  UvLoop loop;
-  Counter counter;
-  BusConnection connection(loop.raw(), *queue, "certainly not an address");
-  connection.add(counter);
-  connection.open();
-  EXPECT_EQ(counter.lost, 1);
+  Opened bus("certainly not an address");
+  EXPECT_EQ(bus.counter.lost, 1);
 }
 
 }  // namespace

@@ -3,38 +3,31 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/linux/power/counted_calls.hpp"
 #include "support/sysfs_tree.hpp"
-#include "support/virtual_time.hpp"
 
 namespace vantora {
 namespace {
 
-class BatteryReminder : public testing::Test {
+class BatteryReminder : public test::CountedCalls {
  protected:
-  test::VirtualTime time;
-  std::unique_ptr<test::VirtualQueue> queue = time.makeQueue();
   test::SysfsTree tree{"thinkpad-t440s"};
-  int calls = 0;
-  vantora::BatteryReminder reminder{*queue, tree.powerSupply(), [this] { ++calls; }};
+  vantora::BatteryReminder reminder{*queue, tree.powerSupply(), call};
 };
 
 TEST_F(BatteryReminder, CallsOnceAMinuteWhileThereIsABattery) {
   reminder.refresh();
   EXPECT_EQ(queue->lastLeeway(), Seconds{10});
-  time.advance(Seconds{59.999});
-  EXPECT_EQ(calls, 0);
-  time.advance(Seconds{0.001});
-  EXPECT_EQ(calls, 1);
-  time.advance(Seconds{600});
-  EXPECT_EQ(calls, 11);
+  EXPECT_EQ(callsAfter(Seconds{59.999}), 0);
+  EXPECT_EQ(callsAfter(Seconds{0.001}), 1);
+  EXPECT_EQ(callsAfter(Seconds{600}), 11);
 }
 
 TEST_F(BatteryReminder, KeepsItsMinuteWhenTheKernelAnnouncesAChange) {
   reminder.refresh();
   time.advance(Seconds{50});
   reminder.refresh();
-  time.advance(Seconds{10});
-  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(callsAfter(Seconds{10}), 1);
 }
 
 TEST_F(BatteryReminder, NeverWakesAMachineWithoutABattery) {

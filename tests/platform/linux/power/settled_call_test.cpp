@@ -3,19 +3,14 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
-
-#include "support/virtual_time.hpp"
+#include "platform/linux/power/counted_calls.hpp"
 
 namespace vantora {
 namespace {
 
-class SettledCallTest : public testing::Test {
+class SettledCallTest : public test::CountedCalls {
  protected:
-  test::VirtualTime time;
-  std::unique_ptr<TaskQueue> queue = time.makeQueue();
-  int calls = 0;
-  SettledCall settled{*queue, [this] { ++calls; }};
+  SettledCall settled{*queue, call};
 };
 
 TEST_F(SettledCallTest, CallsAQuarterOfASecondAfterTheLastOfSeveralRequests) {
@@ -23,20 +18,16 @@ TEST_F(SettledCallTest, CallsAQuarterOfASecondAfterTheLastOfSeveralRequests) {
   time.advance(Seconds{0.2});
   settled.request();
   settled.request();
-  time.advance(Seconds{0.2});
-  EXPECT_EQ(calls, 0);
-  time.advance(Seconds{0.05});
-  EXPECT_EQ(calls, 1);
-  time.advance(Seconds{60});
-  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(callsAfter(Seconds{0.2}), 0);
+  EXPECT_EQ(callsAfter(Seconds{0.05}), 1);
+  EXPECT_EQ(callsAfter(Seconds{60}), 1);
 }
 
 TEST_F(SettledCallTest, CallsAgainForALaterRequest) {
   settled.request();
   time.advance(Seconds{1});
   settled.request();
-  time.advance(Seconds{1});
-  EXPECT_EQ(calls, 2);
+  EXPECT_EQ(callsAfter(Seconds{1}), 2);
 }
 
 TEST_F(SettledCallTest, CallsAllTheSameWhileRequestsNeverStop) {
