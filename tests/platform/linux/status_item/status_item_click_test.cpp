@@ -10,6 +10,7 @@
 
 #include "platform/linux/status_item/block_text_engine.hpp"
 #include "platform/linux/status_item/linux_status_item.hpp"
+#include "platform/linux/status_item/recorded_actions.hpp"
 #include "platform/linux/status_item/scripted_panel.hpp"
 #include "support/linux/bus_call.hpp"
 #include "support/linux/loop_driver.hpp"
@@ -29,17 +30,8 @@ class StatusItemClick : public testing::Test {
   using Strings = std::vector<std::string>;
 
   StatusItemClick() {
-    item_.setActions(
-        {.openSettings =
-             [this](std::string_view token) { did_.push_back("open:" + std::string(token)); },
-         .togglePause =
-             [this] {
-               isPaused_ = !isPaused_;
-               did_.emplace_back("pause");
-               item_.show({});
-             },
-         .quit = [this] { did_.emplace_back("quit"); },
-         .isPaused = [this] { return isPaused_; }});
+    user_.onPause = [this] { item_.show({}); };
+    item_.setActions(user_.actions());
     panelConnection_.open();
     itemConnection_.open();
     EXPECT_TRUE(test::runUntil(loop_, [this] { return panel_.items().size() == 1; }));
@@ -57,14 +49,13 @@ class StatusItemClick : public testing::Test {
     return test::callAndWait(loop_, panelConnection_.bus(), target, member, types, arguments...);
   }
   bool untilDid(const Strings& what) {
-    return test::runUntil(loop_, [&] { return did_ == what; });
+    return test::runUntil(loop_, [&] { return user_.did == what; });
   }
 
   PrivateBus bus_;
   UvLoop loop_;
   BlockTextEngine engine_;
-  Strings did_;
-  bool isPaused_ = false;
+  test::RecordedActions user_;
   BusConnection panelConnection_{loop_.raw(), loop_.queue(), bus_.address()};
   BusConnection itemConnection_{loop_.raw(), loop_.queue(), bus_.address()};
   ScriptedPanel panel_{panelConnection_};
@@ -88,7 +79,7 @@ TEST_F(StatusItemClick, PassesTheActivationTokenOnOnce) {
 
 TEST_F(StatusItemClick, IgnoresTheWheel) {
   EXPECT_FALSE(isError(call(itemTarget(), "Scroll", "is", 120, "vertical")));
-  EXPECT_TRUE(did_.empty());
+  EXPECT_TRUE(user_.did.empty());
 }
 
 TEST_F(StatusItemClick, GivesPanelsTheMenusPath) {

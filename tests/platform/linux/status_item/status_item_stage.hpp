@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -14,10 +15,13 @@
 #include <string>
 #include <vector>
 
+#include "platform/linux/panels/status_item_picture.hpp"
 #include "platform/linux/status_item/block_text_engine.hpp"
+#include "platform/linux/status_item/example_presentation.hpp"
 #include "platform/linux/status_item/linux_status_item.hpp"
 #include "platform/linux/status_item/scripted_panel.hpp"
 #include "platform/linux/status_item/scripted_portal.hpp"
+#include "status/rasterise.hpp"
 #include "support/linux/loop_driver.hpp"
 #include "support/linux/private_bus.hpp"
 #include "support/virtual_time.hpp"
@@ -50,15 +54,18 @@ class StatusItemStage : public testing::Test {
     panel_ = std::make_unique<ScriptedPanel>(*panelConnection_, script);
   }
 
-  void startItem() {
+  void makeItem() {
     itemConnection_ = std::make_unique<BusConnection>(loop_.raw(), *queue_, bus_.address());
     item_ = std::make_unique<LinuxStatusItem>(
         *itemConnection_, *queue_, engine_, options_,
         [this](StatusItemSituation situation) { situations_.push_back(situation); });
+  }
+  void startItem() {
+    makeItem();
     itemConnection_->open();
   }
 
-  bool until(const std::function<bool()>& isDone) { return runUntil(loop_, isDone); }
+  virtual bool until(const std::function<bool()>& isDone) { return runUntil(loop_, isDone); }
   bool untilRegistered(std::size_t count = 1) {
     return until([this, count] { return panel_->items().size() == count; });
   }
@@ -66,6 +73,26 @@ class StatusItemStage : public testing::Test {
     return until([this] {
       return !situations_.empty() && situations_.back() == StatusItemSituation::shown;
     });
+  }
+
+  // The example's readings on a panel, with which the item has registered.
+  bool showOn(const std::string& panel) {
+    startPanel(panel);
+    startItem();
+    item_->show(examplePresentation("12%"));
+    return untilRegistered();
+  }
+
+  // What a panel whose colour is not known is given of a drawing.
+  static std::vector<std::uint8_t> onPlate(const AlphaBitmap& drawn, double cornerRadius) {
+    std::vector<std::uint8_t> bytes(drawn.pixels.size() * 4);
+    tint(drawn, Ink::lightOnPlate, cornerRadius, bytes);
+    return bytes;
+  }
+  // The same of a square of 22 pixels.
+  std::vector<std::uint8_t> squareOnPlate(const SquareContent& content) {
+    constexpr int side = 22;
+    return onPlate(rasterise(squareImage(content, side, engine_), engine_, 1), side / 5.0);
   }
 
   // What the item that registered `back` before the latest answers now. Signals that were sent

@@ -19,7 +19,18 @@ using test::line;
 using test::ScriptedPanel;
 using test::ScriptedPortal;
 
-using LinuxStatusItemTest = test::StatusItemStage;
+class LinuxStatusItemTest : public test::StatusItemStage {
+ protected:
+  // What the panel has been given is given again, and not drawn again.
+  void askTwice() {
+    const ItemProperties first = ask();
+    engine_.drawnLines = 0;
+    const ItemProperties second = ask();
+    EXPECT_EQ(engine_.drawnLines, 0);
+    ASSERT_EQ(second.pixmaps.size(), first.pixmaps.size());
+    EXPECT_EQ(second.pixmaps[1].bytes, first.pixmaps[1].bytes);
+  }
+};
 
 TEST_F(LinuxStatusItemTest, RegistersUnderItsOwnNameWithAPanelThatIsThere) {
   startPanel("waybar");
@@ -32,10 +43,7 @@ TEST_F(LinuxStatusItemTest, RegistersUnderItsOwnNameWithAPanelThatIsThere) {
 }
 
 TEST_F(LinuxStatusItemTest, SaysWhatItIs) {
-  startPanel("waybar");
-  startItem();
-  item_->show(examplePresentation("12%"));
-  ASSERT_TRUE(untilRegistered());
+  ASSERT_TRUE(showOn("waybar"));
   const ItemProperties properties = ask();
   EXPECT_EQ(properties.texts.at("Category"), "SystemServices");
   EXPECT_EQ(properties.texts.at("Id"), "vantora");
@@ -75,10 +83,7 @@ TEST_F(LinuxStatusItemTest, ReportsThePanelByItsProgramAndTheInkByTheDesktop) {
 }
 
 TEST_F(LinuxStatusItemTest, GivesWaybarTheWholePictureAtEveryScale) {
-  startPanel("waybar");
-  startItem();
-  item_->show(examplePresentation("12%"));
-  ASSERT_TRUE(untilRegistered());
+  ASSERT_TRUE(showOn("waybar"));
   const ItemProperties properties = ask();
   ASSERT_EQ(properties.pixmaps.size(), 2U);
   EXPECT_EQ(properties.pixmaps[0].width, 66);
@@ -91,16 +96,11 @@ TEST_F(LinuxStatusItemTest, GivesWaybarTheWholePictureAtEveryScale) {
     text.x += 3;
   }
   const AlphaBitmap expected = rasterise(image, engine_, 1);
-  std::vector<std::uint8_t> bytes(expected.pixels.size() * 4);
-  tint(expected, Ink::lightOnPlate, 5, bytes);
-  EXPECT_EQ(properties.pixmaps[0].bytes, bytes);
+  EXPECT_EQ(properties.pixmaps[0].bytes, onPlate(expected, 5));
 }
 
 TEST_F(LinuxStatusItemTest, GivesMateTheWholePictureAndNoLabel) {
-  startPanel("notification-ar");
-  startItem();
-  item_->show(examplePresentation("12%"));
-  ASSERT_TRUE(untilRegistered());
+  ASSERT_TRUE(showOn("notification-ar"));
   const ItemProperties properties = ask();
   ASSERT_FALSE(properties.pixmaps.empty());
   EXPECT_EQ(properties.pixmaps[0].width, 66);
@@ -108,10 +108,7 @@ TEST_F(LinuxStatusItemTest, GivesMateTheWholePictureAndNoLabel) {
 }
 
 TEST_F(LinuxStatusItemTest, GivesMateThePictureAtTheHeightsThatItWouldStretchToOtherwise) {
-  startPanel("mate-panel");
-  startItem();
-  item_->show(examplePresentation("12%"));
-  ASSERT_TRUE(untilRegistered());
+  ASSERT_TRUE(showOn("mate-panel"));
   const ItemProperties properties = ask();
   std::vector<int> heights;
   for (const test::Pixmap& pixmap : properties.pixmaps) {
@@ -122,16 +119,11 @@ TEST_F(LinuxStatusItemTest, GivesMateThePictureAtTheHeightsThatItWouldStretchToO
   // The same ink with more of the plate around it.
   const ImageFrame frame{.width = 66, .height = 25, .left = 3, .bottom = 1};
   const AlphaBitmap expected = rasterise(examplePresentation("12%").image, frame, engine_, 1);
-  std::vector<std::uint8_t> bytes(expected.pixels.size() * 4);
-  tint(expected, Ink::lightOnPlate, 5, bytes);
-  EXPECT_EQ(properties.pixmaps[3].bytes, bytes);
+  EXPECT_EQ(properties.pixmaps[3].bytes, onPlate(expected, 5));
 }
 
 TEST_F(LinuxStatusItemTest, GivesGnomeALabelBesideASquareMark) {
-  startPanel("gnome-shell");
-  startItem();
-  item_->show(examplePresentation("12%"));
-  ASSERT_TRUE(untilRegistered());
+  ASSERT_TRUE(showOn("gnome-shell"));
   const ItemProperties properties = ask();
   EXPECT_EQ(properties.texts.at("XAyatanaLabel"), "12% 48 · 0,1M");
   ASSERT_FALSE(properties.pixmaps.empty());
@@ -144,19 +136,12 @@ TEST_F(LinuxStatusItemTest, GivesGnomeALabelBesideASquareMark) {
 }
 
 TEST_F(LinuxStatusItemTest, GivesOtherPanelsASquareOfTheFirstModule) {
-  startPanel("tint2");
-  startItem();
-  item_->show(examplePresentation("12%"));
-  ASSERT_TRUE(untilRegistered());
+  ASSERT_TRUE(showOn("tint2"));
   const ItemProperties properties = ask();
   ASSERT_EQ(properties.pixmaps.size(), 6U);
   EXPECT_EQ(properties.pixmaps[1].width, 22);
   EXPECT_EQ(properties.pixmaps[1].height, 22);
-  const StatusImage square = squareImage({line("12%"), line("48")}, 22, engine_);
-  const AlphaBitmap expected = rasterise(square, engine_, 1);
-  std::vector<std::uint8_t> bytes(expected.pixels.size() * 4);
-  tint(expected, Ink::lightOnPlate, 22.0 / 5, bytes);
-  EXPECT_EQ(properties.pixmaps[1].bytes, bytes);
+  EXPECT_EQ(properties.pixmaps[1].bytes, squareOnPlate({line("12%"), line("48")}));
 
   item_->show(examplePresentation("12%", "9,9M"));
   ask();
@@ -168,11 +153,7 @@ TEST_F(LinuxStatusItemTest, ShowsAnotherModuleInTheSquareWhileTheFirstHasNoReadi
   startItem();
   item_->show(examplePresentation("—", "0,1M", "—"));
   ASSERT_TRUE(untilRegistered());
-  const StatusImage square = squareImage({{}, line("0,1M")}, 22, engine_);
-  const AlphaBitmap expected = rasterise(square, engine_, 1);
-  std::vector<std::uint8_t> bytes(expected.pixels.size() * 4);
-  tint(expected, Ink::lightOnPlate, 22.0 / 5, bytes);
-  EXPECT_EQ(ask().pixmaps[1].bytes, bytes);
+  EXPECT_EQ(ask().pixmaps[1].bytes, squareOnPlate({{}, line("0,1M")}));
 
   item_->show(examplePresentation("12%"));
   ask();
@@ -190,11 +171,7 @@ TEST_F(LinuxStatusItemTest, ShowsTheUsersModuleInTheSquare) {
   ask();
   panel_->forgetSignals();
   item_->setSquareModule(shown.modules[1].id);
-  const StatusImage square = squareImage({{}, line("0,1M")}, 22, engine_);
-  const AlphaBitmap expected = rasterise(square, engine_, 1);
-  std::vector<std::uint8_t> bytes(expected.pixels.size() * 4);
-  tint(expected, Ink::lightOnPlate, 22.0 / 5, bytes);
-  EXPECT_EQ(ask().pixmaps[1].bytes, bytes);
+  EXPECT_EQ(ask().pixmaps[1].bytes, squareOnPlate({{}, line("0,1M")}));
   EXPECT_EQ(panel_->signals(), Strings{"NewIcon"});
 }
 
@@ -215,20 +192,14 @@ TEST_F(LinuxStatusItemTest, SaysWhetherThePanelKeepsOneSquare) {
 }
 
 TEST_F(LinuxStatusItemTest, LeavesTheDescriptionOutWhereItWouldRepeatTheToolTip) {
-  startPanel("panel-6-systray");
-  startItem();
-  item_->show(examplePresentation("12%"));
-  ASSERT_TRUE(untilRegistered());
+  ASSERT_TRUE(showOn("panel-6-systray"));
   const ItemProperties properties = ask();
   EXPECT_EQ(properties.texts.at("IconAccessibleDesc"), "");
   EXPECT_EQ(properties.toolTipTitle, "CPU: 12%\nRede: 0,1M");
 }
 
 TEST_F(LinuxStatusItemTest, AnnouncesOnlyWhatHasChanged) {
-  startPanel("waybar");
-  startItem();
-  item_->show(examplePresentation("12%"));
-  ASSERT_TRUE(untilRegistered());
+  ASSERT_TRUE(showOn("waybar"));
   ASSERT_TRUE(untilShown());
   ask();
   EXPECT_EQ(panel_->signals(), Strings{}) << "who registers is asked anyway";
@@ -257,10 +228,7 @@ TEST_F(LinuxStatusItemTest, AnnouncesOnlyWhatHasChanged) {
 }
 
 TEST_F(LinuxStatusItemTest, DrawsNothingBeforeAPanelAsks) {
-  startPanel("waybar");
-  startItem();
-  item_->show(examplePresentation("12%"));
-  ASSERT_TRUE(untilRegistered());
+  ASSERT_TRUE(showOn("waybar"));
   item_->show(examplePresentation("13%"));
   ASSERT_TRUE(until([this] { return !panel_->signals().empty(); }));
   EXPECT_EQ(engine_.drawnLines, 0);
@@ -269,29 +237,13 @@ TEST_F(LinuxStatusItemTest, DrawsNothingBeforeAPanelAsks) {
 }
 
 TEST_F(LinuxStatusItemTest, DrawsNothingTwiceForAPanelThatAsksAgain) {
-  startPanel("waybar");
-  startItem();
-  item_->show(examplePresentation("12%"));
-  ASSERT_TRUE(untilRegistered());
-  const ItemProperties first = ask();
-  engine_.drawnLines = 0;
-  const ItemProperties second = ask();
-  EXPECT_EQ(engine_.drawnLines, 0);
-  ASSERT_EQ(second.pixmaps.size(), first.pixmaps.size());
-  EXPECT_EQ(second.pixmaps[1].bytes, first.pixmaps[1].bytes);
+  ASSERT_TRUE(showOn("waybar"));
+  askTwice();
 }
 
 TEST_F(LinuxStatusItemTest, DrawsNoSquareTwiceForAPanelThatAsksAgain) {
-  startPanel("tint2");
-  startItem();
-  item_->show(examplePresentation("12%"));
-  ASSERT_TRUE(untilRegistered());
-  const ItemProperties first = ask();
-  engine_.drawnLines = 0;
-  const ItemProperties second = ask();
-  EXPECT_EQ(engine_.drawnLines, 0);
-  ASSERT_EQ(second.pixmaps.size(), first.pixmaps.size());
-  EXPECT_EQ(second.pixmaps[1].bytes, first.pixmaps[1].bytes);
+  ASSERT_TRUE(showOn("tint2"));
+  askTwice();
 }
 
 TEST_F(LinuxStatusItemTest, RegistersWithAPanelThatComesLate) {
@@ -304,10 +256,7 @@ TEST_F(LinuxStatusItemTest, RegistersWithAPanelThatComesLate) {
 }
 
 TEST_F(LinuxStatusItemTest, RegistersAgainWithAPanelThatRestarts) {
-  startPanel("waybar");
-  startItem();
-  item_->show(examplePresentation("12%"));
-  ASSERT_TRUE(untilRegistered());
+  ASSERT_TRUE(showOn("waybar"));
   panel_.reset();
   startPanel("tint2");
   ASSERT_TRUE(untilRegistered());
@@ -315,10 +264,7 @@ TEST_F(LinuxStatusItemTest, RegistersAgainWithAPanelThatRestarts) {
 }
 
 TEST_F(LinuxStatusItemTest, RegistersAgainAfterTheBusDiedAndCameBack) {
-  startPanel("waybar");
-  startItem();
-  item_->show(examplePresentation("12%"));
-  ASSERT_TRUE(untilRegistered());
+  ASSERT_TRUE(showOn("waybar"));
   ASSERT_TRUE(untilShown());
   bus_.stop();
   ASSERT_TRUE(until([this] { return situations_.back() == StatusItemSituation::noBus; }));
@@ -426,10 +372,7 @@ TEST_F(LinuxStatusItemTest, TakesTheColoursFromThePortal) {
 }
 
 TEST_F(LinuxStatusItemTest, AsksAPortalThatStartsLater) {
-  startPanel("tint2");
-  startItem();
-  item_->show(examplePresentation("12%"));
-  ASSERT_TRUE(untilRegistered());
+  ASSERT_TRUE(showOn("tint2"));
   portal_ = std::make_unique<ScriptedPortal>(*portalConnection_, 1);
   ASSERT_TRUE(until([this] { return panel_->signals() == Strings{"NewIcon"}; }));
 }

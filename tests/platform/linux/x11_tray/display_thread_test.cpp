@@ -20,10 +20,10 @@
 
 #include "platform/linux/x11_tray/private_display.hpp"
 #include "platform/linux/x11_tray/scripted_tray.hpp"
+#include "platform/linux/x11_tray/tray_loop.hpp"
 #include "platform/linux/x11_tray/xembed_pixels.hpp"
 #include "platform/linux/x11_tray/xembed_window.hpp"
 #include "runtime/unique_fd.hpp"
-#include "support/linux/loop_driver.hpp"
 #include "support/virtual_time.hpp"
 
 namespace vantora {
@@ -107,13 +107,7 @@ class DisplayThreadTest : public testing::Test {
     return bitmap;
   }
   bool until(const std::function<bool()>& isDone) {
-    return runUntil(loop_, [&] {
-      if (tray_ != nullptr) {
-        tray_->handleEvents();
-      }
-      time_.runPosted();
-      return isDone();
-    });
+    return test::runUntil(loop_, tray_, time_, isDone);
   }
   bool untilState(State state) {
     return until([&] { return !states_.empty() && states_.back() == state; });

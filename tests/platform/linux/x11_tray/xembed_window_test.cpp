@@ -1,137 +1,24 @@
 // SPDX-License-Identifier: MIT
-//
-// The docked window on a display of its own, with a tray that the test plays.
 #include "platform/linux/x11_tray/xembed_window.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
-#include "platform/linux/x11_tray/loop_display_thread.hpp"
-#include "platform/linux/x11_tray/private_display.hpp"
-#include "platform/linux/x11_tray/scripted_tray.hpp"
-#include "platform/linux/x11_tray/xembed_pixels.hpp"
-#include "support/linux/loop_driver.hpp"
-#include "support/virtual_time.hpp"
+#include "platform/linux/x11_tray/xembed_window_fixture.hpp"
 
 namespace vantora {
 namespace {
 
-using State = XEmbedWindow::State;
 using test::PrivateDisplay;
 using test::ScriptedTray;
-using test::VirtualQueue;
-using test::VirtualTime;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr Seconds settled{0.5};
-constexpr Seconds moment{0.001};
-
-class XEmbedWindowTest : public testing::Test {
- protected:
-  void SetUp() override {
-    if (display_.name().empty()) {
-      GTEST_SKIP() << "Xvfb is not installed";
-    }
-    start(display_.name());
-  }
-  void start(const std::string& display) {
-    window_ = std::make_unique<XEmbedWindow>(
-        thread_, *queue_, display,
-        XEmbedWindow::Callbacks{
-            .onState = [this](State state) { states_.push_back(state); },
-            .picture =
-                [this](int width, int height, int scale) {
-                  ++drawings_;
-                  drawnScale_ = scale;
-                  return picture(width, height);
-                },
-            .onClick = [this](const XEmbedWindow::Click& click) { clicks_.push_back(click); },
-            .onEnter = [this](const ScreenPoint& pointer) { entered_.push_back(pointer); },
-            .onLeave = [this] { ++leavings_; },
-            .onOrientation = [this](bool isVertical) { orientations_.push_back(isVertical); }});
-  }
-
-  // Ink that differs from pixel to pixel.
-  static AlphaBitmap picture(int width, int height) {
-    AlphaBitmap bitmap(width, height);
-    for (int y = 0; y < height; ++y) {
-      for (int x = 0; x < width; ++x) {
-        bitmap.at(x, y) = static_cast<std::uint8_t>(x * 7 + y * 31);
-      }
-    }
-    return bitmap;
-  }
-
-  void startTray(ScriptedTray::Script script = {}) {
-    tray_ = std::make_unique<ScriptedTray>(display_.name(), script);
-  }
-  // Lets both sides do what has arrived until the condition holds.
-  bool until(const std::function<bool()>& isDone) {
-    return test::runUntil(loop_, [&] {
-      if (tray_ != nullptr) {
-        tray_->handleEvents();
-      }
-      time_.runPosted();
-      return isDone();
-    });
-  }
-  bool untilState(State state) {
-    return until([&] { return !states_.empty() && states_.back() == state; });
-  }
-  bool untilSize(int width, int height) {
-    return until([&] { return tray_->size() == std::pair(width, height); });
-  }
-  bool untilPixels(Ink ink, TrayDepth depth) {
-    return until([&] {
-      const auto [width, height] = tray_->size();
-      return tray_->pixels() == xPixels(picture(width, height), ink, depth);
-    });
-  }
-  // Docked, with the time that the tray has to lay itself out gone by.
-  bool dock(double points = 40) {
-    window_->start(points);
-    if (!until([&] { return tray_->isThere() && tray_->isMapped(); })) {
-      return false;
-    }
-    settle();
-    return untilState(State::docked);
-  }
-  // What has happened so far has reached the window, and half a second goes by.
-  void settle() {
-    sync();
-    time_.advance(settled);
-    sync();
-  }
-  // Whatever either side has sent has arrived at the other, and was handled.
-  void sync() {
-    for (int turn = 0; turn < 8; ++turn) {
-      (void)tray_->size();  // a round trip
-      uv_run(&loop_.raw(), UV_RUN_NOWAIT);
-      tray_->handleEvents();
-      time_.runPosted();
-    }
-  }
-
-  PrivateDisplay display_;
-  VirtualTime time_;
-  std::unique_ptr<VirtualQueue> queue_ = time_.makeQueue();
-  UvLoop loop_;
-  test::LoopDisplayThread thread_{loop_};
-  std::vector<State> states_;
-  std::vector<XEmbedWindow::Click> clicks_;
-  std::vector<ScreenPoint> entered_;
-  int leavings_ = 0;
-  std::vector<bool> orientations_;
-  int drawings_ = 0;
-  int drawnScale_ = 0;
-  std::unique_ptr<ScriptedTray> tray_;
-  std::unique_ptr<XEmbedWindow> window_;
-};
+using XEmbedWindowTest = test::XEmbedWindowFixture;
 
 TEST_F(XEmbedWindowTest, DocksWithATrayThatIsThere) {
   startTray();
@@ -264,39 +151,6 @@ TEST_F(XEmbedWindowTest, DrawsANewPictureOfTheSameWidthInPlace) {
   EXPECT_EQ(tray_->requests().size(), 1U);
 }
 
-TEST_F(XEmbedWindowTest, ChangesItsWidthWhileItIsDocked) {
-  startTray();
-  ASSERT_TRUE(dock());
-  for (const double points : {63.2, 25.0}) {
-    window_->update(points);
-    const int pixels = points > 60 ? 64 : 25;
-    ASSERT_TRUE(untilSize(pixels, 24));
-    settle();
-    EXPECT_TRUE(untilPixels(Ink::lightOnPlate, TrayDepth::opaque));
-  }
-  EXPECT_EQ(window_->state(), State::docked);
-  EXPECT_EQ(tray_->requests().size(), 1U) << "the window stays the same";
-}
-
-TEST_F(XEmbedWindowTest, IsSqueezedByATrayOfSquares) {
-  startTray({.widest = 24});
-  window_->start(40);
-  ASSERT_TRUE(until([this] { return tray_->isThere() && tray_->isMapped(); }));
-  settle();
-  EXPECT_THAT(states_, ElementsAre(State::docking, State::squeezed));
-}
-
-TEST_F(XEmbedWindowTest, AsksAVerticalTrayForASquare) {
-  startTray({.widest = 30, .isVertical = true});
-  ASSERT_TRUE(dock());
-  EXPECT_EQ(tray_->size(), std::pair(22, 24));
-  EXPECT_TRUE(untilPixels(Ink::lightOnPlate, TrayDepth::opaque));
-  window_->update(70);
-  settle();
-  EXPECT_EQ(tray_->size(), std::pair(22, 24));
-  EXPECT_EQ(window_->state(), State::docked);
-}
-
 TEST_F(XEmbedWindowTest, DocksAnewWhenTheTrayIsTurned) {
   startTray();
   ASSERT_TRUE(dock());
@@ -348,69 +202,6 @@ TEST_F(XEmbedWindowTest, DocksInATrayThatItWatched) {
   tray_->turn(true);
   ASSERT_TRUE(until([this] { return tray_->requests().size() == 2; }));
   EXPECT_EQ(orientations_.size(), 1U);
-}
-
-TEST_F(XEmbedWindowTest, TriesASmallerScaleInATrayThatDoesNotScale) {
-  test::setResources(display_.name(), "Xft.dpi:\t192\n");
-  startTray({.widest = 50});
-  window_->start(40);
-  ASSERT_TRUE(until([this] { return tray_->isThere() && tray_->isMapped(); }));
-  EXPECT_TRUE(untilSize(50, 24)) << "80 pixels were asked for";
-  settle();
-  EXPECT_TRUE(untilSize(40, 24));
-  settle();
-  EXPECT_THAT(states_, ElementsAre(State::docking, State::docked));
-  EXPECT_EQ(drawnScale_, 1);
-  EXPECT_EQ(tray_->requests().size(), 1U) << "the same window";
-}
-
-TEST_F(XEmbedWindowTest, IsSqueezedWhereEvenTheSmallestScaleIsTooWide) {
-  test::setResources(display_.name(), "Xft.dpi:\t288\n");
-  startTray({.widest = 30});
-  window_->start(40);
-  ASSERT_TRUE(until([this] { return tray_->isThere() && tray_->isMapped(); }));
-  settle();
-  settle();
-  EXPECT_THAT(states_, ElementsAre(State::docking));
-  settle();
-  EXPECT_THAT(states_, ElementsAre(State::docking, State::squeezed));
-}
-
-TEST_F(XEmbedWindowTest, IsSqueezedWhenItNeedsMoreThanTheTrayHas) {
-  startTray({.widest = 50});
-  ASSERT_TRUE(dock());
-  window_->update(80);
-  ASSERT_TRUE(untilSize(50, 24));
-  sync();
-  time_.advance(settled - moment);
-  sync();
-  EXPECT_EQ(window_->state(), State::docked);
-  time_.advance(moment);
-  sync();
-  EXPECT_EQ(window_->state(), State::squeezed);
-}
-
-TEST_F(XEmbedWindowTest, IsSqueezedOnlyWhenItLastsForHalfASecond) {
-  startTray();
-  ASSERT_TRUE(dock());
-  tray_->setWidest(20);
-  ASSERT_TRUE(untilPixels(Ink::lightOnPlate, TrayDepth::opaque));
-  sync();
-  time_.advance(settled - moment);
-  EXPECT_EQ(window_->state(), State::docked);
-  tray_->setWidest(40);
-  sync();
-  time_.advance(settled + settled);
-  sync();
-  EXPECT_EQ(window_->state(), State::docked);
-  EXPECT_EQ(std::count(states_.begin(), states_.end(), State::squeezed), 0);
-
-  tray_->setWidest(20);
-  settle();
-  EXPECT_EQ(window_->state(), State::squeezed);
-  tray_->setWidest(40);
-  settle();
-  EXPECT_EQ(window_->state(), State::docked) << "the tray has room again";
 }
 
 TEST_F(XEmbedWindowTest, DocksAgainWithATrayThatRestarts) {
