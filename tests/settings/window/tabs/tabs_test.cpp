@@ -6,87 +6,83 @@
 
 #include <QAbstractButton>
 #include <QAccessible>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
-#include <QMessageBox>
-#include <QPushButton>
+#include <QSpinBox>
+#include <QTabWidget>
+#include <functional>
+#include <utility>
+#include <vector>
 
 #include "model/words.hpp"
-#include "settings/window/window_fixture.hpp"
+#include "settings/window/tabs/tabs_fixture.hpp"
 
 namespace vantora {
 namespace {
 
 using namespace SettingsProtocol;
+using test::appearanceTab;
+using test::claude;
+using test::claudeTab;
+using test::codex;
+using test::codexTab;
+using test::generalTab;
+using test::modulesTab;
+using test::samplingTab;
+using test::Tab;
+
+using TabsTest = test::TabsFixture;
+
 using C = AppConfiguration;
 using Change = std::function<void(C&)>;
 
-enum Tab { modulesTab, appearanceTab, samplingTab, codexTab, claudeTab, generalTab };
+struct Number {
+  Tab tab;
+  const char* name;
+  int value;
+  Change change;
+  Limits limits;
+};
+struct Switch {
+  Tab tab;
+  const char* name;
+  Change change;  // What switching it on does.
+};
+struct Choice {
+  Tab tab;
+  const char* name;
+  QStringList texts;
+  int index;
+  Change change;
+};
 
-CodexQuotaSettings& codex(C& configuration) {
-  if (!configuration.codexSettings) {
-    configuration.codexSettings.emplace();
-  }
-  return *configuration.codexSettings;
-}
-ClaudeQuotaSettings& claude(C& configuration) {
-  if (!configuration.claudeSettings) {
-    configuration.claudeSettings.emplace();
-  }
-  return *configuration.claudeSettings;
-}
-
-class TabsTest : public test::WindowTest {
- protected:
-  struct Number {
-    Tab tab;
-    const char* name;
-    int value;
-    Change change;
-    Limits limits;
-  };
-  struct Switch {
-    Tab tab;
-    const char* name;
-    Change change;  // What switching it on does.
-  };
-  struct Choice {
-    Tab tab;
-    const char* name;
-    QStringList texts;
-    int index;
-    Change change;
-  };
-
-  void click(Tab tab, const char* name) {
-    control<QPushButton>(tab, QString::fromUtf8(name))->click();
-  }
-
-  const std::vector<Number> numbers_ = {
-      {appearanceTab, "Espaço entre módulos", 7, [](C& c) { c.gap = 7; }, {0, 24}},
-      {appearanceTab, "Margem horizontal", 16, [](C& c) { c.horizontalPadding = 16; }, {0, 16}},
-      {appearanceTab, "Margem vertical", 2, [](C& c) { c.verticalPadding = 2; }, {0, 10}},
-      {appearanceTab, "Espaço entre linhas", 8, [](C& c) { c.lineGap = 8; }, {0, 8}},
-  };
-  const std::vector<Switch> switches_ = {
-      {codexTab, "Ativar integração Codex", [](C& c) { codex(c).enabled = true; }},
-      {codexTab, "Mostrar percentual utilizado em L1", [](C& c) { codex(c).showUsed = true; }},
-      {codexTab, "Uma casa decimal", [](C& c) { codex(c).oneDecimal = true; }},
-      {codexTab, "Mostrar data de renovação em L2", [](C& c) { codex(c).showResetDate = true; }},
-      {claudeTab, "Ativar integração Claude", [](C& c) { claude(c).enabled = true; }},
-      {claudeTab, "Mostrar percentual utilizado", [](C& c) { claude(c).showUsed = true; }},
-      {claudeTab, "Uma casa decimal", [](C& c) { claude(c).oneDecimal = true; }},
-      {generalTab, "Pausar coleta", [](C& c) { c.paused = true; }},
-  };
-  const QStringList minutes_ = {"1 minuto", "3 minutos", "5 minutos", "10 minutos"};
-  const std::vector<Choice> choices_ = {
-      {samplingTab,
-       "Intervalo de CPU e rede",
-       {"1 segundo", "2 segundos"},
-       0,
-       [](C& c) { c.intervalSeconds = 1; }},
-      {codexTab, "Consulta automática", minutes_, 3, [](C& c) { codex(c).intervalMinutes = 10; }},
-      {claudeTab, "Consulta automática", minutes_, 2, [](C& c) { claude(c).intervalMinutes = 5; }},
-  };
+const std::vector<Number> numbers = {
+    {appearanceTab, "Espaço entre módulos", 7, [](C& c) { c.gap = 7; }, {0, 24}},
+    {appearanceTab, "Margem horizontal", 16, [](C& c) { c.horizontalPadding = 16; }, {0, 16}},
+    {appearanceTab, "Margem vertical", 2, [](C& c) { c.verticalPadding = 2; }, {0, 10}},
+    {appearanceTab, "Espaço entre linhas", 8, [](C& c) { c.lineGap = 8; }, {0, 8}},
+};
+const std::vector<Switch> switches = {
+    {codexTab, "Ativar integração Codex", [](C& c) { codex(c).enabled = true; }},
+    {codexTab, "Mostrar percentual utilizado em L1", [](C& c) { codex(c).showUsed = true; }},
+    {codexTab, "Uma casa decimal", [](C& c) { codex(c).oneDecimal = true; }},
+    {codexTab, "Mostrar data de renovação em L2", [](C& c) { codex(c).showResetDate = true; }},
+    {claudeTab, "Ativar integração Claude", [](C& c) { claude(c).enabled = true; }},
+    {claudeTab, "Mostrar percentual utilizado", [](C& c) { claude(c).showUsed = true; }},
+    {claudeTab, "Uma casa decimal", [](C& c) { claude(c).oneDecimal = true; }},
+    {generalTab, "Pausar coleta", [](C& c) { c.paused = true; }},
+};
+const QStringList minutes = {"1 minuto", "3 minutos", "5 minutos", "10 minutos"};
+const std::vector<Choice> choices = {
+    {samplingTab,
+     "Intervalo de CPU e rede",
+     {"1 segundo", "2 segundos"},
+     0,
+     [](C& c) { c.intervalSeconds = 1; }},
+    {codexTab, "Consulta automática", minutes, 3, [](C& c) { codex(c).intervalMinutes = 10; }},
+    {claudeTab, "Consulta automática", minutes, 2, [](C& c) { claude(c).intervalMinutes = 5; }},
 };
 
 TEST_F(TabsTest, StandInTheirOrder) {
@@ -102,7 +98,7 @@ TEST_F(TabsTest, StandInTheirOrder) {
 }
 
 TEST_F(TabsTest, SendEveryNumber) {
-  for (const Number& number : numbers_) {
+  for (const Number& number : numbers) {
     auto* spin = control<QSpinBox>(number.tab, QString::fromUtf8(number.name));
     EXPECT_EQ(spin->minimum(), number.limits.least);
     EXPECT_EQ(spin->maximum(), number.limits.most);
@@ -114,7 +110,7 @@ TEST_F(TabsTest, SendEveryNumber) {
 }
 
 TEST_F(TabsTest, ShowEveryNumber) {
-  for (const Number& number : numbers_) {
+  for (const Number& number : numbers) {
     number.change(agent_.configuration);
     tellAll();
     EXPECT_EQ(control<QSpinBox>(number.tab, QString::fromUtf8(number.name))->value(), number.value);
@@ -140,7 +136,7 @@ TEST_F(TabsTest, ShowAConfigurationOutOfBoundsWithoutChangingIt) {
 }
 
 TEST_F(TabsTest, SendAndShowEverySwitch) {
-  for (const Switch& item : switches_) {
+  for (const Switch& item : switches) {
     auto* box = control<QCheckBox>(item.tab, QString::fromUtf8(item.name));
     EXPECT_FALSE(box->isChecked());
     const C off = agent_.configuration;
@@ -159,7 +155,7 @@ TEST_F(TabsTest, SendAndShowEverySwitch) {
 }
 
 TEST_F(TabsTest, SendAndShowEveryChoice) {
-  for (const Choice& item : choices_) {
+  for (const Choice& item : choices) {
     auto* picker = control<QComboBox>(item.tab, QString::fromUtf8(item.name));
     QStringList texts;
     for (int index = 0; index < picker->count(); ++index) {
@@ -182,28 +178,6 @@ TEST_F(TabsTest, SendAndShowEveryChoice) {
   EXPECT_TRUE(sent().empty());
 }
 
-TEST_F(TabsTest, OfferTheModuleOfASquareOnlyWhereThePanelKeepsOne) {
-  EXPECT_FALSE(texts(appearanceTab).contains(QString::fromUtf8("Módulo do quadrado")));
-  agent_.square = SquareChoice{};
-  tell({WindowField::square});
-  auto* picker = control<QComboBox>(appearanceTab, QString::fromUtf8("Módulo do quadrado"));
-  ASSERT_NE(picker, nullptr);
-  ASSERT_EQ(picker->count(), static_cast<int>(agent_.configuration.modules.size()) + 1);
-  EXPECT_EQ(picker->itemText(0), QString::fromUtf8("Automático: o primeiro com leitura"));
-  EXPECT_EQ(picker->currentIndex(), 0);
-  picker->setCurrentIndex(2);
-  EXPECT_EQ(sentOne<SquareModule>()->module, agent_.configuration.modules[1].id);
-  picker->setCurrentIndex(0);
-  EXPECT_EQ(sentOne<SquareModule>()->module, std::nullopt);
-  agent_.square->module = agent_.configuration.modules[0].id;
-  tell({WindowField::square});
-  EXPECT_EQ(picker->currentIndex(), 1);
-  EXPECT_TRUE(sent().empty());
-  agent_.square.reset();
-  tell({WindowField::square});
-  EXPECT_FALSE(texts(appearanceTab).contains(QString::fromUtf8("Módulo do quadrado")));
-}
-
 TEST_F(TabsTest, NameTheInterfaceWhoseRatesAreShown) {
   agent_.networkName = "enp2s0";
   tellAll();
@@ -211,51 +185,6 @@ TEST_F(TabsTest, NameTheInterfaceWhoseRatesAreShown) {
                   .contains(QStringLiteral(
                       "Automático escolhe uma interface física ativa; tráfego de túnel VPN não é "
                       "somado. Interface atual: enp2s0\n")));
-}
-
-TEST_F(TabsTest, OfferTheCategoriesAndStoreNoneForTheAutomaticChoice) {
-  agent_.codex.candidates = {{"a", "Alfa"}, {"b", std::nullopt}};
-  tellAll();
-  auto* picker = control<QComboBox>(codexTab, QStringLiteral("Categoria semanal"));
-  ASSERT_EQ(picker->count(), 3);
-  EXPECT_EQ(picker->itemText(0), QStringLiteral("Automática, se inequívoca"));
-  EXPECT_EQ(picker->itemText(1), QStringLiteral("Alfa (a)"));
-  EXPECT_EQ(picker->itemText(2), QStringLiteral("b"));
-  EXPECT_EQ(picker->currentIndex(), 0);
-  picker->setCurrentIndex(2);
-  EXPECT_EQ(sentConfiguration().codexSettings->selectedLimitID, "b");
-  picker->setCurrentIndex(0);
-  EXPECT_EQ(sentConfiguration().codexSettings->selectedLimitID, std::nullopt);
-  codex(agent_.configuration).selectedLimitID = "a";
-  tellAll();
-  EXPECT_EQ(picker->currentIndex(), 1);
-  EXPECT_TRUE(sent().empty());
-}
-
-TEST_F(TabsTest, KeepAChosenCategoryThatIsNotOfferedAnyMore) {
-  codex(agent_.configuration).selectedLimitID = "gone";
-  tellAll();
-  auto* picker = control<QComboBox>(codexTab, QStringLiteral("Categoria semanal"));
-  EXPECT_EQ(picker->currentText(), QStringLiteral("gone"));
-  EXPECT_TRUE(sent().empty());
-}
-
-TEST_F(TabsTest, ShowTheStatesOfTheQuotas) {
-  agent_.codex.message = "Faça <b>login</b>.";
-  agent_.codex.lastSuccess = WallTime(std::chrono::seconds(1'790'000'000));
-  agent_.codex.executable = "/usr/bin/codex";
-  agent_.claude.message = "Integração desativada.";
-  agent_.claude.executable = "Claude Code (claude) não encontrado";
-  tellAll();
-  EXPECT_TRUE(texts(codexTab).contains(QStringLiteral("Estado: Faça <b>login</b>.\n")));
-  EXPECT_TRUE(texts(codexTab).contains(QStringLiteral("Última consulta confirmada: ") +
-                                       QDateTime::fromSecsSinceEpoch(1'790'000'000)
-                                           .toString(QStringLiteral("dd/MM/yyyy HH:mm:ss\n"))));
-  EXPECT_TRUE(texts(codexTab).contains(QStringLiteral("Codex CLI: /usr/bin/codex\n")));
-  EXPECT_TRUE(texts(claudeTab).contains(QStringLiteral("Estado: Integração desativada.\n")));
-  EXPECT_TRUE(texts(claudeTab).contains(QStringLiteral("Última consulta confirmada: —\n")));
-  EXPECT_TRUE(texts(claudeTab).contains(
-      QStringLiteral("Claude Code: Claude Code (claude) não encontrado\n")));
 }
 
 TEST_F(TabsTest, PassTheButtonsOn) {
@@ -281,131 +210,6 @@ TEST_F(TabsTest, PassTheButtonsOn) {
   click(generalTab, "Importar JSON…");
   panels_.cancel();
   EXPECT_TRUE(sent().empty());
-}
-
-TEST_F(TabsTest, ShowWhatTheSystemSaysAboutTheLoginItem) {
-  auto* box = control<QCheckBox>(generalTab, spokenName(Words::startAtLoginLabel));
-  box->click();
-  EXPECT_TRUE(sentOne<StartAtLogin>()->enabled);
-  EXPECT_FALSE(box->isChecked());
-  agent_.loginItemStatus = LoginItemStatus::enabled;
-  tell({WindowField::loginItemStatus});
-  EXPECT_TRUE(box->isChecked());
-  box->click();
-  EXPECT_FALSE(sentOne<StartAtLogin>()->enabled);
-  EXPECT_TRUE(box->isChecked());
-  agent_.loginItemStatus = LoginItemStatus::requiresApproval;
-  tell({WindowField::loginItemStatus});
-  EXPECT_FALSE(box->isChecked());
-  EXPECT_TRUE(sent().empty());
-}
-
-TEST_F(TabsTest, AskBeforeTheDefaultsAreRestored) {
-  agent_.backupPath = "/home/ana/.config/Vantora/configuration.backup.json";
-  tell({WindowField::backupPath});
-  const auto answer = [&](const char* label) {
-    click(generalTab, "Restaurar padrão");
-    QApplication::processEvents();
-    auto* question = view_->findChild<QMessageBox*>();
-    ASSERT_NE(question, nullptr);
-    EXPECT_TRUE(question->informativeText().endsWith(
-        QStringLiteral("\n/home/ana/.config/Vantora/configuration.backup.json")));
-    EXPECT_TRUE(sent().empty());
-    for (QAbstractButton* button : question->buttons()) {
-      if (button->text().remove(QLatin1Char('&')) == QLatin1String(label)) {
-        button->click();
-      }
-    }
-    QApplication::processEvents();
-    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-  };
-  answer("Cancelar");
-  EXPECT_TRUE(sent().empty());
-  answer("Restaurar");
-  EXPECT_EQ(sentOne<Intent>(), Intent::restoreDefaults);
-}
-
-TEST_F(TabsTest, ShowTheNoticeOnEveryTab) {
-  const auto footer = [&] {
-    const auto* label = view_->findChild<QLabel*>(QStringLiteral("footerNotice"));
-    return label->isVisible() ? label->text() : QString();
-  };
-  EXPECT_EQ(footer(), QString());
-  agent_.notice = "Configuração exportada.";
-  tell({WindowField::notice});
-  for (int tab = 0; tab < generalTab; ++tab) {
-    view_->setCurrentTab(tab);
-    EXPECT_EQ(footer(), QStringLiteral("Configuração exportada."));
-  }
-  view_->setCurrentTab(generalTab);
-  EXPECT_EQ(footer(), QString());
-  EXPECT_TRUE(texts(generalTab).contains(QStringLiteral("Configuração exportada.\n")));
-}
-
-// The agent clears a notice with the next save, 0.4 s later.
-TEST_F(TabsTest, ShowANoticeForAsLongAsItTakesToReadIt) {
-  const auto* timer = view_->findChild<QTimer*>(QStringLiteral("noticeTimer"));
-  view_->setCurrentTab(generalTab);
-  agent_.notice = "Configuração exportada.";
-  tell({WindowField::notice});
-  EXPECT_TRUE(timer->isActive());
-  EXPECT_EQ(timer->interval(), 5'000);
-  agent_.notice.reset();
-  tell({WindowField::notice});
-  EXPECT_TRUE(texts(generalTab).contains(QStringLiteral("Configuração exportada.\n")));
-  model_->releaseNotice();
-  EXPECT_FALSE(texts(generalTab).contains(QStringLiteral("exportada")));
-}
-
-TEST_F(TabsTest, SayInTheFooterThatNothingIsMeasured) {
-  const auto* label = view_->findChild<QLabel*>(QStringLiteral("footerPaused"));
-  EXPECT_FALSE(label->isVisible());
-  agent_.configuration.paused = true;
-  tell({WindowField::configuration});
-  EXPECT_TRUE(label->isVisible());
-  EXPECT_EQ(label->text(), qtText("Coleta pausada"));
-  agent_.configuration.paused = false;
-  tell({WindowField::configuration});
-  EXPECT_FALSE(label->isVisible());
-}
-
-TEST_F(TabsTest, ShowThePictureWithItsWidthAndItsWarning) {
-  agent_.picture = {231.55, 2, 463, 44, {}, "Fonte, margem ou intervalo reduzido."};
-  agent_.picture.alpha.assign(463 * 44, 128);
-  tell({WindowField::picture});
-  EXPECT_TRUE(texts(appearanceTab).contains(QStringLiteral("Largura atual do bloco: 231,6 pt\n")));
-  EXPECT_TRUE(texts(appearanceTab).contains(QStringLiteral("Fonte, margem ou intervalo")));
-  agent_.picture.width = 130;
-  agent_.picture.warning.reset();
-  tell({WindowField::picture});
-  EXPECT_TRUE(texts(appearanceTab).contains(QStringLiteral("Largura atual do bloco: 130 pt\n")));
-  EXPECT_FALSE(texts(appearanceTab).contains(QStringLiteral("⚠")));
-}
-
-TEST_F(TabsTest, DrawThePicturePixelForPixelInTheTextColour) {
-  agent_.picture = {3, 1, 3, 2, {255, 0, 255, 0, 255, 0}, std::nullopt};
-  tell({WindowField::picture});
-  view_->setCurrentTab(appearanceTab);
-  QWidget* preview = nullptr;
-  for (auto* widget : page(appearanceTab)->findChildren<QWidget*>()) {
-    if (widget->accessibleName() == QStringLiteral("Prévia do bloco na barra")) {
-      preview = widget;
-    }
-  }
-  ASSERT_NE(preview, nullptr);
-  const QImage image = preview->grab().toImage();
-  const QRgb ink = preview->palette().color(QPalette::WindowText).rgb();
-  std::vector<QPoint> places;
-  for (int y = 0; y < image.height(); ++y) {
-    for (int x = 0; x < image.width(); ++x) {
-      if (image.pixelColor(x, y).rgb() == ink) {
-        places.emplace_back(x, y);
-      }
-    }
-  }
-  ASSERT_EQ(places.size(), 3U);
-  EXPECT_EQ(places[1] - places[0], QPoint(2, 0));
-  EXPECT_EQ(places[2] - places[0], QPoint(1, 1));
 }
 
 TEST_F(TabsTest, SayWhatTheirNotesSay) {

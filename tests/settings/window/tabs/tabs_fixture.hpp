@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QPushButton>
+
+#include "settings/window/window_fixture.hpp"
+
+namespace vantora::test {
+
+enum Tab { modulesTab, appearanceTab, samplingTab, codexTab, claudeTab, generalTab };
+
+/// The settings of a quota, which the configuration may lack.
+inline CodexQuotaSettings& codex(AppConfiguration& configuration) {
+  if (!configuration.codexSettings) {
+    configuration.codexSettings.emplace();
+  }
+  return *configuration.codexSettings;
+}
+inline ClaudeQuotaSettings& claude(AppConfiguration& configuration) {
+  if (!configuration.claudeSettings) {
+    configuration.claudeSettings.emplace();
+  }
+  return *configuration.claudeSettings;
+}
+
+/// The whole window, whose tabs are told apart by their places.
+class TabsFixture : public WindowTest {
+ protected:
+  void click(Tab tab, const char* name) {
+    control<QPushButton>(tab, QString::fromUtf8(name))->click();
+  }
+};
+
+}  // namespace vantora::test
