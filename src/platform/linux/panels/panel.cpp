@@ -116,6 +116,10 @@ const Panel& panelOf(std::string_view processName) {
   return unknown;
 }
 
+PictureForm formOn(const Panel& panel, bool isVertical) {
+  return isVertical && panel.form == PictureForm::wide ? PictureForm::square : panel.form;
+}
+
 std::string_view describe(PictureForm form) {
   switch (form) {
     case PictureForm::wide:

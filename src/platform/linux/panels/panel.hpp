@@ -61,6 +61,9 @@ struct Panel {
 /// /proc/PID/comm: cut to 15 bytes (proc_pid_comm(5)), with or without the line end.
 [[nodiscard]] const Panel& panelOf(std::string_view processName);
 
+/// The form that the item has on the panel: a column has no room for a wide picture.
+[[nodiscard]] PictureForm formOn(const Panel& panel, bool isVertical);
+
 /// The form in a few words of Portuguese.
 [[nodiscard]] std::string_view describe(PictureForm form);
 

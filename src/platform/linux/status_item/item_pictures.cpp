@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <array>
 
-#include "platform/linux/status_item/status_item_report.hpp"
 #include "status/rasterise.hpp"
 
 namespace vantora {

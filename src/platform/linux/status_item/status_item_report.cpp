@@ -100,10 +100,6 @@ void describeItem(const StatusItemFacts& facts, StatusItemReport& report) {
 
 }  // namespace
 
-PictureForm formOn(const Panel& panel, bool isVertical) {
-  return isVertical && panel.form == PictureForm::wide ? PictureForm::square : panel.form;
-}
-
 StatusItemReport describe(const StatusItemFacts& facts) {
   StatusItemReport report;
   const StatusNotifierWatcher::State& watcher = facts.watcher;

@@ -26,9 +26,6 @@ struct StatusItemFacts {
   Ink trayInk = Ink::lightOnPlate;  ///< In the tray: of the latest picture.
 };
 
-/// The form that the item has on `panel`: a column has no room for a wide picture.
-[[nodiscard]] PictureForm formOn(const Panel& panel, bool isVertical);
-
 [[nodiscard]] StatusItemReport describe(const StatusItemFacts& facts);
 
 /// Panel and form in a line, for the log.

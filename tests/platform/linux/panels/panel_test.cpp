@@ -84,6 +84,15 @@ TEST_F(Panels, GetTheWholePictureOnlyWhereTheyKeepItWide) {
   EXPECT_EQ(unknownPanel().form, PictureForm::square);
 }
 
+TEST_F(Panels, GetASquareInAColumnInPlaceOfTheWholePictureAlone) {
+  for (const Panel& panel : knownPanels()) {
+    EXPECT_EQ(formOn(panel, false), panel.form) << panel.name;
+  }
+  EXPECT_EQ(formOn(panelOf("mate-panel"), true), PictureForm::square);
+  EXPECT_EQ(formOn(panelOf("gnome-shell"), true), PictureForm::label);
+  EXPECT_EQ(formOn(unknownPanel(), true), PictureForm::square);
+}
+
 TEST_F(Panels, GetAnItemForEachModuleWhereTheyKeepSquaresInOrder) {
   EXPECT_EQ(panelOf("kded5").itemOrder, ItemOrder::leftmost);
   EXPECT_EQ(panelOf("lxqt-panel").itemOrder, ItemOrder::leftmost);
