@@ -48,6 +48,14 @@ void SampleTable::erase(MetricID metric) {
   places_[static_cast<std::size_t>(metric)].reset();
 }
 
+void SampleTable::merge(SampleTable newer) {
+  for (std::size_t place = 0; place < places_.size(); ++place) {
+    if (newer.places_[place]) {
+      places_[place] = std::move(newer.places_[place]);
+    }
+  }
+}
+
 MetricSet SampleTable::metrics() const {
   MetricSet present;
   for (const MetricID metric : allMetrics) {

@@ -48,6 +48,8 @@ class SampleTable {
   [[nodiscard]] const MetricSample* find(MetricID metric) const;
   void set(MetricID metric, MetricSample sample);
   void erase(MetricID metric);
+  /// Takes every sample of `newer` in the place of its own of the metric.
+  void merge(SampleTable newer);
   /// The metrics that have a sample.
   [[nodiscard]] MetricSet metrics() const;
   [[nodiscard]] bool empty() const { return metrics().empty(); }

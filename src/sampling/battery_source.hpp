@@ -4,6 +4,7 @@
 #pragma once
 
 #include "model/sample.hpp"
+#include "runtime/task_queue.hpp"
 
 namespace vantora {
 
@@ -23,6 +24,10 @@ struct BatteryReadings {
 class BatterySource {
  public:
   virtual ~BatterySource() = default;
+
+  /// Reads what the next read() returns, where a driver answers that may take its time, and then
+  /// calls `done` on the sampling queue. By default there is nothing to wait for.
+  virtual void refresh(TaskQueue::Task done) { done(); }
 
   /// Reads everything anew. A machine without a battery is an ordinary state.
   [[nodiscard]] virtual BatteryReadings read() = 0;

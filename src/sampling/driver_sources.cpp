@@ -4,74 +4,56 @@
 #include <utility>
 
 namespace vantora {
-namespace {
 
-// Once the thread has been started the source belongs to it.
-bool isReadInPlace(const DriverPlace& place) {
-  return !place.thread.hasStarted() && !place.hasDrivers();
+DriverBattery::DriverBattery(std::shared_ptr<BatterySource> source, DriverCalls& calls,
+                             const Clock& clock, std::string overdue)
+    : source_(std::move(source)), overdue_(std::move(overdue)), answer_(calls, clock) {}
+
+void DriverBattery::refresh(TaskQueue::Task done) {
+  answer_.refresh([source = source_] { return source->read(); }, std::move(done));
 }
-
-}  // namespace
-
-DriverBattery::DriverBattery(std::shared_ptr<BatterySource> source, DriverPlace place)
-    : source_(std::move(source)),
-      place_(std::move(place)),
-      boundedRead_(place_.thread, place_.clock, place_.limits) {}
 
 BatteryReadings DriverBattery::read() {
-  if (isReadInPlace(place_)) {
-    return source_->read();
-  }
-  if (auto readings = boundedRead_([source = source_] { return source->read(); })) {
-    return *std::move(readings);
-  }
-  BatteryReadings overdue;
-  overdue.percentage = overdue.duration = overdue.adapterWatts =
-      MetricSample::unavailable(place_.overdue);
-  return overdue;
+  return answer_.newest([this](const BatteryReadings* readings) {
+    if (readings != nullptr) {
+      return *readings;
+    }
+    BatteryReadings overdue;
+    overdue.percentage = overdue.duration = overdue.adapterWatts =
+        MetricSample::unavailable(overdue_);
+    return overdue;
+  });
 }
 
-DriverSensors::DriverSensors(std::shared_ptr<SensorSource> source, DriverPlace place)
-    : source_(std::move(source)),
-      place_(std::move(place)),
-      boundedRead_(place_.thread, place_.clock, place_.limits) {}
+DriverSensors::DriverSensors(std::shared_ptr<SensorSource> source, DriverCalls& calls,
+                             const Clock& clock, std::string overdue)
+    : source_(std::move(source)), overdue_(std::move(overdue)), answer_(calls, clock) {}
 
 void DriverSensors::configure(MetricSet demand) {
-  boundedRead_.forget();
-  if (isReadInPlace(place_)) {
-    source_->configure(demand);
-  } else if (place_.thread.hasStarted()) {
-    post([source = source_, demand] { source->configure(demand); });
+  // Opening waits for the driver as well: it is left to the next refresh().
+  if (metricsOfFamily(demand, MetricFamily::sensors).empty()) {
+    reset();
   }
-  // Otherwise the first sample() opens what it needs.
+}
+
+void DriverSensors::refresh(MetricSet demand, TaskQueue::Task done) {
+  answer_.refresh([source = source_, demand] { return source->sample(demand); }, std::move(done));
 }
 
 SampleTable DriverSensors::sample(MetricSet demand) {
-  if (isReadInPlace(place_)) {
-    return source_->sample(demand);
-  }
-  const auto readings = boundedRead_([source = source_, demand] { return source->sample(demand); });
-  SampleTable samples;
-  for (const MetricID metric : metricsOfFamily(demand, MetricFamily::sensors)) {
-    // The newest answer may be one for an older demand.
-    const MetricSample* sample = readings ? readings->find(metric) : nullptr;
-    samples.set(metric, sample != nullptr ? *sample : MetricSample::unavailable(place_.overdue));
-  }
-  return samples;
+  return answer_.newest([this, demand](const SampleTable* readings) {
+    SampleTable samples;
+    for (const MetricID metric : metricsOfFamily(demand, MetricFamily::sensors)) {
+      // The newest answer may be one for an older demand.
+      const MetricSample* sample = readings != nullptr ? readings->find(metric) : nullptr;
+      samples.set(metric, sample != nullptr ? *sample : MetricSample::unavailable(overdue_));
+    }
+    return samples;
+  });
 }
 
 void DriverSensors::reset() {
-  boundedRead_.forget();
-  if (place_.thread.hasStarted()) {
-    post([source = source_] { source->reset(); });
-  } else {
-    source_->reset();
-  }
-}
-
-void DriverSensors::post(WorkThread::Task task) {
-  // Where there is no thread to be had, the source stays as it was: sample() says so.
-  [[maybe_unused]] const bool isTaken = place_.thread.post(std::move(task));
+  answer_.startOver([source = source_] { source->reset(); });
 }
 
 }  // namespace vantora

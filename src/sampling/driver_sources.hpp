@@ -4,53 +4,46 @@
 // a pass waits. A driver that hangs costs its own readings and no others.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 
 #include "sampling/battery_source.hpp"
-#include "sampling/bounded_read.hpp"
+#include "sampling/driver_answer.hpp"
 #include "sampling/sensor_source.hpp"
 
 namespace vantora {
 
-/// Where such a source is read, and what it says meanwhile.
-struct DriverPlace {
-  WorkThread& thread;  ///< Of this source alone.
-  const Clock& clock;  ///< Both must outlive every read.
-  /// Whether there is a driver that may block. While there has been none, the source is read
-  /// on the sampling queue itself and costs no thread.
-  std::function<bool()> hasDrivers;
-  std::string overdue;  ///< The source text, in Portuguese, while no answer comes.
-  ReadLimits limits{};
-};
-
 class DriverBattery final : public BatterySource {
  public:
-  DriverBattery(std::shared_ptr<BatterySource> source, DriverPlace place);
+  /// `overdue` is the source text, in Portuguese, while no answer comes. `calls` and `clock` must
+  /// outlive the object.
+  DriverBattery(std::shared_ptr<BatterySource> source, DriverCalls& calls, const Clock& clock,
+                std::string overdue);
 
+  void refresh(TaskQueue::Task done) override;
   [[nodiscard]] BatteryReadings read() override;
 
  private:
-  const std::shared_ptr<BatterySource> source_;
-  const DriverPlace place_;
-  BoundedRead<BatteryReadings> boundedRead_;
+  const std::shared_ptr<BatterySource> source_;  // shared with a read under way
+  const std::string overdue_;
+  DriverAnswer<BatteryReadings> answer_;
 };
 
 class DriverSensors final : public SensorSource {
  public:
-  DriverSensors(std::shared_ptr<SensorSource> source, DriverPlace place);
+  /// As DriverBattery's.
+  DriverSensors(std::shared_ptr<SensorSource> source, DriverCalls& calls, const Clock& clock,
+                std::string overdue);
 
   void configure(MetricSet demand) override;
+  void refresh(MetricSet demand, TaskQueue::Task done) override;
   [[nodiscard]] SampleTable sample(MetricSet demand) override;
   void reset() override;
 
  private:
-  void post(WorkThread::Task task);
-
-  const std::shared_ptr<SensorSource> source_;
-  const DriverPlace place_;
-  BoundedRead<SampleTable> boundedRead_;
+  const std::shared_ptr<SensorSource> source_;  // shared with a read under way
+  const std::string overdue_;
+  DriverAnswer<SampleTable> answer_;
 };
 
 }  // namespace vantora

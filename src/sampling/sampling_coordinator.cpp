@@ -49,7 +49,7 @@ void SamplingCoordinator::refreshBattery() {
   // Also while sleeping: a power source that changes on the way to sleep is still shown.
   queue_.post([self = shared_from_this()] {
     if (!self->configuration_.paused && self->families_.contains(MetricFamily::battery)) {
-      self->sample(true);
+      self->beginPass(Reason::change);
     }
   });
 }
@@ -124,10 +124,10 @@ void SamplingCoordinator::reconfigure(AppConfiguration configuration) {
   }
 
   if (!isActive || demand_.empty()) {
-    publish();
+    publish(Reason::change);
     return;
   }
-  sample(true);
+  beginPass(Reason::change);
   if (startsTimer(configuration_)) {
     startTimer();
   }
@@ -137,29 +137,51 @@ void SamplingCoordinator::startTimer() {
   timer_ = queue_.runEvery(Seconds{configuration_.intervalSeconds}, timerLeeway,
                            [weak = weak_from_this()] {
                              if (const auto self = weak.lock()) {
-                               self->sample(false);
+                               self->beginPass(Reason::tick);
                              }
                            });
 }
 
-void SamplingCoordinator::sample(bool forceBattery) {
+// Battery and sensors first, where their drivers take time; sample() then finds the answers.
+void SamplingCoordinator::beginPass(Reason reason) {
+  const Seconds now = clock_.uptime();
+  const bool isDue = reason == Reason::change || now - batteryLastRead_ >= batteryInterval;
+  if (!isDue || !families_.contains(MetricFamily::battery)) {
+    refreshSensors(reason, false);
+    return;
+  }
+  batteryLastRead_ = now;
+  sources_.battery->refresh([weak = weak_from_this(), reason] {
+    if (const auto self = weak.lock()) {
+      self->refreshSensors(reason, true);
+    }
+  });
+}
+
+void SamplingCoordinator::refreshSensors(Reason reason, bool readsBattery) {
+  if (!families_.contains(MetricFamily::sensors)) {
+    sample(reason, readsBattery);
+    return;
+  }
+  sources_.sensors->refresh(demand_, [weak = weak_from_this(), reason, readsBattery] {
+    if (const auto self = weak.lock()) {
+      self->sample(reason, readsBattery);
+    }
+  });
+}
+
+void SamplingCoordinator::sample(Reason reason, bool readsBattery) {
   if (demand_.contains(MetricID::cpuUsage)) {
     snapshot_.samples.set(MetricID::cpuUsage, cpu_.sample());
   }
   sampleNetwork(demand_);
-  const Seconds now = clock_.uptime();
-  if (families_.contains(MetricFamily::battery) &&
-      (forceBattery || now - batteryLastRead_ >= batteryInterval)) {
-    batteryLastRead_ = now;
+  if (readsBattery) {
     sampleBattery(demand_);
   }
   if (families_.contains(MetricFamily::sensors)) {
-    const SampleTable readings = sources_.sensors->sample(demand_);
-    for (const MetricID metric : readings.metrics()) {
-      snapshot_.samples.set(metric, *readings.find(metric));
-    }
+    snapshot_.samples.merge(sources_.sensors->sample(demand_));
   }
-  publish();
+  publish(reason);
 }
 
 void SamplingCoordinator::sampleNetwork(MetricSet demand) {
@@ -206,7 +228,11 @@ std::vector<NetworkLink> SamplingCoordinator::readLinks() const {
   return links;
 }
 
-void SamplingCoordinator::publish() {
+void SamplingCoordinator::publish(Reason reason) {
+  const bool isNewsNow = !isNews || isNews(snapshot_);
+  if (reason == Reason::tick && !isNewsNow) {
+    return;
+  }
   main_.post([weak = weak_from_this(), snapshot = snapshot_]() mutable {
     const auto self = weak.lock();
     if (self != nullptr && self->onSnapshot) {

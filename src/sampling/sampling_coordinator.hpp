@@ -48,6 +48,11 @@ class SamplingCoordinator final : public std::enable_shared_from_this<SamplingCo
   /// queue before the first configure().
   std::function<void(MetricSnapshot)> onSnapshot;
 
+  /// Whether the snapshot of a tick is worth waking the main thread for. Called on the sampling
+  /// queue for every snapshot; what is published for another reason than a tick is published
+  /// whatever the answer. Without it every tick publishes. Set it as onSnapshot.
+  std::function<bool(const MetricSnapshot&)> isNews;
+
   /// Samples by this configuration from now on: takes one pass at once, unless it is
   /// paused, shows nothing, or the machine sleeps, and always publishes once.
   void configure(AppConfiguration configuration);
@@ -66,8 +71,7 @@ class SamplingCoordinator final : public std::enable_shared_from_this<SamplingCo
   void resetAfterWake();
 
   /// Whether further passes follow the first by themselves. Where not, what is shown
-  /// changes only by refreshBattery() and by the other providers. Every pass publishes
-  /// exactly once.
+  /// changes only by refreshBattery() and by the other providers.
   [[nodiscard]] static bool startsTimer(const AppConfiguration& configuration);
 
  private:
@@ -82,11 +86,14 @@ class SamplingCoordinator final : public std::enable_shared_from_this<SamplingCo
   // All of these on the sampling queue.
   void reconfigure(AppConfiguration configuration);
   void startTimer();
-  void sample(bool forceBattery);
+  enum class Reason : bool { tick, change };
+  void beginPass(Reason reason);
+  void refreshSensors(Reason reason, bool readsBattery);
+  void sample(Reason reason, bool readsBattery);
   void sampleNetwork(MetricSet demand);
   void sampleBattery(MetricSet demand);
   [[nodiscard]] std::vector<NetworkLink> readLinks() const;
-  void publish();
+  void publish(Reason reason);
   void resetRates();
 
   TaskQueue& queue_;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "model/sample.hpp"
+#include "runtime/task_queue.hpp"
 
 namespace vantora {
 
@@ -15,6 +16,14 @@ class SensorSource {
   /// Opens what the demanded sensor metrics need, and lets go of everything when none
   /// is demanded.
   virtual void configure(MetricSet demand) = 0;
+
+  /// Reads what the next sample() returns, where the readings come from a driver that may take
+  /// its time, and then calls `done` on the sampling queue. By default there is nothing to wait
+  /// for.
+  virtual void refresh(MetricSet demand, TaskQueue::Task done) {
+    (void)demand;
+    done();
+  }
 
   /// A sample for every demanded metric of the sensors family and for no other; one that
   /// cannot be read has a sample that says why.

@@ -67,5 +67,17 @@ TEST(SampleTable, KeepsReplacesAndErasesOneSampleAMetric) {
   EXPECT_FALSE(table.empty());
 }
 
+TEST(SampleTable, TakesNewerSamplesInThePlaceOfItsOwn) {
+  SampleTable newer;
+  newer.set(MetricID::upload, MetricSample::waiting("new"));
+  SampleTable table;
+  table.set(MetricID::upload, MetricSample::waiting("old"));
+  table.set(MetricID::cpuUsage, MetricSample::waiting("kept"));
+  table.merge(std::move(newer));
+  EXPECT_EQ(table.find(MetricID::upload)->source, "new");
+  EXPECT_EQ(table.find(MetricID::cpuUsage)->source, "kept");
+  EXPECT_EQ(table.metrics(), (MetricSet{MetricID::upload, MetricID::cpuUsage}));
+}
+
 }  // namespace
 }  // namespace vantora

@@ -3,57 +3,48 @@
 
 #include <gtest/gtest.h>
 
-#include <future>
-#include <thread>
+#include <deque>
+#include <optional>
 
 #include "sampling/sampling_coordinator_fixture.hpp"
 
 namespace vantora::test {
 namespace {
 
-constexpr Seconds ample{600};
 constexpr MetricSet temperatures{MetricID::cpuTemperature, MetricID::batteryTemperature};
 
-// A driver that may be made to hang.
-class Driver {
+// A queue whose drivers answer at once, or hang until the test lets them answer.
+class FakeDriverCalls final : public DriverCalls {
  public:
-  void hang() { held_ = release_.get_future().share(); }
-  void recover() { release_.set_value(); }
-  void answer() {
-    if (held_.valid()) {
-      held_.wait();
+  bool hangs = false;
+  int calls = 0;
+
+  void call(Task work, Task done) override {
+    ++calls;
+    if (hangs) {
+      hanging_.push_back(std::move(work));
+    } else {
+      work();
     }
-    thread_ = std::this_thread::get_id();
+    done();
   }
-  [[nodiscard]] std::thread::id thread() const { return thread_; }
+  void letAnswer() {
+    hangs = false;
+    for (const Task& work : std::exchange(hanging_, {})) {
+      work();
+    }
+  }
 
  private:
-  std::promise<void> release_;
-  std::shared_future<void> held_;
-  std::thread::id thread_;
+  std::deque<Task> hanging_;
 };
 
-class HangingBattery final : public BatterySource {
+class CountingSensors final : public SensorSource {
  public:
-  Driver driver;
-  [[nodiscard]] BatteryReadings read() override {
-    driver.answer();
-    BatteryReadings readings;
-    readings.percentage = MetricSample::valid(80, "driver", {});
-    readings.onAC = true;
-    return readings;
-  }
-};
-
-class HangingSensors final : public SensorSource {
- public:
-  Driver driver;
   int resets = 0;
   double value = 50;
-  MetricSet configured;
-  void configure(MetricSet demand) override { configured = demand; }
+  void configure(MetricSet) override { ADD_FAILURE() << "it would wait for the driver"; }
   [[nodiscard]] SampleTable sample(MetricSet demand) override {
-    driver.answer();
     SampleTable table;
     for (const MetricID metric : metricsOfFamily(demand, MetricFamily::sensors)) {
       table.set(metric, MetricSample::valid(value, "driver", {}));
@@ -65,127 +56,138 @@ class HangingSensors final : public SensorSource {
 
 class DriverSourcesTest : public testing::Test {
  protected:
-  DriverPlace place(Seconds wait) {
-    return {.thread = thread,
-            .clock = time,
-            .hasDrivers = [this] { return hasDrivers; },
-            .overdue = "não responde",
-            .limits = {.waitTimeout = wait, .overdueAfter = Seconds{5}}};
+  DriverSourcesTest() {
+    battery->next.percentage = MetricSample::valid(80, "driver", {});
+    battery->next.onAC = true;
   }
-  void letTheThreadFinish() {
-    std::promise<void> done;
-    ASSERT_TRUE(thread.post([&] { done.set_value(); }));
-    done.get_future().wait();
+  BatteryReadings readBattery() {
+    int runs = 0;
+    batterySource.refresh([&] { ++runs; });
+    EXPECT_EQ(runs, 1);
+    return batterySource.read();
+  }
+  SampleTable sample(MetricSet demand) {
+    int runs = 0;
+    sensorSource.refresh(demand, [&] { ++runs; });
+    EXPECT_EQ(runs, 1);
+    return sensorSource.sample(demand);
   }
 
   VirtualTime time;
-  WorkThread thread{"test"};
-  bool hasDrivers = true;
-  std::shared_ptr<HangingBattery> battery = std::make_shared<HangingBattery>();
-  std::shared_ptr<HangingSensors> sensors = std::make_shared<HangingSensors>();
+  FakeDriverCalls calls;
+  std::shared_ptr<FakeBatterySource> battery = std::make_shared<FakeBatterySource>();
+  std::shared_ptr<CountingSensors> sensors = std::make_shared<CountingSensors>();
+  DriverBattery batterySource{battery, calls, time, "não responde"};
+  DriverSensors sensorSource{sensors, calls, time, "não responde"};
 };
 
-TEST_F(DriverSourcesTest, ResetTheSensorsAtOnceWhileTheyHaveNoThread) {
-  hasDrivers = false;
-  DriverSensors source(sensors, place(ample));
-  source.reset();
-  EXPECT_EQ(sensors->resets, 1);
-  EXPECT_FALSE(thread.hasStarted());
+TEST_F(DriverSourcesTest, ReadWhatTheDriverAnswers) {
+  EXPECT_EQ(readBattery(), battery->next);
+  EXPECT_EQ(sample(temperatures).find(MetricID::cpuTemperature)->value, 50);
+  sensors->value = 60;
+  EXPECT_EQ(sample(temperatures).find(MetricID::cpuTemperature)->value, 60);
 }
 
-TEST_F(DriverSourcesTest, ReadTheBatteryOnAThreadOfItsOwn) {
-  DriverBattery source(battery, place(ample));
-  EXPECT_EQ(source.read().percentage.value, 80);
-  EXPECT_NE(battery->driver.thread(), std::this_thread::get_id());
-}
-
-TEST_F(DriverSourcesTest, StartNoThreadWhereThereIsNoDriverAndOneWhenItAppears) {
-  hasDrivers = false;
-  DriverBattery source(battery, place(ample));
-  DriverSensors sensorSource(sensors, place(ample));
-  EXPECT_EQ(source.read().percentage.value, 80);
-  EXPECT_EQ(battery->driver.thread(), std::this_thread::get_id());
-  EXPECT_EQ(sensorSource.sample(temperatures).find(MetricID::cpuTemperature)->value, 50);
-  EXPECT_FALSE(thread.hasStarted());
-  hasDrivers = true;
-  EXPECT_EQ(source.read().percentage.value, 80);
-  EXPECT_NE(battery->driver.thread(), std::this_thread::get_id());
-  EXPECT_EQ(sensorSource.sample(temperatures).find(MetricID::cpuTemperature)->value, 50);
-  EXPECT_EQ(sensors->driver.thread(), battery->driver.thread());
+TEST_F(DriverSourcesTest, AskOneQuestionAtATime) {
+  calls.hangs = true;
+  (void)readBattery();
+  (void)readBattery();
+  EXPECT_EQ(calls.calls, 1);
+  EXPECT_EQ(battery->reads, 0);
 }
 
 TEST_F(DriverSourcesTest, SayWhyABatteryHasNoReadingsWhileItsDriverHangs) {
-  battery->driver.hang();
-  DriverBattery source(battery, place(Seconds{0}));
-  const BatteryReadings readings = source.read();
+  calls.hangs = true;
+  const BatteryReadings readings = readBattery();
   EXPECT_EQ(readings.percentage, MetricSample::unavailable("não responde"));
   EXPECT_EQ(readings.duration, MetricSample::unavailable("não responde"));
   EXPECT_EQ(readings.adapterWatts, MetricSample::unavailable("não responde"));
   EXPECT_FALSE(readings.onAC);
-  battery->driver.recover();
 }
 
 TEST_F(DriverSourcesTest, SayWhySensorsHaveNoReadingsWhileTheirDriverHangs) {
-  sensors->driver.hang();
-  DriverSensors source(sensors, place(Seconds{0}));
-  const MetricSet demand{MetricID::cpuTemperature, MetricID::fan1RPM, MetricID::cpuUsage};
-  const SampleTable samples = source.sample(demand);
+  calls.hangs = true;
+  const SampleTable samples =
+      sample({MetricID::cpuTemperature, MetricID::fan1RPM, MetricID::cpuUsage});
   EXPECT_EQ(*samples.find(MetricID::cpuTemperature), MetricSample::unavailable("não responde"));
   EXPECT_EQ(*samples.find(MetricID::fan1RPM), MetricSample::unavailable("não responde"));
   EXPECT_EQ(samples.find(MetricID::cpuUsage), nullptr);
-  sensors->driver.recover();
+}
+
+TEST_F(DriverSourcesTest, KeepTheAnswerBeforeUntilTheQuestionIsOverdue) {
+  (void)sample(temperatures);
+  calls.hangs = true;
+  EXPECT_EQ(sample(temperatures).find(MetricID::cpuTemperature)->value, 50);
+  time.advance(Seconds{5});
+  EXPECT_EQ(sample(temperatures).find(MetricID::cpuTemperature)->value, 50);
+  time.advance(Seconds{0.1});
+  EXPECT_EQ(*sample(temperatures).find(MetricID::cpuTemperature),
+            MetricSample::unavailable("não responde"));
+}
+
+TEST_F(DriverSourcesTest, TakeALateAnswerAndAskOn) {
+  calls.hangs = true;
+  (void)readBattery();
+  time.advance(Seconds{3600});
+  EXPECT_EQ(readBattery().percentage.quality, Quality::unavailable);
+  calls.letAnswer();
+  EXPECT_EQ(batterySource.read(), battery->next);
+  battery->next.percentage = MetricSample::valid(81, "driver", {});
+  EXPECT_EQ(readBattery().percentage.value, 81);
 }
 
 TEST_F(DriverSourcesTest, AnswerForTheDemandOfTheMoment) {
-  DriverSensors source(sensors, place(Seconds{0}));
-  (void)source.sample({MetricID::cpuTemperature});
-  letTheThreadFinish();
-  sensors->driver.hang();
-  const SampleTable samples = source.sample(temperatures);
+  (void)sample({MetricID::cpuTemperature});
+  calls.hangs = true;
+  const SampleTable samples = sample(temperatures);
   EXPECT_EQ(samples.find(MetricID::cpuTemperature)->value, 50);
   EXPECT_EQ(*samples.find(MetricID::batteryTemperature), MetricSample::unavailable("não responde"));
-  EXPECT_EQ(source.sample({MetricID::batteryTemperature}).find(MetricID::cpuTemperature), nullptr);
-  sensors->driver.recover();
+  EXPECT_EQ(sample({MetricID::batteryTemperature}).find(MetricID::cpuTemperature), nullptr);
 }
 
-TEST_F(DriverSourcesTest, PassOnWhatIsWantedOfTheSensorsWithoutWaiting) {
-  DriverSensors source(sensors, place(Seconds{0}));
-  sensors->driver.hang();
-  (void)source.sample(temperatures);
-  source.reset();
-  source.configure({MetricID::fan1RPM});
+TEST_F(DriverSourcesTest, LeaveOpeningTheSensorsToTheirNextRefresh) {
+  sensorSource.configure(temperatures);
+  EXPECT_EQ(calls.calls, 0);
   EXPECT_EQ(sensors->resets, 0);
-  sensors->driver.recover();
-  letTheThreadFinish();
+}
+
+TEST_F(DriverSourcesTest, LetGoOfTheSensorsOnceNoneIsDemanded) {
+  sensorSource.configure({MetricID::cpuUsage});
   EXPECT_EQ(sensors->resets, 1);
-  EXPECT_EQ(sensors->configured, MetricSet{MetricID::fan1RPM});
 }
 
-TEST_F(DriverSourcesTest, ReadTheSensorsAnewOnceTheDemandChanges) {
-  DriverPlace reusing = place(ample);
-  reusing.limits.reuseFor = Seconds{2.5};
-  DriverSensors source(sensors, std::move(reusing));
-  source.configure({MetricID::cpuTemperature});
-  (void)source.sample({MetricID::cpuTemperature});
-  source.configure(temperatures);
-  EXPECT_EQ(source.sample(temperatures).find(MetricID::batteryTemperature)->value, 50);
+TEST_F(DriverSourcesTest, ForgetTheirReadingsWithAReset) {
+  (void)sample(temperatures);
+  sensorSource.reset();
+  EXPECT_EQ(sensors->resets, 1);
+  EXPECT_EQ(sensorSource.sample(temperatures).find(MetricID::cpuTemperature)->quality,
+            Quality::unavailable);
 }
 
-TEST_F(DriverSourcesTest, ReadTheSensorsAnewAfterAReset) {
-  DriverPlace reusing = place(ample);
-  reusing.limits.reuseFor = Seconds{2.5};
-  DriverSensors source(sensors, std::move(reusing));
-  EXPECT_EQ(source.sample(temperatures).find(MetricID::cpuTemperature)->value, 50);
-  source.reset();
-  sensors->value = 60;
-  EXPECT_EQ(source.sample(temperatures).find(MetricID::cpuTemperature)->value, 60);
+TEST_F(DriverSourcesTest, ResetSensorsThatHangOnceTheyAnswerAndDropThatAnswer) {
+  calls.hangs = true;
+  (void)sample(temperatures);
+  sensorSource.reset();
+  EXPECT_EQ(sensors->resets, 0);
+  calls.letAnswer();
+  EXPECT_EQ(sensors->resets, 1);
+  EXPECT_EQ(sensorSource.sample(temperatures).find(MetricID::cpuTemperature)->quality,
+            Quality::unavailable);
+  EXPECT_EQ(sample(temperatures).find(MetricID::cpuTemperature)->value, 50);
+}
+
+TEST_F(DriverSourcesTest, MayBeGoneWhenTheDriverAnswers) {
+  calls.hangs = true;
+  {
+    DriverSensors shortLived(sensors, calls, time, "não responde");
+    shortLived.refresh(temperatures, [] {});
+  }
+  calls.letAnswer();
 }
 
 // The whole coordinator over a battery and sensors that never answer.
 TEST_F(DriverSourcesTest, LeaveCpuAndNetworkTheirReadingsWhileADriverHangs) {
-  WorkThread sensorThread("test");
-  battery->driver.hang();
-  sensors->driver.hang();
+  calls.hangs = true;
   const auto queue = time.makeQueue();
   const auto main = time.makeQueue();
   auto ticks = std::make_unique<FakeTickCounters>();
@@ -193,16 +195,11 @@ TEST_F(DriverSourcesTest, LeaveCpuAndNetworkTheirReadingsWhileADriverHangs) {
   ticks->set(100, 100);
   network->add("en0");
   auto* const counters = ticks.get();
-  DriverPlace sensorPlace{.thread = sensorThread,
-                          .clock = time,
-                          .hasDrivers = [] { return true; },
-                          .overdue = "não responde",
-                          .limits = {.waitTimeout = Seconds{0}}};
   const auto coordinator = SamplingCoordinator::create(
       *queue, *main, time,
       {std::move(ticks), std::move(network),
-       std::make_unique<DriverBattery>(battery, place(Seconds{0})),
-       std::make_unique<DriverSensors>(sensors, std::move(sensorPlace))});
+       std::make_unique<DriverBattery>(battery, calls, time, "não responde"),
+       std::make_unique<DriverSensors>(sensors, calls, time, "não responde")});
   MetricSnapshot last;
   coordinator->onSnapshot = [&](MetricSnapshot snapshot) { last = std::move(snapshot); };
   AppConfiguration configuration =
@@ -217,8 +214,9 @@ TEST_F(DriverSourcesTest, LeaveCpuAndNetworkTheirReadingsWhileADriverHangs) {
   EXPECT_EQ(last[MetricID::download].quality, Quality::valid);
   EXPECT_EQ(last[MetricID::batteryPercent], MetricSample::unavailable("não responde"));
   EXPECT_EQ(last[MetricID::cpuTemperature], MetricSample::unavailable("não responde"));
-  battery->driver.recover();
-  sensors->driver.recover();
+  calls.letAnswer();
+  time.advance(Seconds{2});
+  EXPECT_EQ(last[MetricID::cpuTemperature].value, 50);
 }
 
 }  // namespace

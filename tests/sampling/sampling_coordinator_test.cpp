@@ -49,6 +49,35 @@ TEST_F(SamplingCoordinatorTest, TakesAPassEveryInterval) {
   }
 }
 
+TEST_F(SamplingCoordinatorTest, PublishesOnlyTheTicksThatAreNews) {
+  bool areNews = false;
+  int asked = 0;
+  coordinator_->isNews = [&](const MetricSnapshot&) {
+    ++asked;
+    return areNews;
+  };
+  configure(showing(MetricID::cpuUsage));
+  EXPECT_EQ(published_.size(), 1U);
+  time_.advance(Seconds{4});
+  EXPECT_EQ(published_.size(), 1U);
+  areNews = true;
+  time_.advance(Seconds{2});
+  EXPECT_EQ(published_.size(), 2U);
+  EXPECT_EQ(asked, 4);
+}
+
+TEST_F(SamplingCoordinatorTest, PublishesAChangeAndAPowerSourceThatAreNoNews) {
+  coordinator_->isNews = [](const MetricSnapshot&) { return false; };
+  configure(showing(MetricID::batteryPercent));
+  coordinator_->refreshBattery();
+  time_.runPosted();
+  EXPECT_EQ(published_.size(), 2U);
+  AppConfiguration paused = showing(MetricID::batteryPercent);
+  paused.paused = true;
+  configure(paused);
+  EXPECT_EQ(published_.size(), 3U);
+}
+
 TEST_F(SamplingCoordinatorTest, LetsTheSystemRunItsTimerATenthOfASecondLate) {
   configure(showing(MetricID::cpuUsage));
   EXPECT_EQ(queue_->lastLeeway(), Seconds{0.1});

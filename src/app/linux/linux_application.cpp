@@ -7,7 +7,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
-#include <system_error>
 #include <utility>
 
 #include "app/linux/first_configuration.hpp"
@@ -33,14 +32,6 @@ std::string homeFolder() {
   return home;
 }
 
-bool hasEntries(const char* folder) {
-  std::error_code error;
-  return !std::filesystem::is_empty(folder, error) && !error;
-}
-
-constexpr const char* batteryFolder = "/sys/class/power_supply";
-constexpr const char* sensorFolder = "/sys/class/hwmon";
-
 }  // namespace
 
 LinuxApplication::LinuxApplication(std::filesystem::path configHome)
@@ -51,31 +42,18 @@ LinuxApplication::LinuxApplication(std::filesystem::path configHome)
   launcher_.emplace(loop_.raw(), loop_.queue());
 }
 
-// An embedded controller takes tens of milliseconds for an answer, and a broken one never
-// gives one: battery and sensors are read on threads of their own, as soon as a driver is there.
-SamplingSources LinuxApplication::samplingSources() {
-  auto battery = std::make_unique<DriverBattery>(
-      std::make_shared<LinuxBatterySource>(clock_),
-      DriverPlace{.thread = batteryThread_,
-                  .clock = clock_,
-                  .hasDrivers = [] { return hasEntries(batteryFolder); },
-                  .overdue = "Linux power_supply · a bateria não responde"});
-  auto sensors = std::make_unique<DriverSensors>(
-      std::make_shared<LinuxSensorSource>(clock_),
-      DriverPlace{
-          .thread = sensorThread_,
-          .clock = clock_,
-          .hasDrivers = [] { return hasEntries(sensorFolder) || hasEntries(batteryFolder); },
-          .overdue = "Linux hwmon · os sensores não respondem",
-          // A little more than the longest interval.
-          .limits = {.reuseFor = Seconds{2.5}}});
+SamplingSources LinuxApplication::samplingSources(DriverCalls& calls) const {
   return {std::make_unique<ProcStatTicks>(), std::make_unique<RtnetlinkSource>(),
-          std::move(battery), std::move(sensors)};
+          std::make_unique<DriverBattery>(std::make_shared<LinuxBatterySource>(clock_), calls,
+                                          clock_, "Linux power_supply · a bateria não responde"),
+          std::make_unique<DriverSensors>(std::make_shared<LinuxSensorSource>(clock_), calls,
+                                          clock_, "Linux hwmon · os sensores não respondem")};
 }
 
 AppParts LinuxApplication::parts(StatusItem& statusItem, TextEngine& textEngine) {
   UvTaskQueue& main = loop_.queue();
-  samplingThread_.emplace(std::string(SamplingCoordinator::queueLabel));
+  DriverQueue& sampling =
+      samplingQueue_.emplace(loop_.raw(), std::string(SamplingCoordinator::queueLabel));
   return {
       .mainQueue = main,
       .clock = clock_,
@@ -83,8 +61,7 @@ AppParts LinuxApplication::parts(StatusItem& statusItem, TextEngine& textEngine)
       .textEngine = textEngine,
       .model = std::make_unique<SettingsModel>(main, fileWorker_, configurationStore(), loginItem_,
                                                defaults_),
-      .sampling =
-          SamplingCoordinator::create(samplingThread_->queue(), main, clock_, samplingSources()),
+      .sampling = SamplingCoordinator::create(sampling, main, clock_, samplingSources(sampling)),
       .codexQuota = makeCodexQuotaProvider(conversationHost(), clock_, defaults_,
                                            CodexExecutablePlaces::onLinux(home_)),
       .claudeQuota = makeClaudeQuotaProvider(conversationHost(), clock_,
@@ -110,8 +87,7 @@ int LinuxApplication::end(int status) {
   constexpr std::chrono::seconds endTimeout{1};
   launcher_.reset();
   const auto deadline = std::chrono::steady_clock::now() + endTimeout;
-  // A save first: it is what a second can still bring to an end. The sampling thread before
-  // those that it uses.
+  // A save first: it is what a second can still bring to an end.
   const bool isSaved = fileWorker_.endBy(deadline);
   if (isSaved && endSamplingBy(deadline) && linkThread_.endBy(deadline) &&
       batteryThread_.endBy(deadline) && sensorThread_.endBy(deadline)) {
@@ -122,12 +98,12 @@ int LinuxApplication::end(int status) {
 }
 
 bool LinuxApplication::endSamplingBy(std::chrono::steady_clock::time_point deadline) {
-  if (samplingThread_) {
-    samplingThread_->stop();
-    if (!samplingThread_->waitUntil(deadline)) {
+  if (samplingQueue_) {
+    samplingQueue_->stop();
+    if (!samplingQueue_->waitUntil(deadline)) {
       return false;
     }
-    samplingThread_.reset();
+    samplingQueue_.reset();
   }
   return true;
 }

@@ -13,6 +13,7 @@
 #include "app/app_coordinator.hpp"
 #include "platform/linux/desktop/autostart_login_item.hpp"
 #include "platform/linux/desktop/json_user_defaults.hpp"
+#include "platform/linux/driver_queue/driver_queue.hpp"
 #include "process/uv_child_process.hpp"
 #include "quota/one_answer_client.hpp"
 #include "runtime/system_clock.hpp"
@@ -59,20 +60,18 @@ class LinuxApplication {
   [[nodiscard]] int end(int status);
 
  private:
-  // Longer than from one reading of the sensors to the next, shorter than the battery's.
-  static constexpr Seconds driverIdleTimeout{5};
-
-  [[nodiscard]] SamplingSources samplingSources();
+  [[nodiscard]] SamplingSources samplingSources(DriverCalls& calls) const;
   [[nodiscard]] bool endSamplingBy(std::chrono::steady_clock::time_point deadline);
   [[nodiscard]] ConversationHost conversationHost();
 
   const std::filesystem::path configHome_;
   const SystemClock clock_;
   UvLoop loop_;
-  std::optional<UvQueueThread> samplingThread_;   // from parts() on
-  WorkThread linkThread_{"local.vantora.links"};  // of a diagnosis
-  WorkThread batteryThread_{"local.vantora.battery", driverIdleTimeout};
-  WorkThread sensorThread_{"local.vantora.sensors", driverIdleTimeout};
+  std::optional<DriverQueue> samplingQueue_;  // from parts() on
+  // Of a diagnosis:
+  WorkThread linkThread_{"local.vantora.links"};
+  WorkThread batteryThread_{"local.vantora.battery"};
+  WorkThread sensorThread_{"local.vantora.sensors"};
   const std::string home_;  // without a trailing separator
   std::optional<UvChildProcessLauncher> launcher_;
   JsonUserDefaults defaults_;
