@@ -15,19 +15,16 @@ namespace vantora {
 // Shared with the thread, which may be left behind.
 struct WorkThread::Core {
   std::string label;
-  Seconds idleTimeout{0};
 
   std::mutex mutex;
-  std::condition_variable hasWork;
   std::condition_variable isFinished;
   std::deque<Task> tasks;  // guarded by mutex
   bool hasThread = false;  // guarded by mutex
-  bool isEnding = false;   // guarded by mutex
 
   void run() {
     nameThisThread(label);
     std::unique_lock lock(mutex);
-    while (waitForWork(lock)) {
+    while (!tasks.empty()) {
       Task task = std::move(tasks.front());
       tasks.pop_front();
       lock.unlock();
@@ -38,20 +35,10 @@ struct WorkThread::Core {
     hasThread = false;
     isFinished.notify_all();
   }
-
-  // False when the thread shall end.
-  bool waitForWork(std::unique_lock<std::mutex>& lock) {
-    if (tasks.empty() && !isEnding) {
-      const std::chrono::duration<double> wait = idleTimeout;
-      hasWork.wait_for(lock, wait, [this] { return !tasks.empty() || isEnding; });
-    }
-    return !tasks.empty();
-  }
 };
 
-WorkThread::WorkThread(std::string label, Seconds idleTimeout) : core_(std::make_shared<Core>()) {
+WorkThread::WorkThread(std::string label) : core_(std::make_shared<Core>()) {
   core_->label = std::move(label);
-  core_->idleTimeout = idleTimeout;
 }
 
 WorkThread::~WorkThread() {
@@ -61,21 +48,16 @@ WorkThread::~WorkThread() {
 }
 
 bool WorkThread::post(Task&& task) {
-  {
-    const std::lock_guard lock(core_->mutex);
-    if (!core_->hasThread) {
-      try {
-        std::thread([core = core_] { core->run(); }).detach();
-      } catch (const std::system_error&) {
-        return false;
-      }
-      core_->hasThread = true;
+  const std::lock_guard lock(core_->mutex);
+  if (!core_->hasThread) {
+    try {
+      std::thread([core = core_] { core->run(); }).detach();
+    } catch (const std::system_error&) {
+      return false;
     }
-    core_->tasks.push_back(std::move(task));
-    hasStarted_ = true;
+    core_->hasThread = true;
   }
-  // Without the mutex, which the thread that wakes takes first.
-  core_->hasWork.notify_one();
+  core_->tasks.push_back(std::move(task));
   return true;
 }
 
@@ -83,8 +65,6 @@ bool WorkThread::endBy(std::chrono::steady_clock::time_point deadline) {
   hasEnded_ = true;
   std::deque<Task> dropped;
   std::unique_lock lock(core_->mutex);
-  core_->isEnding = true;
-  core_->hasWork.notify_one();
   const bool isFinished =
       core_->isFinished.wait_until(lock, deadline, [this] { return !core_->hasThread; });
   dropped.swap(core_->tasks);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <atomic>
 #include <chrono>
 #include <memory>
 #include <string>
@@ -10,14 +9,14 @@
 
 namespace vantora {
 
-/// Runs tasks one after the other on a thread that exists only while there are any, and for a
-/// while after the last. For work that may wait for a device, however long it takes.
+/// Runs tasks one after the other on a thread that exists only while there are any. For work that
+/// may wait for a device, however long it takes.
 class WorkThread {
  public:
   using Task = TaskQueue::Task;
 
-  /// `label` names the thread; after `idleTimeout` without work it ends.
-  explicit WorkThread(std::string label, Seconds idleTimeout = Seconds{0});
+  /// `label` names the thread.
+  explicit WorkThread(std::string label);
   /// Waits for all work as long as it takes, unless endBy() was called.
   ~WorkThread();
   WorkThread(const WorkThread&) = delete;
@@ -27,9 +26,6 @@ class WorkThread {
   /// and `task` is as it was, when the system has no thread to give.
   [[nodiscard]] bool post(Task&& task);
 
-  /// Whether a task has ever been posted.
-  [[nodiscard]] bool hasStarted() const { return hasStarted_; }
-
   /// Waits until all work is finished. False when that is not so at `deadline`: the task that
   /// is under way is left behind with its thread, and may still use what it refers to; tasks
   /// that have not begun are destroyed. No post() afterwards.
@@ -38,7 +34,6 @@ class WorkThread {
  private:
   struct Core;
   const std::shared_ptr<Core> core_;
-  std::atomic<bool> hasStarted_ = false;
   bool hasEnded_ = false;
 };
 

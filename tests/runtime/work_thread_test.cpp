@@ -28,7 +28,6 @@ std::thread::id threadOf(WorkThread& thread) {
 
 TEST(WorkThread, RunsTasksInOrderOnAThreadOfItsOwn) {
   WorkThread thread("test");
-  EXPECT_FALSE(thread.hasStarted());
   std::string order;
   for (const char name : {'a', 'b', 'c'}) {
     EXPECT_TRUE(thread.post([&, name] {
@@ -36,16 +35,8 @@ TEST(WorkThread, RunsTasksInOrderOnAThreadOfItsOwn) {
       EXPECT_NE(std::this_thread::get_id(), std::thread::id());
     }));
   }
-  EXPECT_TRUE(thread.hasStarted());
   EXPECT_NE(threadOf(thread), std::this_thread::get_id());
   EXPECT_EQ(order, "abc");
-}
-
-TEST(WorkThread, KeepsItsThreadUntilItHasBeenIdleForLong) {
-  WorkThread thread("test", Seconds{600});
-  const std::thread::id first = threadOf(thread);
-  EXPECT_EQ(threadOf(thread), first);
-  EXPECT_TRUE(thread.endBy(inTenMinutes()));
 }
 
 TEST(WorkThread, KeepsNoThreadOnceItIsIdle) {
@@ -68,7 +59,6 @@ TEST(WorkThread, LeavesATaskAsItWasWhereTheSystemHasNoThread) {
     const test::NoThreads none;
     EXPECT_FALSE(thread.post(std::move(task)));
   }
-  EXPECT_FALSE(thread.hasStarted());
   task();
   EXPECT_EQ(runs, 1);
 }
@@ -76,7 +66,7 @@ TEST(WorkThread, LeavesATaskAsItWasWhereTheSystemHasNoThread) {
 TEST(WorkThread, FinishesWhatItWasGivenBeforeItEnds) {
   int runs = 0;
   {
-    WorkThread thread("test", Seconds{600});
+    WorkThread thread("test");
     for (int round = 0; round < 100; ++round) {
       EXPECT_TRUE(thread.post([&] { ++runs; }));
     }
