@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "app/shown_readings.hpp"
 #include "model/version.hpp"
 #include "status/metric_formatter.hpp"
 #include "status/status_modules.hpp"
@@ -166,6 +167,10 @@ void AppCoordinator::observeProviders() {
 
 void AppCoordinator::observeSampling() {
   parts_.sampling->onSnapshot = weakly(weak_from_this(), &AppCoordinator::sampled);
+  parts_.sampling->isNews = [shown = ShownReadings(),
+                             isWatched = isWatched_](const MetricSnapshot& snapshot) mutable {
+    return shown.take(snapshot) || *isWatched;
+  };
 }
 
 void AppCoordinator::observePower() {
@@ -214,7 +219,9 @@ void AppCoordinator::sampled(MetricSnapshot snapshot) {
 }
 
 void AppCoordinator::snapshotChanged() {
-  if (parts_.settingsWindow != nullptr && parts_.settingsWindow->isVisible()) {
+  const bool isInWindow = parts_.settingsWindow != nullptr && parts_.settingsWindow->isVisible();
+  *isWatched_ = isInWindow || onUpdate;
+  if (isInWindow) {
     parts_.model->setSnapshot(snapshot_);
   }
   if (redraw_.drawIfChanged(shown_, snapshot_, parts_.clock.now())) {
@@ -250,6 +257,7 @@ void AppCoordinator::showSettings(std::string_view activationToken) {
   if (parts_.settingsWindow == nullptr) {
     return;
   }
+  *isWatched_ = true;
   parts_.model->setSnapshot(snapshot_);
   parts_.model->refreshLoginStatus();
   parts_.settingsWindow->show(activationToken);

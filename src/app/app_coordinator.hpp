@@ -7,6 +7,7 @@
 // Everything here runs on the main thread.
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -97,7 +98,8 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   [[nodiscard]] AgentReport report() const;
 
   /// After new readings or quota states were taken over and, where that changed a text,
-  /// drawn.
+  /// drawn. Without it the readings of a tick are taken over only where they can be told from
+  /// those before, or while the window shows them. Set it before launch().
   std::function<void()> onUpdate;
 
  private:
@@ -132,6 +134,8 @@ class AppCoordinator final : public std::enable_shared_from_this<AppCoordinator>
   std::optional<bool> isPausedHere_;  // instead of what the configuration says
   MetricSnapshot snapshot_;
   int samplingRounds_ = 0;
+  /// Whether every tick counts, whatever is drawn. Shared with the sampling queue.
+  const std::shared_ptr<std::atomic<bool>> isWatched_ = std::make_shared<std::atomic<bool>>(false);
   StatusRedraw redraw_;
 };
 

@@ -95,6 +95,37 @@ TEST_F(AppCoordinatorTest, ReportsEverySamplingRoundEvenWhenNothingIsDrawn) {
   EXPECT_EQ(item_.shown.size(), 2U);
 }
 
+TEST_F(AppCoordinatorTest, IsNotWokenForATickThatChangesNoText) {
+  start(showing({{MetricID::cpuUsage, MetricID::none}}));
+  setUsage(30);
+  time.advance(Seconds{1});
+  const int before = coordinator->samplingRounds();
+  setUsage(30);
+  time.advance(Seconds{1});
+  EXPECT_EQ(coordinator->samplingRounds(), before);
+  setUsage(31);
+  time.advance(Seconds{1});
+  EXPECT_EQ(coordinator->samplingRounds(), before + 1);
+}
+
+TEST_F(AppCoordinatorTest, TakesEveryTickOverWhileTheWindowShowsThem) {
+  start(showing({{MetricID::cpuUsage, MetricID::none}}));
+  time.advance(AppCoordinator::reopenGrace);
+  ASSERT_TRUE(coordinator->reopen());
+  const auto roundsOfOneTick = [this] {
+    const int before = coordinator->samplingRounds();
+    setUsage(30);
+    time.advance(Seconds{1});
+    return coordinator->samplingRounds() - before;
+  };
+  for (int tick = 0; tick < 3; ++tick) {
+    EXPECT_EQ(roundsOfOneTick(), 1);
+  }
+  window->isOpen = false;
+  (void)roundsOfOneTick();
+  EXPECT_EQ(roundsOfOneTick(), 0);
+}
+
 TEST_F(AppCoordinatorTest, AlwaysDrawsAChangedConfiguration) {
   start(showing({{MetricID::cpuUsage, MetricID::none}}));
   const std::size_t before = item_.shown.size();
@@ -303,7 +334,7 @@ TEST_F(AppCoordinatorTest, CopiesReadingsToTheModelOnlyWhileTheWindowIsVisible) 
   time.advance(Seconds{1});
   EXPECT_EQ(coordinator->model().snapshot(), MetricSnapshot());
   window->isOpen = true;
-  setUsage(30);
+  setUsage(31);
   time.advance(Seconds{1});
   EXPECT_EQ(coordinator->model().snapshot(), coordinator->snapshot());
   clients.codex[0]->completion(quota_result::NeedsAuthentication());
