@@ -17,6 +17,7 @@
 #include "process/uv_child_process.hpp"
 #include "runtime/system_clock.hpp"
 #include "runtime/uv_loop.hpp"
+#include "runtime/worker.hpp"
 #include "settings/agent/menu_process.hpp"
 #include "settings/agent/tool_tip_process.hpp"
 #include "status/status_renderer.hpp"
@@ -56,9 +57,13 @@ int run(double interval, std::string menuProgram) {
   ToolTipProcess toolTip(popupParts);
   menu.onFailure = [](const std::string& message) { std::printf("menu: %s\n", message.c_str()); };
   OwnDisplayThread displayThread;
-  LinuxStatusItem item(connection, loop.queue(), engine, {}, [](StatusItemSituation situation) {
-    std::printf("situation: %s\n", std::string(describe(situation)).c_str());
-  });
+  ThreadWorker files(loop.queue());
+  LinuxStatusItem::Options options;
+  options.fileWorker = &files;
+  LinuxStatusItem item(connection, loop.queue(), engine, std::move(options),
+                       [](StatusItemSituation situation) {
+                         std::printf("situation: %s\n", std::string(describe(situation)).c_str());
+                       });
   if (const char* display = std::getenv("DISPLAY")) {
     item.useTray(displayThread, display, {menu, toolTip});
   }

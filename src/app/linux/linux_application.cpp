@@ -75,8 +75,8 @@ AppParts LinuxApplication::parts(StatusItem& statusItem, TextEngine& textEngine)
 }
 
 LinuxApplication::Insides LinuxApplication::insides() {
-  return {loop_,       clock_,         *launcher_,    defaults_,   loginItem_,
-          linkThread_, batteryThread_, sensorThread_, configHome_, home_};
+  return {loop_,          clock_,        *launcher_,  defaults_,   loginItem_, linkThread_,
+          batteryThread_, sensorThread_, fileWorker_, configHome_, home_};
 }
 
 ConfigurationStore LinuxApplication::configurationStore() const {

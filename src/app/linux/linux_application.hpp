@@ -46,6 +46,7 @@ class LinuxApplication {
     WorkThread& linkThread;
     WorkThread& batteryThread;
     WorkThread& sensorThread;
+    Worker& fileWorker;
     const std::filesystem::path& configHome;
     const std::string& home;  ///< Without a trailing separator; empty for the root.
   };

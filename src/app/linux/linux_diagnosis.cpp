@@ -45,7 +45,7 @@ class BusLook {
         changed_(std::move(changed)),
         connection_(insides.loop.raw(), queue_, {}),
         portal_(connection_, [this](ColorScheme scheme) { scheme_ = scheme; }),
-        watcher_(connection_, queue_, "/proc",
+        watcher_(connection_, queue_, {.worker = &insides.fileWorker},
                  [this](const StatusNotifierWatcher::State& state) { watcherChanged(state); }),
         question_(connection_, queue_, [this](AgentQuestion::Outcome outcome, const char* text) {
           outcome_ = outcome;
@@ -66,7 +66,7 @@ class BusLook {
   [[nodiscard]] bool isDone() const {
     return outcome_ &&
            (outcome_ == AgentQuestion::Outcome::answered ||
-            outcome_ == AgentQuestion::Outcome::noBus || isPanelKnown_ || panel_.hasHost);
+            outcome_ == AgentQuestion::Outcome::noBus || isPanelKnown_ || isPanelComplete());
   }
 
   void writeTo(Diagnosis& diagnosis) const {
@@ -98,6 +98,10 @@ class BusLook {
   }
 
  private:
+  [[nodiscard]] bool isPanelComplete() const {
+    return panel_.hasHost && (panel_.isVertical || panel_.panel->readsVertical == nullptr);
+  }
+
   void watcherChanged(const StatusNotifierWatcher::State& state) {
     panel_ = state;
     changed_();
@@ -105,7 +109,8 @@ class BusLook {
 
   // How an agent's item would be shown. What only a docked window tells stays unknown.
   [[nodiscard]] StatusItemReport expectedItem() const {
-    StatusItemFacts facts{.watcher = panel_, .colorScheme = scheme_};
+    StatusItemFacts facts{
+        .watcher = panel_, .colorScheme = scheme_, .isVertical = panel_.isVertical.value_or(false)};
     const bool usesTray = isSet("DISPLAY") && panel_.hasHost && panel_.panel->keepsTrayWindowWide;
     if (usesTray) {
       facts.tray = XEmbedWindow::State::docked;

@@ -185,6 +185,7 @@ int runAgent(LinuxApplication& application, LaunchTokens tokens) {
   menu.onFailure = [&notifier](const std::string& message) { tell(notifier, message); };
   toolTip.onFailure = [](const std::string& message) { say(message); };
   LinuxStatusItem::Options itemOptions;
+  itemOptions.fileWorker = &application.insides().fileWorker;
   itemOptions.onDecision = [&log](const std::string& line) { log.info(line); };
   LinuxStatusItem statusItem(bus, loop.queue(), textEngine, std::move(itemOptions),
                              [&notifier](StatusItemSituation situation) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "platform/linux/panels/waybar_configuration.hpp"
 #include "status/markup.hpp"
 
 namespace vantora {
@@ -19,6 +20,7 @@ constexpr std::array<Panel, 7> panels{{
         .programs = {"waybar", ".waybar-wrapped"},  // the latter on NixOS
         .form = PictureForm::wide,
         .readsMarkup = true,
+        .readsVertical = readsVerticalWaybar,
     },
     {
         .name = "MATE",

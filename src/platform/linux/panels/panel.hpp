@@ -44,10 +44,14 @@ struct Panel {
   /// is when it has just that height itself; it stretches all others.
   std::span<const int> exactHeights{};
   bool hasToolTip = true;
-  bool readsMarkup = false;          ///< Takes the tool tip's text for Pango markup.
-  bool repeatsDescription = false;   ///< Puts the accessible description beneath the tool tip.
-  bool isAlwaysDark = false;         ///< Whatever colours the desktop prefers.
-  bool hasTrayToAsk = false;         ///< Its X11 tray says whether the panel is vertical.
+  bool readsMarkup = false;         ///< Takes the tool tip's text for Pango markup.
+  bool repeatsDescription = false;  ///< Puts the accessible description beneath the tool tip.
+  bool isAlwaysDark = false;        ///< Whatever colours the desktop prefers.
+  bool hasTrayToAsk = false;        ///< Its X11 tray says whether the panel is vertical.
+  /// Reads from the configuration of its process, whose folder in /proc it gets, whether the
+  /// panel is vertical: where no tray says it. May wait for a disk. Null where there is nothing
+  /// to read.
+  bool (*readsVertical)(const std::string& process) = nullptr;
   bool keepsTrayWindowWide = false;  ///< A window in its X11 tray, though not the item.
 };
 

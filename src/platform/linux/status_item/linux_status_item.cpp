@@ -25,7 +25,7 @@ LinuxStatusItem::LinuxStatusItem(BusConnection& connection, TaskQueue& queue, Te
       pictures_(*watcherState_.panel, engine),
       item_(connection, *this, *this),
       portal_(connection, [this](ColorScheme scheme) { colorSchemeChanged(scheme); }),
-      watcher_(connection, queue, options_.processRoot,
+      watcher_(connection, queue, {options_.processRoot, options_.fileWorker},
                [this](const StatusNotifierWatcher::State& state) { watcherChanged(state); }) {}
 
 LinuxStatusItem::~LinuxStatusItem() {
@@ -94,10 +94,14 @@ void LinuxStatusItem::colorSchemeChanged(ColorScheme scheme) {
 void LinuxStatusItem::watcherChanged(const StatusNotifierWatcher::State& state) {
   const bool isNewPanel = state.panel != watcherState_.panel;
   const bool isNewBus = state.hasBus && !watcherState_.hasBus;
+  const bool isTurned = state.isVertical != watcherState_.isVertical;
   watcherState_ = state;
   if (isNewPanel) {
     pictures_.setPanel(panel());
     item_.setHasLabel(panel().form == PictureForm::label);
+  }
+  if (isTurned) {
+    orientationChanged(state.isVertical.value_or(false));
   }
   if (!state.isPresent) {
     isTrayTooNarrow_ = false;

@@ -35,6 +35,9 @@ class LinuxStatusItem final : public StatusItem,
  public:
   struct Options {
     std::string processRoot = "/proc";
+    /// Reads the configuration of a panel that has one to tell whether it is vertical; none is
+    /// read without it. Outlives the item.
+    Worker* fileWorker = nullptr;
     /// How long a session may be without a panel before that is reported: at login and when
     /// a panel restarts it takes a while.
     Seconds hostTimeout{5};

@@ -20,8 +20,8 @@ constexpr const char* busPath = "/org/freedesktop/DBus";
 // then drops it.
 constexpr int maxRegistrations = 6;
 
-std::string processName(const std::string& root, unsigned process) {
-  const std::string path = root + "/" + std::to_string(process) + "/comm";
+std::string processName(const std::string& process) {
+  const std::string path = process + "/comm";
   const UniqueFd file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
   std::array<char, 32> name{};  // The kernel keeps at most 15 bytes, and ends the line.
   const ssize_t length = file ? ::read(file.get(), name.data(), name.size()) : -1;
@@ -38,11 +38,11 @@ int StatusNotifierWatcher::handle(sd_bus_message* message, void* self, sd_bus_er
 }
 
 StatusNotifierWatcher::StatusNotifierWatcher(BusConnection& connection, TaskQueue& queue,
-                                             std::string processRoot,
+                                             Processes processes,
                                              std::function<void(const State&)> onChange)
     : connection_(connection),
       queue_(queue),
-      processRoot_(std::move(processRoot)),
+      processes_(std::move(processes)),
       onChange_(std::move(onChange)),
       itemName_("org.kde.StatusNotifierItem-" + std::to_string(::getpid()) + "-1") {
   connection_.add(*this);
@@ -65,6 +65,7 @@ void StatusNotifierWatcher::busConnected(sd_bus& bus) {
 void StatusNotifierWatcher::busLost() {
   bus_ = nullptr;
   retry_.reset();
+  reading_.reset();
   for (BusSlot* slot :
        {&nameRequest_, &ownerMatch_, &hostAppearedMatch_, &hostLeftMatch_, &droppedMatch_,
         &ownerCall_, &processCall_, &registerCall_, &hasHostCall_}) {
@@ -125,6 +126,7 @@ void StatusNotifierWatcher::follow(const char* owner) {
   registerCall_.reset();
   hasHostCall_.reset();
   retry_.reset();
+  reading_.reset();
   failedRegistrations_ = 0;
   State state;
   state.hasBus = true;
@@ -139,15 +141,39 @@ void StatusNotifierWatcher::follow(const char* owner) {
 void StatusNotifierWatcher::onProcess(sd_bus_message* reply) {
   State state = state_;
   state.isPresent = true;
-  unsigned process = 0;
+  unsigned number = 0;
+  std::string process;
   if (sd_bus_message_is_method_error(reply, nullptr) <= 0 &&
-      sd_bus_message_read(reply, "u", &process) >= 0) {
-    state.program = processName(processRoot_, process);
+      sd_bus_message_read(reply, "u", &number) >= 0) {
+    process = processes_.root + "/" + std::to_string(number);
+    state.program = processName(process);
     state.panel = &panelOf(state.program);
   }
   setState(state);
+  readOrientation(process);
   registerItem();
   askForHost();
+}
+
+// The item does not wait for it: a disk that hangs costs the form and not the item. Commonly it is
+// known before the panel has asked for a picture.
+void StatusNotifierWatcher::readOrientation(const std::string& process) {
+  const auto read = state_.panel->readsVertical;
+  if (read == nullptr || processes_.worker == nullptr) {
+    return;
+  }
+  reading_ = std::make_shared<bool>(true);
+  const auto answer = std::make_shared<bool>(false);
+  processes_.worker->run([answer, read, process] { *answer = read(process); },
+                         [this, answer, reading = std::weak_ptr(reading_)] {
+                           // Not when the panel, or this object, has gone meanwhile.
+                           if (!reading.expired()) {
+                             reading_.reset();
+                             State state = state_;
+                             state.isVertical = *answer;
+                             setState(state);
+                           }
+                         });
 }
 
 void StatusNotifierWatcher::setRegistering(bool isRegistering) {

@@ -7,11 +7,13 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "platform/linux/bus/bus_connection.hpp"
 #include "platform/linux/bus/bus_slot.hpp"
 #include "platform/linux/panels/panel.hpp"
+#include "runtime/worker.hpp"
 
 namespace vantora {
 
@@ -26,12 +28,22 @@ class StatusNotifierWatcher final : public BusConnection::Listener {
     const Panel* panel = &unknownPanel();  ///< Never null.
     /// The name of the watcher's process; empty while there is none, or it cannot be found out.
     std::string program = {};
+    /// Whether the panel's configuration makes it a column. Nothing where there is none to read
+    /// (Panel::readsVertical), and until it has been read.
+    std::optional<bool> isVertical = {};
     bool operator==(const State&) const = default;
   };
 
-  /// `processRoot` is "/proc" outside of tests. `onChange` comes with the first state
-  /// and whenever it has changed, before the item is registered with a new watcher.
-  StatusNotifierWatcher(BusConnection& connection, TaskQueue& queue, std::string processRoot,
+  /// What is known of processes.
+  struct Processes {
+    std::string root = "/proc";
+    Worker* worker = nullptr;  ///< Reads their configurations, which nobody does without it.
+  };
+
+  /// `onChange` comes with the first state and whenever it has changed, before the item is
+  /// registered with a new watcher. The worker reports on the main thread, and may outlive the
+  /// watcher.
+  StatusNotifierWatcher(BusConnection& connection, TaskQueue& queue, Processes processes,
                         std::function<void(const State&)> onChange);
   ~StatusNotifierWatcher() override;
   StatusNotifierWatcher(const StatusNotifierWatcher&) = delete;
@@ -66,11 +78,12 @@ class StatusNotifierWatcher final : public BusConnection::Listener {
   void registerItem();
   void registerLater();
   void askForHost();
+  void readOrientation(const std::string& process);
   void setState(const State& state);
 
   BusConnection& connection_;
   TaskQueue& queue_;
-  std::string processRoot_;
+  Processes processes_;
   std::function<void(const State&)> onChange_;
   std::string itemName_;
   State state_;
@@ -79,6 +92,7 @@ class StatusNotifierWatcher final : public BusConnection::Listener {
   sd_bus* bus_ = nullptr;
   int failedRegistrations_ = 0;
   TimerHandle retry_;
+  std::shared_ptr<bool> reading_;  // alive while the configuration of this panel is read
   BusSlot nameRequest_;
   BusSlot ownerMatch_;
   BusSlot hostAppearedMatch_;

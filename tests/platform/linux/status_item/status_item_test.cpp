@@ -5,10 +5,13 @@
 #include <unistd.h>
 
 #include <memory>
+#include <vector>
 
 #include "platform/linux/status_item/example_presentation.hpp"
 #include "platform/linux/status_item/status_item_stage.hpp"
+#include "platform/linux/status_item/waybar_file.hpp"
 #include "status/rasterise.hpp"
+#include "support/virtual_worker.hpp"
 
 namespace vantora {
 namespace {
@@ -40,6 +43,25 @@ TEST_F(LinuxStatusItemTest, RegistersUnderItsOwnNameWithAPanelThatIsThere) {
   EXPECT_EQ(panel_->items().front(),
             "org.kde.StatusNotifierItem-" + std::to_string(::getpid()) + "-1");
   EXPECT_TRUE(untilShown());
+}
+
+TEST_F(LinuxStatusItemTest, IsASquareInAPanelWhoseConfigurationMakesItAColumn) {
+  test::VirtualWorker worker(*queue_);
+  options_.fileWorker = &worker;
+  startPanel("waybar");
+  test::nameWaybarFile(options_.processRoot, R"({"position": "right"})");
+  startItem();
+  std::vector<bool> squares;
+  item_->setSquareListener([&squares](bool keepsSquare) { squares.push_back(keepsSquare); });
+  item_->show(examplePresentation("12%"));
+  ASSERT_TRUE(untilShown());
+  ASSERT_TRUE(untilRegistered());
+  EXPECT_GT(ask().pixmaps.front().width, ask().pixmaps.front().height);
+  time_.runPosted();
+  EXPECT_EQ(ask().pixmaps.front().width, ask().pixmaps.front().height);
+  EXPECT_EQ(panel_->signals(), Strings{"NewIcon"});
+  EXPECT_EQ(item_->report().formWhy, "o painel é vertical: não há largura para a imagem");
+  EXPECT_EQ(squares, (std::vector{false, true})) << "the user may choose its module";
 }
 
 TEST_F(LinuxStatusItemTest, SaysWhatItIs) {

@@ -11,14 +11,18 @@
 #include <fstream>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/linux/status_item/scripted_panel.hpp"
+#include "platform/linux/status_item/waybar_file.hpp"
 #include "support/linux/bus_call.hpp"
 #include "support/linux/loop_driver.hpp"
 #include "support/linux/private_bus.hpp"
 #include "support/virtual_time.hpp"
+#include "support/virtual_worker.hpp"
 
 namespace vantora {
 namespace {
@@ -38,7 +42,7 @@ class StatusNotifierWatcherTest : public testing::Test {
   }
   void startWatcher() {
     watcher_ = std::make_unique<StatusNotifierWatcher>(
-        connection_, *queue_, processRoot(),
+        connection_, *queue_, StatusNotifierWatcher::Processes{processRoot(), files_},
         [this](const State& state) { states_.push_back(state); });
     connection_.open();
   }
@@ -68,9 +72,17 @@ class StatusNotifierWatcherTest : public testing::Test {
     return isOwned != 0;
   }
   std::string processRoot() const { return bus_.directory() + "/proc"; }
+  // A panel whose configuration can be read.
+  void startWaybar(std::string_view configuration) {
+    startPanel("waybar");
+    test::nameWaybarFile(processRoot(), configuration);
+    files_ = &worker_;
+  }
 
   test::VirtualTime time_;
   std::unique_ptr<test::VirtualQueue> queue_ = time_.makeQueue();
+  test::VirtualWorker worker_{*queue_};
+  Worker* files_ = nullptr;
   test::PrivateBus bus_;
   UvLoop loop_;
   std::vector<State> states_;
@@ -99,6 +111,68 @@ TEST_F(StatusNotifierWatcherTest, TakesAPanelWhoseProcessCannotBeSeenForAnother)
   startWatcher();
   ASSERT_TRUE(untilHost());
   EXPECT_EQ(states_.back().panel, &unknownPanel());
+}
+
+TEST_F(StatusNotifierWatcherTest, ReadsWhetherThePanelIsVerticalAndDoesNotWaitForIt) {
+  startWaybar(R"({"position": "left"})");
+  worker_.hang();
+  startWatcher();
+  ASSERT_TRUE(untilRegistered());
+  ASSERT_TRUE(untilHost());
+  EXPECT_EQ(states_.back().isVertical, std::nullopt);
+  const std::size_t before = states_.size();
+  worker_.resume();
+  time_.runPosted();
+  EXPECT_EQ(states_.back().isVertical, true);
+  EXPECT_EQ(states_.size(), before + 1);
+  EXPECT_EQ(time_.pendingCount(), 0U);
+}
+
+TEST_F(StatusNotifierWatcherTest, SaysThatAPanelIsNotVertical) {
+  startWaybar("{}");
+  startWatcher();
+  ASSERT_TRUE(untilHost());
+  time_.runPosted();
+  EXPECT_EQ(states_.back().isVertical, false);
+}
+
+TEST_F(StatusNotifierWatcherTest, ReadsAnewWhenThePanelComesBack) {
+  startWaybar(R"({"position": "left"})");
+  startWatcher();
+  ASSERT_TRUE(untilHost());
+  time_.runPosted();
+  ASSERT_EQ(states_.back().isVertical, true);
+  panel_.reset();
+  ASSERT_TRUE(until([this] { return !states_.back().isPresent; }));
+  EXPECT_EQ(states_.back().isVertical, std::nullopt);
+  startWaybar("{}");
+  ASSERT_TRUE(untilHost());
+  time_.runPosted();
+  EXPECT_EQ(states_.back().isVertical, false);
+}
+
+TEST_F(StatusNotifierWatcherTest, DropsWhatItReadsOfAPanelThatHasGone) {
+  startWaybar(R"({"position": "left"})");
+  worker_.hang();
+  startWatcher();
+  ASSERT_TRUE(untilHost());
+  panel_.reset();
+  ASSERT_TRUE(until([this] { return !states_.back().isPresent; }));
+  worker_.resume();
+  time_.runPosted();
+  EXPECT_EQ(states_.back().isVertical, std::nullopt);
+}
+
+TEST_F(StatusNotifierWatcherTest, MayEndWhileItReads) {
+  startWaybar(R"({"position": "left"})");
+  worker_.hang();
+  startWatcher();
+  ASSERT_TRUE(untilHost());
+  const std::size_t before = states_.size();
+  watcher_.reset();
+  worker_.resume();
+  time_.runPosted();
+  EXPECT_EQ(states_.size(), before);
 }
 
 TEST_F(StatusNotifierWatcherTest, FollowsTheHostOfAWatcher) {
