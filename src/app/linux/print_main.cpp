@@ -36,7 +36,8 @@ void openVantora(DetachedPrograms& programs) {
 int print(LinuxApplication& application, const PrintOptions& options) {
   UvLoop& loop = application.loop();
   CellTextEngine textEngine;
-  const auto output = PrintProgram::makeOutput(options);
+  const bool readsClicks = options.follow && options.format == PrintFormat::i3bar;
+  const auto output = PrintProgram::makeOutput(options, readsClicks);
   int status = 0;
   PrintSession session(options, *output, loop.queue(), [&](int error) {
     if (error != 0) {
@@ -54,7 +55,7 @@ int print(LinuxApplication& application, const PrintOptions& options) {
   const ResizeSignal resize(loop.raw(), [&session] { session.resized(); });
   DetachedPrograms programs(loop.raw());
   std::optional<ClickInput> clicks;
-  if (options.follow && options.format == PrintFormat::i3bar) {
+  if (readsClicks) {
     clicks.emplace(loop.raw(), STDIN_FILENO, [&](BlockButton button) {
       if (button == BlockButton::left) {
         openVantora(programs);

@@ -38,7 +38,8 @@ int run(const PrintOptions& options) {
   std::function<void()> end;
   MacOSApplication application(std::move(*folder), [&end] { end(); });
   CellTextEngine textEngine;
-  const auto output = PrintProgram::makeOutput(options);
+  // There is no i3bar on a Mac: the format serves scripts, which do not click.
+  const auto output = PrintProgram::makeOutput(options, /*readsClicks=*/false);
   int status = 0;
   PrintSession session(options, *output, application.mainQueue(), [&](int error) {
     if (error != 0) {

@@ -41,10 +41,10 @@ void complainOfFile(const std::string& file, const std::string& reason) {
                reason.c_str());
 }
 
-std::unique_ptr<PrintOutput> makeOutput(const PrintOptions& options) {
+std::unique_ptr<PrintOutput> makeOutput(const PrintOptions& options, bool readsClicks) {
   if (options.outputFile.empty()) {
     return std::make_unique<PrintStream>(STDOUT_FILENO, options.format, options.follow,
-                                         isatty(STDOUT_FILENO) == 1);
+                                         isatty(STDOUT_FILENO) == 1, readsClicks);
   }
   return std::make_unique<PrintFile>(
       options.outputFile, options.follow,

@@ -27,8 +27,10 @@ void complainOfOutput(const PrintOptions& options, int error);
 /// Says on standard error why this file cannot be written.
 void complainOfFile(const std::string& file, const std::string& reason);
 
-/// Where the prints go by the command line. The standard output stays open.
-[[nodiscard]] std::unique_ptr<PrintOutput> makeOutput(const PrintOptions& options);
+/// Where the prints go by the command line. The standard output stays open. `readsClicks`:
+/// whether the caller reads the clicks of a bar, which is then asked for them.
+[[nodiscard]] std::unique_ptr<PrintOutput> makeOutput(const PrintOptions& options,
+                                                      bool readsClicks);
 
 /// What is read besides what the user's modules show.
 [[nodiscard]] MetricSet alwaysShown(const PrintOptions& options);

@@ -38,9 +38,9 @@ namespace PrintFormatter {
 /// sampling is paused.
 [[nodiscard]] std::string i3barLine(const PrintReport& report);
 inline constexpr std::string_view i3barBlockName = "vantora";
-/// A stream takes clicks (BlockClicks); a single print ends at once.
-[[nodiscard]] constexpr const char* i3barHeader(bool follow) {
-  return follow ? "{\"version\":1,\"click_events\":true}\n[" : "{\"version\":1}\n[";
+/// `readsClicks`: whether the bar is to write clicks (BlockClicks) to this program.
+[[nodiscard]] constexpr const char* i3barHeader(bool readsClicks) {
+  return readsClicks ? "{\"version\":1,\"click_events\":true}\n[" : "{\"version\":1}\n[";
 }
 
 /// One update of a waybar custom module with "return-type": "json" (waybar-custom(5)).

@@ -82,7 +82,7 @@ std::string PrintStream::next(const PrintReport& report) {
     case PrintFormat::waybar:
       return PrintFormatter::waybarLine(report) + "\n";
     case PrintFormat::i3bar:
-      return (hasPrinted_ ? "" : std::string(PrintFormatter::i3barHeader(follow_)) + "\n") +
+      return (hasPrinted_ ? "" : std::string(PrintFormatter::i3barHeader(readsClicks_)) + "\n") +
              PrintFormatter::i3barLine(report) + (follow_ ? ",\n" : "\n");
     case PrintFormat::text:
       return PrintFormatter::textLine(report) + "\n";

@@ -16,9 +16,15 @@ namespace vantora {
 /// read blocks nothing: what it does not take is kept until catchUp().
 class PrintStream final : public PrintOutput {
  public:
-  /// `isTerminal`: whether the list may be drawn again in place with ECMA-48 controls.
-  PrintStream(int descriptor, PrintFormat format, bool follow, bool isTerminal)
-      : descriptor_(descriptor), format_(format), follow_(follow), isTerminal_(isTerminal) {}
+  /// `isTerminal`: whether the list may be drawn again in place with ECMA-48 controls;
+  /// `readsClicks`: whether i3bar is told to write clicks.
+  PrintStream(int descriptor, PrintFormat format, bool follow, bool isTerminal,
+              bool readsClicks = false)
+      : descriptor_(descriptor),
+        format_(format),
+        follow_(follow),
+        isTerminal_(isTerminal),
+        readsClicks_(readsClicks) {}
 
   [[nodiscard]] int print(const PrintReport& report) override;
   [[nodiscard]] bool isBehind() const override { return !rest_.empty(); }
@@ -43,6 +49,7 @@ class PrintStream final : public PrintOutput {
   PrintFormat format_;
   bool follow_;
   bool isTerminal_;
+  bool readsClicks_;
   bool hasPrinted_ = false;
   bool isResized_ = false;
   std::size_t drawnLines_ = 0;  // the cursor is at the end of the last one

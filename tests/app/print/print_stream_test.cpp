@@ -164,11 +164,20 @@ TEST_F(PrintStreamTest, WritesAWholeJsonDocumentForI3bar) {
     output.finish();
     const std::string text = written();
     const std::size_t headerEnd = text.find('\n');
-    EXPECT_EQ(text.substr(0, headerEnd),
-              follow ? R"({"version":1,"click_events":true})" : R"({"version":1})");
+    EXPECT_EQ(text.substr(0, headerEnd), R"({"version":1})");
     const auto body = parseJson(text.substr(headerEnd));
     ASSERT_TRUE(body) << text;
     EXPECT_EQ((*body)[0][0]["full_text"], "1%");
+  }
+}
+
+TEST_F(PrintStreamTest, AsksI3barForClicksOnlyWhereTheyAreRead) {
+  for (const bool readsClicks : {false, true}) {
+    PrintStream output(descriptor(), PrintFormat::i3bar, true, false, readsClicks);
+    EXPECT_EQ(output.print(report()), 0);
+    const std::string text = written();
+    EXPECT_EQ(text.substr(0, text.find('\n')),
+              readsClicks ? R"({"version":1,"click_events":true})" : R"({"version":1})");
   }
 }
 

@@ -252,6 +252,13 @@ class Print(Test):
         self.assertEqual(program.end(), 0, program.said())
         self.assertNotIn("stand-in:", program.said())
 
+    def test_asks_no_bar_for_clicks_that_it_does_not_read(self):
+        program = self.start("vantora-print", "--follow", "--format", "i3bar")
+        header = program.process.stdout.readline()
+        terminate(program)
+        self.assertEqual(program.end(), 0, program.said())
+        self.assertEqual(json.loads(header), {"version": 1})
+
     def test_prints_once_and_ends(self):
         program = self.start("vantora-print")
         line = program.process.stdout.readline().decode()
