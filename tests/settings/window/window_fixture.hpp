@@ -22,56 +22,20 @@ namespace vantora::test {
 /// main makes the application.
 class WindowTest : public testing::Test {
  protected:
-  WindowTest() {
-    model_.emplace([this](std::string_view line) { lines_.emplace_back(line); }, panels_);
-    agent_.configuration.modules[0].gapAfter = 12;
-    agent_.configuration.modules[2].top = MetricID::fan1RPM;
-    agent_.picture = {40, 1, 2, 1, {255, 0}, std::nullopt};
-    view_.emplace(*model_);
-    tellAll();
-    view_->show();
-    QApplication::processEvents();
-    (void)sent();
-  }
+  WindowTest();
+  ~WindowTest() override;
+  WindowTest(const WindowTest&) = delete;
+  WindowTest& operator=(const WindowTest&) = delete;
 
-  void tell(WindowFields fields) {
-    ASSERT_TRUE(
-        model_->receive(SettingsProtocol::stateLine(agent_, {++sequence_, revision_, fields})));
-    settle();
-  }
+  void tell(WindowFields fields);
   // Layouts call for layouts.
-  static void settle() {
-    for (int round = 0; round < 5; ++round) {
-      QApplication::processEvents();
-    }
-  }
+  static void settle();
   void tellAll() { tell(allWindowFields); }
 
   // What the window sent since the last time, without its answers to the states.
-  std::vector<SettingsProtocol::WindowMessage> sent() {
-    std::vector<SettingsProtocol::WindowMessage> messages;
-    for (const std::string& line : std::exchange(lines_, {})) {
-      const auto message = SettingsProtocol::readWindowLine(line);
-      EXPECT_TRUE(message) << line;
-      if (message && !std::holds_alternative<SettingsProtocol::Seen>(*message)) {
-        messages.push_back(*message);
-      }
-      if (message && std::holds_alternative<SettingsProtocol::NewConfiguration>(*message)) {
-        const auto& change = std::get<SettingsProtocol::NewConfiguration>(*message);
-        agent_.configuration = change.configuration;
-        revision_ = change.revision;
-      }
-    }
-    return messages;
-  }
+  std::vector<SettingsProtocol::WindowMessage> sent();
   // The last configuration that was sent; the agent takes it over.
-  AppConfiguration sentConfiguration() {
-    const auto messages = sent();
-    EXPECT_TRUE(std::any_of(messages.begin(), messages.end(), [](const auto& message) {
-      return std::holds_alternative<SettingsProtocol::NewConfiguration>(message);
-    }));
-    return agent_.configuration;
-  }
+  AppConfiguration sentConfiguration();
   template <typename Message>
   std::optional<Message> sentOne() {
     const auto messages = sent();
@@ -98,26 +62,10 @@ class WindowTest : public testing::Test {
     return found;
   }
   // The rows of the modules, in no order.
-  std::vector<ModuleRow*> rows() {
-    std::vector<ModuleRow*> found;
-    for (auto* widget : page(0)->findChildren<QWidget*>()) {
-      if (auto* row = dynamic_cast<ModuleRow*>(widget)) {
-        found.push_back(row);
-      }
-    }
-    return found;
-  }
+  std::vector<ModuleRow*> rows();
   QWidget* page(int tab) { return view_->findChild<QTabWidget*>()->widget(tab); }
   // Every text that a tab shows, one a line.
-  QString texts(int tab) {
-    QString all;
-    for (const auto* label : page(tab)->findChildren<QLabel*>()) {
-      if (label->isVisibleTo(page(tab))) {
-        all += label->text().remove(QLatin1Char('&')) + QLatin1Char('\n');
-      }
-    }
-    return all;
-  }
+  QString texts(int tab);
 
   FakePanels panels_;
   std::vector<std::string> lines_;
