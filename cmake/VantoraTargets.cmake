@@ -18,8 +18,10 @@ function(vantora_headers name)
 endfunction()
 
 # vantora_take_headers(TARGET NAME): those of the standard library when NAME is empty. Not on a
-# Mac, whose sources are of two languages.
+# Mac, whose sources are of two languages. The target is compiled as a library is: Clang refuses
+# headers that were compiled otherwise.
 function(vantora_take_headers target name)
+  vantora_set_library_options(${target})
   if(NOT name)
     set(name standard_headers)
   endif()
@@ -43,7 +45,6 @@ function(vantora_library name)
     add_library(vantora_${name} STATIC ${ARG_SOURCES})
     target_link_libraries(vantora_${name} PUBLIC vantora::options ${ARG_LINKS}
                                           PRIVATE ${ARG_PRIVATE_LINKS})
-    vantora_set_library_options(vantora_${name})
     vantora_take_headers(vantora_${name} "${ARG_HEADERS}")
     set_property(GLOBAL APPEND PROPERTY VANTORA_LIBRARIES vantora_${name})
   else()
@@ -183,7 +184,6 @@ function(vantora_fuzz name)
   cmake_parse_arguments(ARG "" "HEADERS" "LINKS" ${ARGN})
   if(VANTORA_FUZZ)
     add_executable(fuzz_${name} ${name}.cpp)
-    target_compile_options(fuzz_${name} PRIVATE -fsanitize=fuzzer-no-link)
     target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
     set(replay fuzz_${name} -runs=0)
   else()
