@@ -16,6 +16,7 @@
 #include "app/print/print_options.hpp"
 #include "app/print/print_program.hpp"
 #include "app/print/print_session.hpp"
+#include "app/print/reader_watch.hpp"
 #include "app/print/resize_signal.hpp"
 #include "platform/linux/desktop/detached_programs.hpp"
 #include "platform/linux/desktop/xdg_folders.hpp"
@@ -53,6 +54,10 @@ int print(LinuxApplication& application, const PrintOptions& options) {
   PrintProgram::tellNotice(coordinator->model().notice(), options.format);
   const TerminationSignals signals(loop.raw(), [&session] { session.stop(); });
   const ResizeSignal resize(loop.raw(), [&session] { session.resized(); });
+  std::optional<ReaderWatch> reader;
+  if (options.follow) {
+    reader.emplace(loop.raw(), STDOUT_FILENO, [&session] { session.stop(); });
+  }
   DetachedPrograms programs(loop.raw());
   std::optional<ClickInput> clicks;
   if (readsClicks) {
@@ -65,7 +70,7 @@ int print(LinuxApplication& application, const PrintOptions& options) {
     });
   }
   // From the loop, so that an end in the very first print stops it.
-  loop.queue().post([&] { session.start(*coordinator); });
+  loop.queue().post([&] { session.start(*coordinator, PrintSession::ReaderCheck::byItsOwner); });
   loop.run();
   coordinator->terminate();
   return status;

@@ -12,9 +12,13 @@ PrintSession::PrintSession(const PrintOptions& options, PrintOutput& output, Tas
                            std::function<void(int error)> onEnd)
     : options_(options), output_(output), queue_(queue), onEnd_(std::move(onEnd)) {}
 
-void PrintSession::start(AppCoordinator& coordinator) {
+void PrintSession::start(AppCoordinator& coordinator, ReaderCheck check) {
   coordinator_ = &coordinator;
-  coordinator.onUpdate = [this] { updated(); };
+  // The gauges tell how old each reading is.
+  if (!options_.follow || options_.format == PrintFormat::openMetrics ||
+      check == ReaderCheck::atEachTick) {
+    coordinator.onUpdate = [this] { updated(); };
+  }
   if (!options_.follow || options_.hasTimeout) {
     timeout_ = queue_.runAfter(options_.timeout, Seconds{0}, [this] {
       if (options_.follow) {

@@ -23,8 +23,14 @@ class PrintSession final : public StatusItem {
   PrintSession(const PrintOptions& options, PrintOutput& output, TaskQueue& queue,
                std::function<void(int error)> onEnd);
 
+  /// How the session learns that nobody reads any more.
+  enum class ReaderCheck : bool {
+    atEachTick,  ///< By itself.
+    byItsOwner,  ///< Who calls stop() then: it is not woken for ticks that change no text.
+  };
+
   /// Launches the coordinator, which was made with this session as its status item.
-  void start(AppCoordinator& coordinator);
+  void start(AppCoordinator& coordinator, ReaderCheck check = ReaderCheck::atEachTick);
 
   /// The terminal has another size.
   void resized();
@@ -32,7 +38,7 @@ class PrintSession final : public StatusItem {
   /// Pauses or resumes what is printed. Without it the configuration decides.
   void togglePause();
 
-  /// A signal asked for the end.
+  /// A signal asked for the end, or the reader is gone.
   void stop() { end(0); }
 
   [[nodiscard]] double thickness() const override { return 24; }

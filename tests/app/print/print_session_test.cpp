@@ -31,14 +31,15 @@ class PrintSessionTest : public testing::Test, protected AppWorld {
     }
   }
 
-  void start(const AppConfiguration& configuration, PrintOptions options) {
+  void start(const AppConfiguration& configuration, PrintOptions options,
+             PrintSession::ReaderCheck check = PrintSession::ReaderCheck::atEachTick) {
     output_ = std::make_unique<PrintStream>(ends_[1], options.format, options.follow, false);
     session_ = std::make_unique<PrintSession>(options, *output_, *main, [this](int error) {
       ++ends;
       lastError = error;
     });
     make(configuration, *session_);
-    session_->start(*coordinator);
+    session_->start(*coordinator, check);
     time.runPosted();
   }
 
@@ -100,6 +101,35 @@ TEST_F(PrintSessionTest, PrintsWhatThereIsWhenTheTimeIsUp) {
   time.advance(Seconds{0.001});
   EXPECT_EQ(printed(), "—\n");
   EXPECT_EQ(ends, 1);
+}
+
+TEST_F(PrintSessionTest, IsWokenForNoTickThatChangesNothingWhereItsOwnerWatchesTheReader) {
+  PrintOptions options;
+  options.follow = true;
+  start(showing({{MetricID::cpuUsage, MetricID::none}}), options,
+        PrintSession::ReaderCheck::byItsOwner);
+  setUsage(30);
+  time.advance(Seconds{1});
+  const int rounds = coordinator->samplingRounds();
+  setUsage(30);
+  time.advance(Seconds{1});
+  EXPECT_EQ(coordinator->samplingRounds(), rounds);
+  setUsage(31);
+  time.advance(Seconds{1});
+  EXPECT_EQ(printed(), "—\n30%\n31%\n");
+}
+
+TEST_F(PrintSessionTest, TakesEachTickForTheAgesOfTheGauges) {
+  PrintOptions options;
+  options.follow = true;
+  options.format = PrintFormat::openMetrics;
+  start(showing({{MetricID::cpuUsage, MetricID::none}}), options,
+        PrintSession::ReaderCheck::byItsOwner);
+  for (int tick = 0; tick < 3; ++tick) {
+    setUsage(30);
+    time.advance(Seconds{1});
+  }
+  EXPECT_EQ(coordinator->samplingRounds(), 4);
 }
 
 TEST_F(PrintSessionTest, RenewsTheGaugesEachMinuteThoughNothingChanges) {
