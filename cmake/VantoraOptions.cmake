@@ -18,12 +18,6 @@ target_compile_options(vantora_options INTERFACE
   -Werror=format-security
   $<$<BOOL:${VANTORA_WERROR}>:-Werror>)
 
-# GCC collects its garbage before it holds this many kilobytes, over and over: that takes a
-# sixteenth of its time over large tests. Without it the largest takes 50 MB more.
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT CMAKE_BUILD_TYPE STREQUAL "Release")
-  target_compile_options(vantora_options INTERFACE --param=ggc-min-heapsize=524288)
-endif()
-
 # vantora::lean is for the programs that run all day: no unused function stays, and
 # libstdc++ costs no relocations and no pages of its own.
 add_library(vantora_lean INTERFACE)
