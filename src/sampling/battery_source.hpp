@@ -27,7 +27,7 @@ class BatterySource {
 
   /// Reads what the next read() returns, where a driver answers that may take its time, and then
   /// calls `done` on the sampling queue. By default there is nothing to wait for.
-  virtual void refresh(TaskQueue::Task done) { done(); }
+  virtual void refresh(TaskQueue::Task&& done) { done(); }
 
   /// Reads everything anew. A machine without a battery is an ordinary state.
   [[nodiscard]] virtual BatteryReadings read() = 0;

@@ -24,7 +24,7 @@ class DriverAnswer {
 
   /// Asks, unless an earlier question is still under way, and then calls `done`. `ask` must own
   /// what it uses.
-  void refresh(std::function<Answer()> ask, TaskQueue::Task done) {
+  void refresh(std::function<Answer()> ask, TaskQueue::Task&& done) {
     if (state_->begin()) {
       begunAt_ = clock_.uptime();
       calls_.call([state = state_, ask = std::move(ask)] { state->answer(ask); }, std::move(done));
@@ -46,7 +46,7 @@ class DriverAnswer {
 
   /// Forgets the newest answer, that of a question under way included, and runs `task`: at once,
   /// or after that question, beside the queue's tasks.
-  void startOver(TaskQueue::Task task) {
+  void startOver(TaskQueue::Task&& task) {
     const std::lock_guard lock(state_->mutex);
     state_->newest.reset();
     if (state_->isAsking) {

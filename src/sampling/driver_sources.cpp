@@ -9,7 +9,7 @@ DriverBattery::DriverBattery(std::shared_ptr<BatterySource> source, DriverCalls&
                              const Clock& clock, std::string overdue)
     : source_(std::move(source)), overdue_(std::move(overdue)), answer_(calls, clock) {}
 
-void DriverBattery::refresh(TaskQueue::Task done) {
+void DriverBattery::refresh(TaskQueue::Task&& done) {
   answer_.refresh([source = source_] { return source->read(); }, std::move(done));
 }
 
@@ -36,7 +36,7 @@ void DriverSensors::configure(MetricSet demand) {
   }
 }
 
-void DriverSensors::refresh(MetricSet demand, TaskQueue::Task done) {
+void DriverSensors::refresh(MetricSet demand, TaskQueue::Task&& done) {
   answer_.refresh([source = source_, demand] { return source->sample(demand); }, std::move(done));
 }
 

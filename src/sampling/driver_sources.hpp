@@ -20,7 +20,7 @@ class DriverBattery final : public BatterySource {
   DriverBattery(std::shared_ptr<BatterySource> source, DriverCalls& calls, const Clock& clock,
                 std::string overdue);
 
-  void refresh(TaskQueue::Task done) override;
+  void refresh(TaskQueue::Task&& done) override;
   [[nodiscard]] BatteryReadings read() override;
 
  private:
@@ -36,7 +36,7 @@ class DriverSensors final : public SensorSource {
                 std::string overdue);
 
   void configure(MetricSet demand) override;
-  void refresh(MetricSet demand, TaskQueue::Task done) override;
+  void refresh(MetricSet demand, TaskQueue::Task&& done) override;
   [[nodiscard]] SampleTable sample(MetricSet demand) override;
   void reset() override;
 

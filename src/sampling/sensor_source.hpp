@@ -20,7 +20,7 @@ class SensorSource {
   /// Reads what the next sample() returns, where the readings come from a driver that may take
   /// its time, and then calls `done` on the sampling queue. By default there is nothing to wait
   /// for.
-  virtual void refresh(MetricSet demand, TaskQueue::Task done) {
+  virtual void refresh(MetricSet demand, TaskQueue::Task&& done) {
     (void)demand;
     done();
   }

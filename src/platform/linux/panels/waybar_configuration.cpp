@@ -16,7 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // Far more than anybody writes, or a kernel passes on.
-constexpr std::size_t maxFileSize = 1024 * 1024;
+constexpr std::size_t maxFileSize = std::size_t{1024} * 1024;
 
 /// The texts that zero bytes end.
 std::vector<std::string_view> texts(std::string_view bytes) {
