@@ -214,6 +214,20 @@ class PrintTest(unittest.TestCase):
             os.close(write_end)
         self.assertEqual((result.returncode, result.stderr), (0, b""))
 
+    def test_goes_on_with_a_file_though_nobody_reads_its_standard_output(self):
+        self.store(layout("cpuUsage"))
+        gauges = self.home / "vantora.prom"
+        read_end, write_end = os.pipe()
+        os.close(read_end)
+        process = subprocess.Popen(
+            [PROGRAM, "--follow", "--format", "openmetrics", "--output", gauges],
+            stdout=write_end, env=self.environment)
+        os.close(write_end)
+        stage.until("the second reading of the CPU",
+                    lambda: gauges.exists() and "vantora_cpu_usage_ratio" in gauges.read_text())
+        process.terminate()
+        self.assertEqual(process.wait(stage.TIMEOUT), 0)
+
     def test_says_why_nothing_can_be_written(self):
         with open("/dev/full", "wb") as full:
             for arguments in [("--timeout", "0.05"), ("--follow",), ("--help",)]:

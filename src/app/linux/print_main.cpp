@@ -55,7 +55,7 @@ int print(LinuxApplication& application, const PrintOptions& options) {
   const TerminationSignals signals(loop.raw(), [&session] { session.stop(); });
   const ResizeSignal resize(loop.raw(), [&session] { session.resized(); });
   std::optional<ReaderWatch> reader;
-  if (options.follow) {
+  if (options.follow && options.outputFile.empty()) {
     reader.emplace(loop.raw(), STDOUT_FILENO, [&session] { session.stop(); });
   }
   DetachedPrograms programs(loop.raw());
