@@ -224,6 +224,8 @@ TEST_F(DriverQueueTest, ThrowsWhereNoThreadIsLeft) {
 TEST_F(DriverQueueTest, ThrowsWhereNoDescriptorIsLeft) {
   // Sanitizers take descriptors for their first look at a type.
   const std::system_error looked(EMFILE, std::generic_category());
+  make(never);
+  queue.reset();
   rlimit limit{};
   ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
   const rlimit none{3, limit.rlim_max};
