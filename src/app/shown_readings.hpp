@@ -23,8 +23,6 @@ class ShownReadings {
     Quality quality = Quality::unavailable;
     std::string source;
     std::string text;
-
-    bool operator==(const Reading&) const = default;
   };
 
   std::array<std::optional<Reading>, metricCount> readings_;

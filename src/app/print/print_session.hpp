@@ -23,10 +23,10 @@ class PrintSession final : public StatusItem {
   PrintSession(const PrintOptions& options, PrintOutput& output, TaskQueue& queue,
                std::function<void(int error)> onEnd);
 
-  /// How the session learns that nobody reads any more.
+  /// Who detects that the reader is gone.
   enum class ReaderCheck : bool {
-    atEachTick,  ///< By itself.
-    byItsOwner,  ///< Who calls stop() then: it is not woken for ticks that change no text.
+    atEachTick,  ///< The session, which needs every tick.
+    byItsOwner,  ///< The owner, who then calls stop(). Ticks that change no text are left out.
   };
 
   /// Launches the coordinator, which was made with this session as its status item.

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cassert>
 #include <condition_variable>
-#include <cstdint>
 #include <deque>
 #include <mutex>
 #include <system_error>

@@ -12,10 +12,9 @@
 
 namespace vantora {
 
-/// A queue with a thread of its own that outlives a driver which never answers. Its thread asks
-/// the drivers itself, so that a tick wakes one thread only. When a call takes longer than it may,
-/// the queue goes on with a new thread, and the old one, which nothing can
-/// interrupt in the kernel, is left to its call and ends with it.
+/// A queue with its own thread that a hanging driver cannot stop. The thread calls the drivers
+/// itself, so that a tick wakes one thread only. When a call exceeds its limit, the queue continues
+/// on a new thread; the old one cannot be interrupted in the kernel and ends with its call.
 ///
 /// Belongs to the thread of the loop, which starts the new thread: made, stopped and destroyed
 /// there.

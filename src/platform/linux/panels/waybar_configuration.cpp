@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Far more than anybody writes, or a kernel passes on.
+// Larger than any configuration, command line or environment in practice.
 constexpr std::size_t maxFileSize = std::size_t{1024} * 1024;
 
 /// The texts that zero bytes end.

@@ -37,7 +37,7 @@ class StatusNotifierWatcher final : public BusConnection::Listener {
   /// What is known of processes.
   struct Processes {
     std::string root = "/proc";
-    Worker* worker = nullptr;  ///< Reads their configurations, which nobody does without it.
+    Worker* worker = nullptr;  ///< Reads their configurations; null: not read.
   };
 
   /// `onChange` comes with the first state and whenever it has changed, before the item is
