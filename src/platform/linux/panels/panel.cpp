@@ -19,6 +19,7 @@ constexpr std::array<Panel, 7> panels{{
         .name = "waybar",
         .programs = {"waybar", ".waybar-wrapped"},  // the latter on NixOS
         .form = PictureForm::wide,
+        .drawsLargest = true,
         .readsMarkup = true,
         .readsVertical = readsVerticalWaybar,
     },

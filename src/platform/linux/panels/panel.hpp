@@ -43,6 +43,9 @@ struct Panel {
   /// Heights in pixels, beside 22 and 44, of which the panel draws an offered picture as it
   /// is when it has just that height itself; it stretches all others.
   std::span<const int> exactHeights{};
+  /// Of several pictures it draws the largest, whatever its screen's scale: it is offered that
+  /// alone.
+  bool drawsLargest = false;
   bool hasToolTip = true;
   bool readsMarkup = false;         ///< Takes the tool tip's text for Pango markup.
   bool repeatsDescription = false;  ///< Puts the accessible description beneath the tool tip.

@@ -12,10 +12,14 @@ namespace {
 // The item is 6 points longer than the picture: 3 on either side.
 constexpr double sideMargin = 3;
 constexpr double plateRadius = 5;
-// Pixels in a point. Both are always offered: the panel takes what suits the screen that it
-// is on now, which may change while the item is shown.
+// Pixels in a point. Both are offered: the panel takes what suits the screen that it is on now,
+// which may change while the item is shown.
 constexpr std::size_t maxScale = 2;
 constexpr std::array<int, 4> markSides{16, 22, 32, 48};
+
+std::size_t scaleCount(const Panel& panel) {
+  return panel.drawsLargest ? 1 : maxScale;
+}
 
 }  // namespace
 
@@ -78,7 +82,7 @@ void ItemPictures::takeContent() {
 std::size_t ItemPictures::count() const {
   switch (form()) {
     case PictureForm::wide:
-      return maxScale + panel_->exactHeights.size();
+      return scaleCount(*panel_) + panel_->exactHeights.size();
     case PictureForm::label:
       return markSides.size();
     case PictureForm::square:
@@ -99,11 +103,12 @@ StatusNotifierContent::Picture ItemPictures::picture(std::size_t index) {
     case PictureForm::wide: {
       const StatusImage& image = presentation_.image;
       ImageFrame frame{.width = length(), .height = image.height, .left = sideMargin};
+      const std::size_t scales = scaleCount(*panel_);
       double scale = 1;
-      if (index < maxScale) {
-        scale = static_cast<double>(index + 1);
+      if (index < scales) {
+        scale = static_cast<double>(maxScale - scales + index + 1);
       } else {
-        frame.height = panel_->exactHeights[index - maxScale];
+        frame.height = panel_->exactHeights[index - scales];
         frame.bottom = centredFrame(image, frame.width, frame.height).bottom;
       }
       return {drawn.image.draw(image, frame, engine_, scale), plateRadius * scale};

@@ -84,6 +84,12 @@ TEST_F(Panels, GetTheWholePictureOnlyWhereTheyKeepItWide) {
   EXPECT_EQ(unknownPanel().form, PictureForm::square);
 }
 
+TEST_F(Panels, GetEachScaleButWhereTheyDrawTheLargestAlone) {
+  for (const Panel& panel : knownPanels()) {
+    EXPECT_EQ(panel.drawsLargest, panel.name == "waybar") << panel.name;
+  }
+}
+
 TEST_F(Panels, GetASquareInAColumnInPlaceOfTheWholePictureAlone) {
   for (const Panel& panel : knownPanels()) {
     EXPECT_EQ(formOn(panel, false), panel.form) << panel.name;

@@ -166,7 +166,7 @@ TEST_F(ModuleItemsTest, RegisterAgainWithAPanelThatRestarts) {
   panel_.reset();
   startPanel("waybar");
   ASSERT_TRUE(untilRegistered(1));
-  EXPECT_EQ(ask().pixmaps.front().width, 66) << "another panel, another form";
+  EXPECT_EQ(ask().pixmaps.front().width, 132) << "another panel, another form";
 }
 
 TEST_F(ModuleItemsTest, RegisterLaterWithAPanelThatIsNotReady) {

@@ -112,7 +112,7 @@ TEST_F(StatusItemTrayTest, ForgetsTheOrientationWithThePanelThatHadIt) {
   panel_.reset();
   startPanel("waybar");
   ASSERT_TRUE(untilRegistered());
-  EXPECT_EQ(firstPicture(), std::pair(66, 22));
+  EXPECT_EQ(firstPicture(), std::pair(132, 44));
 }
 
 TEST_F(StatusItemTrayTest, GoesBackToTheBusWhereTheTraySqueezesIt) {
