@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cassert>
 #include <cmath>
 #include <cstddef>
@@ -113,38 +114,39 @@ double cornerCoverage(int column, int row, double radius) {
   return dx == 0 || dy == 0 ? 1 : std::clamp(radius - std::sqrt(dx * dx + dy * dy) + 0.5, 0.0, 1.0);
 }
 
-void put(std::span<std::uint8_t> pixels, std::size_t index, const Pixel& pixel) {
-  std::memcpy(&pixels[index * sizeof(Pixel)], pixel.data(), sizeof(Pixel));
+void put(std::uint8_t* pixel, const Pixel& value) {
+  std::memcpy(pixel, value.data(), sizeof(Pixel));
 }
 
 // Most of a picture has no ink, so that it is put by whole runs.
-void putPlainPlate(std::span<const std::uint8_t> inks, std::span<std::uint8_t> pixels) {
-  constexpr std::size_t run = 8;
-  constexpr auto bare = [] {
-    std::array<Pixel, run> same{};
-    same.fill(plainPlate[0]);
-    return same;
-  }();
-  std::size_t index = 0;
-  for (; index + run <= inks.size(); index += run) {
-    std::uint64_t together = 0;
-    static_assert(sizeof together == run);
-    std::memcpy(&together, &inks[index], run);
+void putPlainPlate(std::span<const std::uint8_t> inks, std::uint8_t* pixel) {
+  using Run = std::uint64_t;  // of inks, one byte each
+  constexpr auto barePair = std::bit_cast<Run>(std::array{plainPlate[0], plainPlate[0]});
+  const std::uint8_t* ink = inks.data();
+  const std::uint8_t* const end = ink + inks.size();
+  while (ink != end) {
+    Run together = 1;
+    if (static_cast<std::size_t>(end - ink) >= sizeof together) {
+      std::memcpy(&together, ink, sizeof together);
+    }
     if (together == 0) {
-      std::memcpy(&pixels[index * sizeof(Pixel)], bare.data(), sizeof bare);
+      ink += sizeof together;
+      for (std::size_t pair = 0; pair < sizeof together / 2; ++pair) {
+        std::memcpy(pixel, &barePair, sizeof barePair);
+        pixel += sizeof barePair;
+      }
       continue;
     }
-    for (std::size_t each = index; each < index + run; ++each) {
-      put(pixels, each, plainPlate[inks[each]]);
+    const std::uint8_t* const runEnd = ink + std::min<std::ptrdiff_t>(end - ink, sizeof together);
+    for (; ink != runEnd; ++ink) {
+      put(pixel, plainPlate[*ink]);
+      pixel += sizeof(Pixel);
     }
-  }
-  for (; index < inks.size(); ++index) {
-    put(pixels, index, plainPlate[inks[index]]);
   }
 }
 
 void tintOverPlate(const AlphaBitmap& bitmap, double radius, std::span<std::uint8_t> pixels) {
-  putPlainPlate(bitmap.pixels, pixels);
+  putPlainPlate(bitmap.pixels, pixels.data());
   // All four corners are alike, so each coverage is computed once.
   const int reach = static_cast<int>(std::ceil(radius));
   const int columns = std::min(reach, (bitmap.width + 1) / 2);
@@ -162,7 +164,8 @@ void tintOverPlate(const AlphaBitmap& bitmap, double radius, std::span<std::uint
           const std::size_t index =
               static_cast<std::size_t>(y) * width + static_cast<std::size_t>(x);
           const std::uint8_t ink = bitmap.pixels[index];
-          put(pixels, index, ink == 0 ? bare : overPlate(ink, plateOpacity * coverage));
+          put(&pixels[index * sizeof(Pixel)],
+              ink == 0 ? bare : overPlate(ink, plateOpacity * coverage));
         }
       }
     }
@@ -277,8 +280,10 @@ void tint(const AlphaBitmap& bitmap, Ink ink, double cornerRadius, std::span<std
     return;
   }
   const std::uint8_t grey = ink == Ink::light ? lightInk : darkInk;
-  for (std::size_t index = 0; index < bitmap.pixels.size(); ++index) {
-    put(pixels, index, greyPixel(bitmap.pixels[index], grey));
+  std::uint8_t* pixel = pixels.data();
+  for (const std::uint8_t alpha : bitmap.pixels) {
+    put(pixel, greyPixel(alpha, grey));
+    pixel += sizeof(Pixel);
   }
 }
 

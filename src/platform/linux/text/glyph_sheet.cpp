@@ -62,10 +62,12 @@ InkSpan GlyphSheet::draw(const Glyph& glyph, AlphaBitmap& target, int penColumn,
   }
   for (int row = firstRow; row < endRow; ++row) {
     const std::uint8_t* source =
-        ink_.data() + glyph.offset + static_cast<std::ptrdiff_t>(row) * glyph.width;
-    for (int column = firstColumn; column < endColumn; ++column) {
-      std::uint8_t& pixel = target.at(left + column, top + row);
-      pixel = over(pixel, source[column]);
+        ink_.data() + glyph.offset + static_cast<std::ptrdiff_t>(row) * glyph.width + firstColumn;
+    std::uint8_t* pixel = &target.at(left + firstColumn, top + row);
+    for (int column = firstColumn; column < endColumn; ++column, ++source, ++pixel) {
+      if (*source != 0) {
+        *pixel = *pixel == 0 ? *source : over(*pixel, *source);
+      }
     }
   }
   return {left + firstColumn, left + endColumn};
