@@ -6,6 +6,7 @@
 #include <functional>
 
 #include "app/print/block_clicks.hpp"
+#include "runtime/readable_watch.hpp"
 
 namespace vantora {
 
@@ -15,13 +16,9 @@ class ClickInput {
  public:
   /// `descriptor` stays open; it is read as long as this lives.
   ClickInput(uv_loop_t& loop, int descriptor, std::function<void(BlockButton)> onClick);
-  ~ClickInput();
-  ClickInput(const ClickInput&) = delete;
-  ClickInput& operator=(const ClickInput&) = delete;
 
  private:
-  struct Watch;
-  Watch* watch_ = nullptr;  // libuv's until it has closed it
+  ReadableWatch watch_;
 };
 
 }  // namespace vantora

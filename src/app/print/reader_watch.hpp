@@ -5,6 +5,9 @@
 
 #include <functional>
 
+#include "runtime/readable_watch.hpp"
+#include "runtime/unique_fd.hpp"
+
 namespace vantora {
 
 /// Detects that the other end of a descriptor is gone: the last reader of a pipe or socket, or the
@@ -16,13 +19,12 @@ class ReaderWatch {
   /// shared with other programs and must stay open. Where the system has no descriptor left,
   /// it never calls, and only a write fails.
   ReaderWatch(uv_loop_t& loop, int descriptor, std::function<void()> onGone);
-  ~ReaderWatch();
-  ReaderWatch(const ReaderWatch&) = delete;
-  ReaderWatch& operator=(const ReaderWatch&) = delete;
 
  private:
-  struct Watch;
-  Watch* watch_ = nullptr;
+  // libuv makes what it polls non-blocking, for every program that has it: so it gets an epoll
+  // instance of its own, which holds the descriptor.
+  UniqueFd instance_;
+  ReadableWatch watch_;
 };
 
 }  // namespace vantora

@@ -186,35 +186,20 @@ DriverQueue::DriverQueue(uv_loop_t& loop, std::string label, Seconds maxCallTime
     : core_(std::make_shared<Core>()) {
   core_->label = std::move(label);
   core_->maxCallTime = maxCallTime;
-  auto watch = std::make_unique<uv_poll_t>();
-  if (const int status = uv_poll_init(&loop, watch.get(), core_->alarm.descriptor()); status != 0) {
-    throw std::system_error(-status, std::generic_category());
-  }
-  watch_ = watch.release();
-  watch_->data = core_.get();
-  uv_poll_start(watch_, UV_READABLE, [](uv_poll_t* handle, int, int) {
-    auto* core = static_cast<Core*>(handle->data);
+  const auto alarmed = [core = core_.get()] {
     core->alarm.clear();
     core->goOn();
-  });
-  try {
-    const std::lock_guard lock(core_->mutex);
-    core_->startThread();
-  } catch (...) {
-    closeWatch();
-    throw;
+  };
+  if (const int error = watch_.start(loop, core_->alarm.descriptor(), alarmed); error != 0) {
+    throw std::system_error(-error, std::generic_category());
   }
+  const std::lock_guard lock(core_->mutex);
+  core_->startThread();
 }
 
 DriverQueue::~DriverQueue() {
   stop();
   (void)waitUntil(Monotonic::time_point::max());
-  closeWatch();
-}
-
-void DriverQueue::closeWatch() {
-  uv_close(reinterpret_cast<uv_handle_t*>(watch_),
-           [](uv_handle_t* handle) { delete reinterpret_cast<uv_poll_t*>(handle); });
 }
 
 void DriverQueue::post(Task task) {

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "runtime/readable_watch.hpp"
 #include "runtime/task_queue.hpp"
 #include "sampling/driver_calls.hpp"
 
@@ -47,11 +48,10 @@ class DriverQueue final : public TaskQueue, public DriverCalls {
  private:
   struct Core;
   class QueueTimer;
-  void closeWatch();
   TimerHandle start(Seconds delay, Seconds interval, Seconds leeway, Task task);
 
   const std::shared_ptr<Core> core_;  // shared with the threads and the handles
-  uv_poll_t* watch_ = nullptr;
+  ReadableWatch watch_;
 };
 
 }  // namespace vantora

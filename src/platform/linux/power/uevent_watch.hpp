@@ -11,6 +11,8 @@
 #include <functional>
 #include <memory>
 
+#include "runtime/readable_watch.hpp"
+
 namespace vantora {
 
 /// Listens to what udev passes on. The kernel drops the events of all other subsystems before
@@ -19,7 +21,6 @@ class UeventWatch {
  public:
   /// `onChange` is called from the loop, once for the events that arrived together.
   UeventWatch(uv_loop_t& loop, std::function<void()> onChange);
-  ~UeventWatch();
   UeventWatch(const UeventWatch&) = delete;
   UeventWatch& operator=(const UeventWatch&) = delete;
 
@@ -38,7 +39,7 @@ class UeventWatch {
   // The monitor speaks through an event loop of its own, of which ours watches the descriptor.
   std::unique_ptr<sd_event, Unref> events_;
   std::unique_ptr<sd_device_monitor, Unref> monitor_;
-  uv_poll_t* poll_ = nullptr;  // freed by libuv's close callback
+  ReadableWatch watch_;
   bool changed_ = false;
 };
 
