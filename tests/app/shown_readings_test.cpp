@@ -3,12 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include "support/example_time.hpp"
 #include "support/live_memory.hpp"
 
 namespace vantora::test {
 namespace {
-
-const WallTime now = wallTimeFromUnix(1'700'000'000);
 
 class ShownReadingsTest : public testing::Test {
  protected:
@@ -19,7 +18,8 @@ class ShownReadingsTest : public testing::Test {
     (void)shown.take(snapshot);
   }
   void set(MetricID metric, double value) {
-    snapshot.samples.set(metric, MetricSample::valid(value, "fonte que não cabe em 15 bytes", now));
+    snapshot.samples.set(metric,
+                         MetricSample::valid(value, "fonte que não cabe em 15 bytes", exampleTime));
   }
 
   MetricSnapshot snapshot;
@@ -44,7 +44,7 @@ TEST_F(ShownReadingsTest, DifferByTheTextOfAValue) {
 }
 
 TEST_F(ShownReadingsTest, DifferByWhereAValueCameFrom) {
-  snapshot.samples.set(MetricID::cpuUsage, MetricSample::valid(17, "outra fonte", now));
+  snapshot.samples.set(MetricID::cpuUsage, MetricSample::valid(17, "outra fonte", exampleTime));
   EXPECT_TRUE(shown.take(snapshot));
 }
 

@@ -6,14 +6,13 @@
 #include <memory>
 
 #include "status/status_renderer.hpp"
+#include "support/example_time.hpp"
 #include "support/fake_app_ports.hpp"
 #include "support/fake_text_engine.hpp"
 #include "support/live_memory.hpp"
 
 namespace vantora::test {
 namespace {
-
-const WallTime now = wallTimeFromUnix(1'700'000'000);
 
 class StatusRedrawTest : public testing::Test {
  protected:
@@ -25,9 +24,9 @@ class StatusRedrawTest : public testing::Test {
   }
 
   void setUsage(double percent) {
-    snapshot_.samples.set(MetricID::cpuUsage, MetricSample::valid(percent, "fonte", now));
+    snapshot_.samples.set(MetricID::cpuUsage, MetricSample::valid(percent, "fonte", exampleTime));
   }
-  bool drawIfChanged() { return redraw_.drawIfChanged(configuration_, snapshot_, now); }
+  bool drawIfChanged() { return redraw_.drawIfChanged(configuration_, snapshot_, exampleTime); }
 
   AppConfiguration configuration_;
   MetricSnapshot snapshot_;
@@ -39,8 +38,8 @@ class StatusRedrawTest : public testing::Test {
 TEST_F(StatusRedrawTest, DrawsFirstOfAll) {
   EXPECT_TRUE(drawIfChanged());
   ASSERT_EQ(item_.shown.size(), 1U);
-  EXPECT_EQ(item_.shown.back(),
-            StatusRenderer::render(configuration_, snapshot_, {item_.thickness(), now, engine_}));
+  EXPECT_EQ(item_.shown.back(), StatusRenderer::render(configuration_, snapshot_,
+                                                       {item_.thickness(), exampleTime, engine_}));
   EXPECT_EQ(redraw_.presentation(), item_.shown.back());
 }
 
@@ -78,7 +77,7 @@ TEST_F(StatusRedrawTest, DrawsAChangedConfigurationThatLeavesTheTextsAsTheyAre) 
 
 TEST_F(StatusRedrawTest, DrawsWhatIsTheSameWhenItIsTold) {
   drawIfChanged();
-  redraw_.draw(configuration_, snapshot_, now);
+  redraw_.draw(configuration_, snapshot_, exampleTime);
   EXPECT_EQ(item_.shown.size(), 2U);
   EXPECT_FALSE(drawIfChanged());
 }
@@ -98,19 +97,19 @@ class StatusRedrawAllocationsTest : public StatusRedrawTest {
   StatusRedrawAllocationsTest() {
     configuration_.modules = AppConfiguration::defaultModules();
     setReadings(10);
-    keepingRedraw_.drawIfChanged(configuration_, snapshot_, now);
+    keepingRedraw_.drawIfChanged(configuration_, snapshot_, exampleTime);
     setReadings(11);
-    keepingRedraw_.drawIfChanged(configuration_, snapshot_, now);
+    keepingRedraw_.drawIfChanged(configuration_, snapshot_, exampleTime);
   }
 
   void setReadings(double value) {
     for (const MetricID metric : configuration_.demand()) {
-      snapshot_.samples.set(metric, MetricSample::valid(value, "fonte", now));
+      snapshot_.samples.set(metric, MetricSample::valid(value, "fonte", exampleTime));
     }
   }
   std::size_t allocationsOfATick() {
     const std::size_t before = allocations();
-    keepingRedraw_.drawIfChanged(configuration_, snapshot_, now);
+    keepingRedraw_.drawIfChanged(configuration_, snapshot_, exampleTime);
     return allocations() - before;
   }
 

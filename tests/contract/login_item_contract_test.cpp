@@ -11,7 +11,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct Fake {
+struct FakeItem {
   test::FakeLoginItem item;
   void refuse() { item.fault = Fault::failed("Sem permissão"); }
 };
@@ -35,8 +35,8 @@ struct Autostart {
   AutostartLoginItem item{places()};
 };
 
-using Systems = testing::Types<Fake, Autostart>;
-INSTANTIATE_TYPED_TEST_SUITE_P(Linux, LoginItemContract, Systems);
+using LoginItems = testing::Types<FakeItem, Autostart>;
+INSTANTIATE_TYPED_TEST_SUITE_P(Linux, LoginItemContract, LoginItems);
 
 }  // namespace
 }  // namespace vantora::test

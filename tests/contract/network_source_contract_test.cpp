@@ -8,9 +8,9 @@
 namespace vantora::test {
 namespace {
 
-struct Fake {
+struct FakeNetwork {
   test::FakeNetworkSource source;
-  Fake() {
+  FakeNetwork() {
     source.add("lo");
     source.setPhysical("lo", false);
     source.add("eth0");
@@ -25,8 +25,8 @@ struct WithoutSysfs {
   RtnetlinkSource source{"/nonexistent"};
 };
 
-using Machines = testing::Types<Fake, WithSysfs, WithoutSysfs>;
-INSTANTIATE_TYPED_TEST_SUITE_P(Linux, NetworkSourceContract, Machines);
+using Networks = testing::Types<FakeNetwork, WithSysfs, WithoutSysfs>;
+INSTANTIATE_TYPED_TEST_SUITE_P(Linux, NetworkSourceContract, Networks);
 
 }  // namespace
 }  // namespace vantora::test

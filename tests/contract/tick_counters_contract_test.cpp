@@ -8,7 +8,7 @@
 namespace vantora::test {
 namespace {
 
-struct Fake {
+struct FakeTicks {
   test::FakeTickCounters counters;
   void letTimePass() { counters.set(1001, 9001); }
 };
@@ -27,8 +27,8 @@ struct ProcStat {
   }
 };
 
-using Machines = testing::Types<Fake, ProcStat>;
-INSTANTIATE_TYPED_TEST_SUITE_P(Linux, TickCountersContract, Machines);
+using TickSources = testing::Types<FakeTicks, ProcStat>;
+INSTANTIATE_TYPED_TEST_SUITE_P(Linux, TickCountersContract, TickSources);
 
 }  // namespace
 }  // namespace vantora::test

@@ -9,7 +9,7 @@
 namespace vantora::test {
 namespace {
 
-struct Fake {
+struct FakeDefaults {
   test::FakeUserDefaults defaults;
   void refuse() { defaults.fault = Fault::failed("Sem permissão"); }
 };
@@ -25,8 +25,8 @@ struct JsonFile {
   }
 };
 
-using Systems = testing::Types<Fake, JsonFile>;
-INSTANTIATE_TYPED_TEST_SUITE_P(Linux, UserDefaultsContract, Systems);
+using DefaultsStores = testing::Types<FakeDefaults, JsonFile>;
+INSTANTIATE_TYPED_TEST_SUITE_P(Linux, UserDefaultsContract, DefaultsStores);
 
 }  // namespace
 }  // namespace vantora::test

@@ -9,8 +9,6 @@
 namespace vantora {
 namespace {
 
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-
 bool isAccepted(const std::function<void(AppConfiguration&)>& change) {
   AppConfiguration configuration;
   change(configuration);
@@ -114,7 +112,7 @@ TEST_P(ConfigurationNumbers, AreAcceptedBetweenTheirBoundsOnly) {
   EXPECT_TRUE(accepts(number.most));
   EXPECT_FALSE(accepts(number.least - 0.01));
   EXPECT_FALSE(accepts(number.most + 0.01));
-  EXPECT_FALSE(accepts(nan));
+  EXPECT_FALSE(accepts(std::numeric_limits<double>::quiet_NaN()));
   EXPECT_FALSE(accepts(std::numeric_limits<double>::infinity()));
 }
 

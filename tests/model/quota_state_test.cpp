@@ -3,16 +3,18 @@
 
 #include <gtest/gtest.h>
 
+#include "support/example_time.hpp"
+
 namespace vantora {
 namespace {
 
-const WallTime now = wallTimeFromUnix(1'790'000'000);
+using test::exampleTime;
 
 CodexQuotaState readyCodex() {
   CodexQuotaState state;
   state.status = CodexQuotaStatus::ready;
   state.usedPercent = 10;
-  state.lastSuccess = now;
+  state.lastSuccess = exampleTime;
   return state;
 }
 
@@ -20,7 +22,7 @@ ClaudeQuotaState readyClaude() {
   ClaudeQuotaState state;
   state.status = ClaudeQuotaStatus::ready;
   state.weeklyUsed = 10;
-  state.lastSuccess = now;
+  state.lastSuccess = exampleTime;
   return state;
 }
 
@@ -28,9 +30,9 @@ template <typename State>
 void expectThirtyMinutesOfLife(const State& state) {
   using std::chrono::milliseconds;
   using std::chrono::minutes;
-  EXPECT_TRUE(state.isPresentable(now));
-  EXPECT_TRUE(state.isPresentable(now + minutes(30) - milliseconds(1)));
-  EXPECT_FALSE(state.isPresentable(now + minutes(30)));
+  EXPECT_TRUE(state.isPresentable(exampleTime));
+  EXPECT_TRUE(state.isPresentable(exampleTime + minutes(30) - milliseconds(1)));
+  EXPECT_FALSE(state.isPresentable(exampleTime + minutes(30)));
 }
 
 TEST(CodexQuotaState, StartsDisabled) {
@@ -38,7 +40,7 @@ TEST(CodexQuotaState, StartsDisabled) {
   EXPECT_EQ(state.status, CodexQuotaStatus::disabled);
   EXPECT_EQ(state.message, "Integração desativada.");
   EXPECT_EQ(state.settings, CodexQuotaSettings());
-  EXPECT_FALSE(state.isPresentable(now));
+  EXPECT_FALSE(state.isPresentable(exampleTime));
 }
 
 TEST(CodexQuotaState, IsPresentableForLessThanThirtyMinutes) {
@@ -49,7 +51,7 @@ TEST(CodexQuotaState, IsPresentableOnlyWhenReadyOrStale) {
   for (int index = 0; index <= static_cast<int>(CodexQuotaStatus::error); ++index) {
     CodexQuotaState state = readyCodex();
     state.status = static_cast<CodexQuotaStatus>(index);
-    EXPECT_EQ(state.isPresentable(now),
+    EXPECT_EQ(state.isPresentable(exampleTime),
               state.status == CodexQuotaStatus::ready || state.status == CodexQuotaStatus::stale)
         << rawText(state.status);
   }
@@ -58,10 +60,10 @@ TEST(CodexQuotaState, IsPresentableOnlyWhenReadyOrStale) {
 TEST(CodexQuotaState, IsNotPresentableWithoutValueOrSuccess) {
   CodexQuotaState state = readyCodex();
   state.usedPercent.reset();
-  EXPECT_FALSE(state.isPresentable(now));
+  EXPECT_FALSE(state.isPresentable(exampleTime));
   state = readyCodex();
   state.lastSuccess.reset();
-  EXPECT_FALSE(state.isPresentable(now));
+  EXPECT_FALSE(state.isPresentable(exampleTime));
 }
 
 TEST(CodexQuotaCandidate, IsTitledByNameAndIdOrByIdAlone) {
@@ -88,7 +90,7 @@ TEST(ClaudeQuotaState, StartsDisabled) {
   EXPECT_EQ(state.status, ClaudeQuotaStatus::disabled);
   EXPECT_EQ(state.message, "Integração desativada.");
   EXPECT_EQ(state.settings, ClaudeQuotaSettings());
-  EXPECT_FALSE(state.isPresentable(now));
+  EXPECT_FALSE(state.isPresentable(exampleTime));
 }
 
 TEST(ClaudeQuotaState, IsPresentableForLessThanThirtyMinutes) {
@@ -98,16 +100,16 @@ TEST(ClaudeQuotaState, IsPresentableForLessThanThirtyMinutes) {
 TEST(ClaudeQuotaState, IsPresentableWithEitherValueAlone) {
   ClaudeQuotaState state = readyClaude();
   state.weeklyUsed.reset();
-  EXPECT_FALSE(state.isPresentable(now));
+  EXPECT_FALSE(state.isPresentable(exampleTime));
   state.sessionUsed = 0;
-  EXPECT_TRUE(state.isPresentable(now));
+  EXPECT_TRUE(state.isPresentable(exampleTime));
 }
 
 TEST(ClaudeQuotaState, IsPresentableOnlyWhenReadyOrStale) {
   for (int index = 0; index <= static_cast<int>(ClaudeQuotaStatus::error); ++index) {
     ClaudeQuotaState state = readyClaude();
     state.status = static_cast<ClaudeQuotaStatus>(index);
-    EXPECT_EQ(state.isPresentable(now),
+    EXPECT_EQ(state.isPresentable(exampleTime),
               state.status == ClaudeQuotaStatus::ready || state.status == ClaudeQuotaStatus::stale)
         << rawText(state.status);
   }

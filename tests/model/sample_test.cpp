@@ -4,17 +4,18 @@
 #include <gtest/gtest.h>
 
 #include "model/words.hpp"
+#include "support/example_time.hpp"
 
 namespace vantora {
 namespace {
 
-const WallTime now = wallTimeFromUnix(1'790'000'000);
+using test::exampleTime;
 
 TEST(MetricSample, CarriesTheInstantOnlyWhenItIsValid) {
-  const auto valid = MetricSample::valid(42, "fonte", now);
+  const auto valid = MetricSample::valid(42, "fonte", exampleTime);
   EXPECT_EQ(valid.value, 42);
   EXPECT_EQ(valid.quality, Quality::valid);
-  EXPECT_EQ(valid.sampledAt, now);
+  EXPECT_EQ(valid.sampledAt, exampleTime);
   EXPECT_EQ(valid.source, "fonte");
   for (const auto& sample : {MetricSample::waiting("fonte"), MetricSample::unavailable("fonte")}) {
     EXPECT_EQ(sample.value, std::nullopt);

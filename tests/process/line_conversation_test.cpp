@@ -20,7 +20,7 @@ using test::VirtualTime;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr std::size_t limit = 16;
+constexpr std::size_t conversationLimit = 16;
 
 class LineConversationTest : public testing::Test {
  protected:
@@ -50,7 +50,7 @@ class LineConversationTest : public testing::Test {
   VirtualTime time;
   std::unique_ptr<test::VirtualQueue> queue = time.makeQueue();
   ScriptedLauncher launcher{*queue};
-  LineConversation conversation{*queue, launcher, limit};
+  LineConversation conversation{*queue, launcher, conversationLimit};
   std::vector<std::string> events;
 };
 
@@ -90,7 +90,7 @@ TEST_F(LineConversationTest, ReportsAChildThatCouldNotBeStarted) {
 
 TEST_F(LineConversationTest, ReportsThatTooMuchWaits) {
   start();
-  say(std::string(limit, 'x'));
+  say(std::string(conversationLimit, 'x'));
   EXPECT_THAT(events, IsEmpty());
   say("\n");
   EXPECT_THAT(events, ElementsAre("(over limit)"));
@@ -135,7 +135,7 @@ TEST_F(LineConversationTest, HasNoDeadlineOnceItIsOver) {
 
 TEST_F(LineConversationTest, EndsTheChildWhenItIsDestroyed) {
   {
-    LineConversation other(*queue, launcher, limit);
+    LineConversation other(*queue, launcher, conversationLimit);
     ASSERT_TRUE(other.start({"/bin/child", {}, {}, {}}, {}));
   }
   EXPECT_TRUE(child().isTerminated());

@@ -15,7 +15,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr std::size_t limit = 1'000'000;
+constexpr std::size_t framerLimit = 1'000'000;
 
 std::vector<std::string> takeAll(LineFramer& framer) {
   std::vector<std::string> lines;
@@ -26,7 +26,7 @@ std::vector<std::string> takeAll(LineFramer& framer) {
 }
 
 TEST(LineFramer, KeepsHalfALineUntilItsLineFeedArrives) {
-  LineFramer framer(limit);
+  LineFramer framer(framerLimit);
   ASSERT_TRUE(framer.append("{\"id\""));
   EXPECT_THAT(takeAll(framer), IsEmpty());
   EXPECT_EQ(framer.pendingBytes(), 5U);
@@ -36,7 +36,7 @@ TEST(LineFramer, KeepsHalfALineUntilItsLineFeedArrives) {
 }
 
 TEST(LineFramer, ForgetsWhatWaitsWhenItIsCleared) {
-  LineFramer framer(limit);
+  LineFramer framer(framerLimit);
   ASSERT_TRUE(framer.append("one\ntw"));
   EXPECT_THAT(takeAll(framer), ElementsAre("one"));
   framer.clear();
@@ -46,17 +46,17 @@ TEST(LineFramer, ForgetsWhatWaitsWhenItIsCleared) {
 }
 
 TEST(LineFramer, GivesItsMemoryBackWhenItIsCleared) {
-  LineFramer framer(limit);
-  const std::string flood(limit, 'x');
+  LineFramer framer(framerLimit);
+  const std::string flood(framerLimit, 'x');
   const std::size_t before = test::liveBytes();
   ASSERT_TRUE(framer.append(flood));
-  EXPECT_GE(test::liveBytes(), before + limit);
+  EXPECT_GE(test::liveBytes(), before + framerLimit);
   framer.clear();
   EXPECT_EQ(test::liveBytes(), before);
 }
 
 TEST(LineFramer, TakesSeveralLinesOfOneReadInOrder) {
-  LineFramer framer(limit);
+  LineFramer framer(framerLimit);
   ASSERT_TRUE(framer.append("one\ntwo\nthr"));
   EXPECT_THAT(takeAll(framer), ElementsAre("one", "two"));
   ASSERT_TRUE(framer.append("ee\n"));
@@ -89,20 +89,20 @@ TEST(LineFramer, FeedsNothingMoreOnceItIsCleared) {
 }
 
 TEST(LineFramer, TakesEmptyLines) {
-  LineFramer framer(limit);
+  LineFramer framer(framerLimit);
   ASSERT_TRUE(framer.append("\n\na\n\n"));
   EXPECT_THAT(takeAll(framer), ElementsAre("", "", "a", ""));
 }
 
 TEST(LineFramer, KeepsTheCarriageReturnOfACrLfLine) {
-  LineFramer framer(limit);
+  LineFramer framer(framerLimit);
   ASSERT_TRUE(framer.append("one\r"));
   ASSERT_TRUE(framer.append("\ntwo\r\n"));
   EXPECT_THAT(takeAll(framer), ElementsAre("one\r", "two\r"));
 }
 
 TEST(LineFramer, MakesACharacterWholeThatWasSplitAcrossReads) {
-  LineFramer framer(limit);
+  LineFramer framer(framerLimit);
   const std::string text = "grau \u00b0 e \u2014\n";
   for (const char byte : text) {
     EXPECT_THAT(takeAll(framer), IsEmpty());
@@ -112,14 +112,14 @@ TEST(LineFramer, MakesACharacterWholeThatWasSplitAcrossReads) {
 }
 
 TEST(LineFramer, TakesBytesThatAreNoTextAsTheyAre) {
-  LineFramer framer(limit);
+  LineFramer framer(framerLimit);
   const std::string bytes("\xff\0\x80\n", 4);
   ASSERT_TRUE(framer.append(bytes));
   EXPECT_THAT(takeAll(framer), ElementsAre(std::string("\xff\0\x80", 3)));
 }
 
 TEST(LineFramer, NeverTakesALastLineWithoutALineFeed) {
-  LineFramer framer(limit);
+  LineFramer framer(framerLimit);
   ASSERT_TRUE(framer.append("done\nhalf"));
   EXPECT_THAT(takeAll(framer), ElementsAre("done"));
   EXPECT_THAT(takeAll(framer), IsEmpty());
@@ -127,28 +127,28 @@ TEST(LineFramer, NeverTakesALastLineWithoutALineFeed) {
 }
 
 TEST(LineFramer, AcceptsExactlyTheLimitAndRefusesOneByteMore) {
-  LineFramer framer(limit);
-  ASSERT_TRUE(framer.append(std::string(limit, 'x')));
-  EXPECT_EQ(framer.pendingBytes(), limit);
+  LineFramer framer(framerLimit);
+  ASSERT_TRUE(framer.append(std::string(framerLimit, 'x')));
+  EXPECT_EQ(framer.pendingBytes(), framerLimit);
   EXPECT_FALSE(framer.append("x"));
   EXPECT_FALSE(framer.append("\n"));
-  EXPECT_EQ(framer.pendingBytes(), limit);
+  EXPECT_EQ(framer.pendingBytes(), framerLimit);
 }
 
 TEST(LineFramer, RefusesOneReadAboveTheLimitWhateverLinesItHolds) {
-  LineFramer framer(limit);
-  EXPECT_FALSE(framer.append(std::string(limit + 1, '\n')));
+  LineFramer framer(framerLimit);
+  EXPECT_FALSE(framer.append(std::string(framerLimit + 1, '\n')));
   EXPECT_EQ(framer.pendingBytes(), 0U);
-  EXPECT_TRUE(framer.append(std::string(limit, '\n')));
+  EXPECT_TRUE(framer.append(std::string(framerLimit, '\n')));
 }
 
 TEST(LineFramer, TakesALineWithItsLineFeedOfExactlyTheLimit) {
-  LineFramer framer(limit);
-  ASSERT_TRUE(framer.append(std::string(limit - 1, 'x')));
+  LineFramer framer(framerLimit);
+  ASSERT_TRUE(framer.append(std::string(framerLimit - 1, 'x')));
   ASSERT_TRUE(framer.append("\n"));
   const auto lines = takeAll(framer);
   ASSERT_EQ(lines.size(), 1U);
-  EXPECT_EQ(lines.front().size(), limit - 1);
+  EXPECT_EQ(lines.front().size(), framerLimit - 1);
 }
 
 TEST(LineFramer, CountsOnlyWhatWasNotTakenTowardsTheLimit) {
@@ -165,7 +165,7 @@ TEST(LineFramer, CountsOnlyWhatWasNotTakenTowardsTheLimit) {
 }
 
 TEST(LineFramer, LosesNothingWhenLinesAreTakenLate) {
-  LineFramer framer(limit);
+  LineFramer framer(framerLimit);
   std::vector<std::string> expected;
   for (int index = 0; index < 300; ++index) {
     expected.push_back(std::string(static_cast<std::size_t>(index % 7), 'a') +

@@ -17,6 +17,7 @@
 #include "model/configuration_codec.hpp"
 #include "settings/configuration_store.hpp"
 #include "settings/error_text.hpp"
+#include "settings/padded_configuration.hpp"
 #include "settings/settings_model.hpp"
 #include "settings/unprivileged.hpp"
 #include "support/fake_settings_ports.hpp"
@@ -28,14 +29,9 @@ namespace vantora {
 namespace {
 
 namespace fs = std::filesystem;
+using test::paddedBy;
 using test::writeBytes;
 using testing::StartsWith;
-
-AppConfiguration paddedBy(double padding) {
-  AppConfiguration configuration;
-  configuration.horizontalPadding = padding;
-  return configuration;
-}
 
 std::string inUTF16(std::string_view text, bool isBigEndian) {
   std::string wide = isBigEndian ? "\xfe\xff" : "\xff\xfe";

@@ -12,6 +12,7 @@
 
 #include "model/configuration_codec.hpp"
 #include "settings/error_text.hpp"
+#include "settings/padded_configuration.hpp"
 #include "settings/unprivileged.hpp"
 #include "support/temporary_folder.hpp"
 
@@ -19,6 +20,7 @@ namespace vantora {
 namespace {
 
 namespace fs = std::filesystem;
+using test::paddedBy;
 using test::readBytes;
 using test::writeBytes;
 using testing::ElementsAre;
@@ -38,12 +40,6 @@ std::vector<std::string> namesIn(const fs::path& folder) {
   }
   std::sort(names.begin(), names.end());
   return names;
-}
-
-AppConfiguration paddedBy(double padding) {
-  AppConfiguration configuration;
-  configuration.horizontalPadding = padding;
-  return configuration;
 }
 
 class ConfigurationStoreTest : public testing::Test {

@@ -12,6 +12,7 @@
 #include "model/configuration_codec.hpp"
 #include "settings/configuration_store.hpp"
 #include "settings/error_text.hpp"
+#include "settings/padded_configuration.hpp"
 #include "settings/small_disk.hpp"
 #include "support/temporary_folder.hpp"
 
@@ -19,17 +20,12 @@ namespace vantora {
 namespace {
 
 namespace fs = std::filesystem;
+using test::paddedBy;
 using test::readBytes;
 using testing::ElementsAre;
 
 constexpr std::size_t diskSize = 65'536;
 constexpr std::size_t page = 4096;  // What a tmpfs gives out at a time.
-
-AppConfiguration paddedBy(double padding) {
-  AppConfiguration configuration;
-  configuration.horizontalPadding = padding;
-  return configuration;
-}
 
 // A document of more than one page.
 AppConfiguration longConfiguration() {

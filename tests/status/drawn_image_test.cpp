@@ -11,11 +11,11 @@
 namespace vantora {
 namespace {
 
-const Font font{Typeface::tabularDigits, 9};
-const ImageFrame frame{.width = 126, .height = 22, .left = 3};
+const Font lineFont{Typeface::tabularDigits, 9};
+const ImageFrame itemFrame{.width = 126, .height = 22, .left = 3};
 
 PlacedText line(double x, double y, std::string text) {
-  return {x, y, {{std::move(text), font}}};
+  return {x, y, {{std::move(text), lineFont}}};
 }
 
 /// Three columns of two lines.
@@ -32,7 +32,7 @@ StatusImage threeModules() {
 class DrawnImageTest : public testing::Test {
  protected:
   /// The number of lines that were drawn, after a look at the pixels.
-  int draw(const StatusImage& image, const ImageFrame& place = frame, double scale = 2) {
+  int draw(const StatusImage& image, const ImageFrame& place = itemFrame, double scale = 2) {
     engine_.drawnLines = 0;
     const AlphaBitmap& bitmap = drawn_.draw(image, place, engine_, scale);
     const int lines = engine_.drawnLines;
@@ -94,7 +94,7 @@ TEST_F(DrawnImageTest, DrawsAgainWhereALineReachesIntoWhatWasKept) {
 TEST_F(DrawnImageTest, DrawsAllInAnotherFrameAtAnotherScaleAndOfAnotherNumberOfLines) {
   StatusImage image = threeModules();
   draw(image);
-  ImageFrame higher = frame;
+  ImageFrame higher = itemFrame;
   higher.height = 30;
   higher.bottom = 4;
   EXPECT_EQ(draw(image, higher), 6);
@@ -132,9 +132,9 @@ TEST(DrawnImage, DrawsAgainWhatWasNotDrawnForGood) {
   LateTextEngine engine;
   DrawnImage drawn;
   const StatusImage image = threeModules();
-  EXPECT_EQ(drawn.draw(image, frame, engine, 1), rasterise({}, frame, engine, 1));
+  EXPECT_EQ(drawn.draw(image, itemFrame, engine, 1), rasterise({}, itemFrame, engine, 1));
   engine.isLate = false;
-  EXPECT_EQ(drawn.draw(image, frame, engine, 1), rasterise(image, frame, engine, 1));
+  EXPECT_EQ(drawn.draw(image, itemFrame, engine, 1), rasterise(image, itemFrame, engine, 1));
 }
 
 }  // namespace

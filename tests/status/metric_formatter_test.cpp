@@ -12,13 +12,14 @@
 #include <vector>
 
 #include "model/decimal.hpp"
+#include "support/example_time.hpp"
 
 namespace vantora {
 namespace {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
-const WallTime now = wallTimeFromUnix(1'700'000'000);
+using test::exampleTime;
 
 MetricSnapshot snapshotWith(MetricID metric, MetricSample sample) {
   MetricSnapshot snapshot;
@@ -27,8 +28,8 @@ MetricSnapshot snapshotWith(MetricID metric, MetricSample sample) {
 }
 
 std::string validText(MetricID metric, double value) {
-  return MetricFormatter::text(metric,
-                               snapshotWith(metric, MetricSample::valid(value, "fonte", now)), now);
+  return MetricFormatter::text(
+      metric, snapshotWith(metric, MetricSample::valid(value, "fonte", exampleTime)), exampleTime);
 }
 
 MetricSample sampleOf(Quality quality, std::optional<double> value) {
@@ -43,13 +44,13 @@ const std::vector sampledMetrics{
     MetricID::inputWatts,     MetricID::batteryChargeWatts};
 
 TEST(MetricFormatter, ShowsNothingForAnEmptyLine) {
-  EXPECT_EQ(MetricFormatter::text(MetricID::none, MetricSnapshot(), now), "");
+  EXPECT_EQ(MetricFormatter::text(MetricID::none, MetricSnapshot(), exampleTime), "");
   EXPECT_EQ(validText(MetricID::none, 7), "");
 }
 
 TEST(MetricFormatter, ShowsADashForWhatWasNotMeasured) {
   for (const MetricID metric : sampledMetrics) {
-    EXPECT_EQ(MetricFormatter::text(metric, MetricSnapshot(), now), "—") << id(metric);
+    EXPECT_EQ(MetricFormatter::text(metric, MetricSnapshot(), exampleTime), "—") << id(metric);
   }
 }
 
@@ -57,8 +58,9 @@ TEST(MetricFormatter, ShowsADashForEveryQualityButValid) {
   for (const MetricID metric : sampledMetrics) {
     for (const Quality quality :
          {Quality::waiting, Quality::unavailable, Quality::temporaryError, Quality::stale}) {
-      EXPECT_EQ(MetricFormatter::text(metric, snapshotWith(metric, sampleOf(quality, 50)), now),
-                "—")
+      EXPECT_EQ(
+          MetricFormatter::text(metric, snapshotWith(metric, sampleOf(quality, 50)), exampleTime),
+          "—")
           << id(metric) << ' ' << rawText(quality);
     }
   }
@@ -66,9 +68,10 @@ TEST(MetricFormatter, ShowsADashForEveryQualityButValid) {
 
 TEST(MetricFormatter, ShowsADashForAValidReadingWithoutAFiniteValue) {
   for (const MetricID metric : sampledMetrics) {
-    EXPECT_EQ(MetricFormatter::text(
-                  metric, snapshotWith(metric, sampleOf(Quality::valid, std::nullopt)), now),
-              "—")
+    EXPECT_EQ(
+        MetricFormatter::text(metric, snapshotWith(metric, sampleOf(Quality::valid, std::nullopt)),
+                              exampleTime),
+        "—")
         << id(metric);
     for (const double value : {infinity, -infinity, notANumber}) {
       EXPECT_EQ(validText(metric, value), "—") << id(metric) << ' ' << value;
@@ -138,21 +141,21 @@ TEST(MetricFormatter, RoundsBatteryTimeUpToWholeMinutes) {
 TEST(MetricFormatter, ShowsACForBatteryTimeOnlyOnTheAdapterWithoutCharging) {
   for (const Quality quality : {Quality::waiting, Quality::unavailable, Quality::stale}) {
     MetricSnapshot snapshot = snapshotWith(MetricID::batteryTime, sampleOf(quality, std::nullopt));
-    EXPECT_EQ(MetricFormatter::text(MetricID::batteryTime, snapshot, now), "—");
+    EXPECT_EQ(MetricFormatter::text(MetricID::batteryTime, snapshot, exampleTime), "—");
     snapshot.batteryOnAC = true;
-    EXPECT_EQ(MetricFormatter::text(MetricID::batteryTime, snapshot, now), "AC");
+    EXPECT_EQ(MetricFormatter::text(MetricID::batteryTime, snapshot, exampleTime), "AC");
     snapshot.batteryCharging = true;
-    EXPECT_EQ(MetricFormatter::text(MetricID::batteryTime, snapshot, now), "—");
+    EXPECT_EQ(MetricFormatter::text(MetricID::batteryTime, snapshot, exampleTime), "—");
     snapshot.batteryOnAC = false;
-    EXPECT_EQ(MetricFormatter::text(MetricID::batteryTime, snapshot, now), "—");
+    EXPECT_EQ(MetricFormatter::text(MetricID::batteryTime, snapshot, exampleTime), "—");
   }
 }
 
 TEST(MetricFormatter, ShowsAKnownBatteryTimeEvenOnTheAdapter) {
   MetricSnapshot snapshot =
-      snapshotWith(MetricID::batteryTime, MetricSample::valid(95, "fonte", now));
+      snapshotWith(MetricID::batteryTime, MetricSample::valid(95, "fonte", exampleTime));
   snapshot.batteryOnAC = true;
-  EXPECT_EQ(MetricFormatter::text(MetricID::batteryTime, snapshot, now), "1:35");
+  EXPECT_EQ(MetricFormatter::text(MetricID::batteryTime, snapshot, exampleTime), "1:35");
 }
 
 TEST(MetricFormatter, ShowsACForNoOtherMetric) {
@@ -160,7 +163,7 @@ TEST(MetricFormatter, ShowsACForNoOtherMetric) {
   snapshot.batteryOnAC = true;
   for (const MetricID metric : sampledMetrics) {
     if (metric != MetricID::batteryTime) {
-      EXPECT_EQ(MetricFormatter::text(metric, snapshot, now), "—") << id(metric);
+      EXPECT_EQ(MetricFormatter::text(metric, snapshot, exampleTime), "—") << id(metric);
     }
   }
 }
@@ -235,32 +238,32 @@ TEST(MetricFormatter, ShowsADashForARateThatIsNone) {
 
 TEST(MetricFormatter, ShowsTheCodexQuotaOfTheSnapshot) {
   MetricSnapshot snapshot;
-  EXPECT_EQ(MetricFormatter::text(MetricID::codexWeeklyPercent, snapshot, now), "--");
-  EXPECT_EQ(MetricFormatter::text(MetricID::codexWeeklyReset, snapshot, now), "OFF");
+  EXPECT_EQ(MetricFormatter::text(MetricID::codexWeeklyPercent, snapshot, exampleTime), "--");
+  EXPECT_EQ(MetricFormatter::text(MetricID::codexWeeklyReset, snapshot, exampleTime), "OFF");
   snapshot.codex.status = CodexQuotaStatus::ready;
   snapshot.codex.usedPercent = 12.97;
-  snapshot.codex.lastSuccess = now;
-  snapshot.codex.resetAt = now + std::chrono::minutes{61};
-  EXPECT_EQ(MetricFormatter::text(MetricID::codexWeeklyPercent, snapshot, now), "87%");
-  EXPECT_EQ(MetricFormatter::text(MetricID::codexWeeklyReset, snapshot, now), "1h1m");
+  snapshot.codex.lastSuccess = exampleTime;
+  snapshot.codex.resetAt = exampleTime + std::chrono::minutes{61};
+  EXPECT_EQ(MetricFormatter::text(MetricID::codexWeeklyPercent, snapshot, exampleTime), "87%");
+  EXPECT_EQ(MetricFormatter::text(MetricID::codexWeeklyReset, snapshot, exampleTime), "1h1m");
   // The instant that is handed in decides, not the machine's clock.
-  EXPECT_EQ(
-      MetricFormatter::text(MetricID::codexWeeklyReset, snapshot, now + std::chrono::minutes{2}),
-      "59m");
+  EXPECT_EQ(MetricFormatter::text(MetricID::codexWeeklyReset, snapshot,
+                                  exampleTime + std::chrono::minutes{2}),
+            "59m");
 }
 
 TEST(MetricFormatter, ShowsTheClaudeQuotaOfTheSnapshot) {
   MetricSnapshot snapshot;
-  EXPECT_EQ(MetricFormatter::text(MetricID::claudeWeeklyPercent, snapshot, now), "--");
-  EXPECT_EQ(MetricFormatter::text(MetricID::claudeSessionPercent, snapshot, now), "OFF");
+  EXPECT_EQ(MetricFormatter::text(MetricID::claudeWeeklyPercent, snapshot, exampleTime), "--");
+  EXPECT_EQ(MetricFormatter::text(MetricID::claudeSessionPercent, snapshot, exampleTime), "OFF");
   snapshot.claude.status = ClaudeQuotaStatus::stale;
   snapshot.claude.weeklyUsed = 37.5;
   snapshot.claude.sessionUsed = 99.6;
-  snapshot.claude.lastSuccess = now;
-  EXPECT_EQ(MetricFormatter::text(MetricID::claudeWeeklyPercent, snapshot, now), "62%*");
-  EXPECT_EQ(MetricFormatter::text(MetricID::claudeSessionPercent, snapshot, now), "<1%*");
+  snapshot.claude.lastSuccess = exampleTime;
+  EXPECT_EQ(MetricFormatter::text(MetricID::claudeWeeklyPercent, snapshot, exampleTime), "62%*");
+  EXPECT_EQ(MetricFormatter::text(MetricID::claudeSessionPercent, snapshot, exampleTime), "<1%*");
   EXPECT_EQ(MetricFormatter::text(MetricID::claudeSessionPercent, snapshot,
-                                  now + std::chrono::minutes{30}),
+                                  exampleTime + std::chrono::minutes{30}),
             "--");
 }
 

@@ -5,10 +5,12 @@
 
 #include <string>
 
+#include "support/example_time.hpp"
+
 namespace vantora {
 namespace {
 
-const WallTime now = wallTimeFromUnix(1'700'000'000);
+using test::exampleTime;
 
 struct StatusModulesTest : ::testing::Test {
   StatusModulesTest() {
@@ -19,7 +21,7 @@ struct StatusModulesTest : ::testing::Test {
   }
 
   void set(MetricID metric, double value) {
-    snapshot.samples.set(metric, MetricSample::valid(value, "fonte", now));
+    snapshot.samples.set(metric, MetricSample::valid(value, "fonte", exampleTime));
   }
 
   ModuleConfiguration& add(MetricID top, MetricID bottom) {
@@ -29,13 +31,13 @@ struct StatusModulesTest : ::testing::Test {
     return configuration.modules.emplace_back(module);
   }
 
-  std::vector<StatusModule> read(WallTime instant = now) const {
+  std::vector<StatusModule> read(WallTime instant = exampleTime) const {
     std::vector<StatusModule> modules;
     StatusModules::read(configuration, snapshot, instant, modules);
     return modules;
   }
 
-  std::string signature(WallTime instant = now) const {
+  std::string signature(WallTime instant = exampleTime) const {
     std::string text = "what was signed before";
     StatusModules::sign(read(instant), text);
     return text;
@@ -69,7 +71,7 @@ TEST_F(StatusModulesTest, KeepsNothingOfWhatTheVectorHeld) {
   modules[0].width = 50;
   modules[0].top.font.pointSize = 30;
   configuration.modules.erase(configuration.modules.begin());
-  StatusModules::read(configuration, snapshot, now, modules);
+  StatusModules::read(configuration, snapshot, exampleTime, modules);
   EXPECT_EQ(modules, read());
 }
 
@@ -146,11 +148,11 @@ TEST_F(StatusModulesTest, SignsTheInstantsTexts) {
   add(MetricID::codexWeeklyPercent, MetricID::codexWeeklyReset);
   snapshot.codex.status = CodexQuotaStatus::ready;
   snapshot.codex.usedPercent = 40;
-  snapshot.codex.lastSuccess = now;
-  snapshot.codex.resetAt = now + std::chrono::minutes{90};
+  snapshot.codex.lastSuccess = exampleTime;
+  snapshot.codex.resetAt = exampleTime + std::chrono::minutes{90};
   const std::string before = signature();
   EXPECT_TRUE(before.ends_with(":60%|1h30m")) << before;
-  EXPECT_NE(signature(now + std::chrono::minutes{1}), before);
+  EXPECT_NE(signature(exampleTime + std::chrono::minutes{1}), before);
 }
 
 }  // namespace

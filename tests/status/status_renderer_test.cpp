@@ -8,6 +8,7 @@
 
 #include "model/words.hpp"
 #include "status/status_modules.hpp"
+#include "support/example_time.hpp"
 #include "support/fake_text_engine.hpp"
 
 namespace vantora {
@@ -15,7 +16,7 @@ namespace {
 
 using test::FakeTextEngine;
 
-const WallTime now = wallTimeFromUnix(1'700'000'000);
+using test::exampleTime;
 constexpr double usualThickness = 24;
 constexpr const char* reducedWarning =
     "Fonte, margem ou intervalo reduzido para caber nas duas linhas desta barra.";
@@ -30,7 +31,7 @@ struct StatusRendererTest : ::testing::Test {
   }
 
   void set(MetricID metric, double value) {
-    snapshot.samples.set(metric, MetricSample::valid(value, "fonte", now));
+    snapshot.samples.set(metric, MetricSample::valid(value, "fonte", exampleTime));
   }
 
   ModuleConfiguration& add(MetricID top, MetricID bottom, double width = 34) {
@@ -42,7 +43,7 @@ struct StatusRendererTest : ::testing::Test {
   }
 
   StatusPresentation render(double thickness = usualThickness) {
-    return StatusRenderer::render(configuration, snapshot, {thickness, now, engine});
+    return StatusRenderer::render(configuration, snapshot, {thickness, exampleTime, engine});
   }
 
   AppConfiguration configuration;
@@ -453,8 +454,9 @@ TEST_F(StatusRendererTest, LeavesNothingOfWhatWasLaidOutBefore) {
   add(MetricID::upload, MetricID::download);
   StatusPresentation presentation = render();
   const auto expectAnew = [&] {
-    StatusModules::read(configuration, snapshot, now, presentation.modules);
-    StatusRenderer::layOut(configuration, snapshot, {usualThickness, now, engine}, presentation);
+    StatusModules::read(configuration, snapshot, exampleTime, presentation.modules);
+    StatusRenderer::layOut(configuration, snapshot, {usualThickness, exampleTime, engine},
+                           presentation);
     EXPECT_EQ(presentation, render());
   };
   configuration.modules.pop_back();

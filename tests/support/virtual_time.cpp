@@ -8,6 +8,8 @@
 #include <iterator>
 #include <vector>
 
+#include "support/example_time.hpp"
+
 namespace vantora::test {
 
 class VirtualTime::VirtualTimer final : public Timer {
@@ -28,7 +30,7 @@ class VirtualTime::VirtualTimer final : public Timer {
   std::shared_ptr<Place> place_;
 };
 
-VirtualTime::VirtualTime() : now_(wallTimeFromUnix(1'790'000'000)) {}  // 2026-09-21T14:13:20Z
+VirtualTime::VirtualTime() : now_(exampleTime) {}
 
 VirtualTime::~VirtualTime() {
   // Timers that outlive the timeline must not reach back into it.

@@ -9,10 +9,8 @@
 namespace vantora {
 namespace {
 
-const Concealer conceal({"/home/maria"});
-
 Json documentOf(const Diagnosis& diagnosis) {
-  const auto document = parseJson(diagnosisJson(diagnosis, conceal));
+  const auto document = parseJson(diagnosisJson(diagnosis, test::laptopConcealer));
   EXPECT_TRUE(document);
   return document.value_or(Json());
 }
@@ -44,7 +42,7 @@ TEST(DiagnosisJson, HasANullWhereNothingIsKnown) {
 }
 
 TEST(DiagnosisJson, ShowsNothingOfTheUsersOwn) {
-  const std::string text = diagnosisJson(test::laptopDiagnosis(), conceal);
+  const std::string text = diagnosisJson(test::laptopDiagnosis(), test::laptopConcealer);
   for (const char* secret : {"maria", "00e04c680001", "0018"}) {
     EXPECT_THAT(text, testing::Not(testing::HasSubstr(secret)));
   }

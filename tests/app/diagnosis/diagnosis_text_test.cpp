@@ -12,14 +12,13 @@
 namespace vantora {
 namespace {
 
+using test::laptopConcealer;
 using test::laptopDiagnosis;
 using testing::HasSubstr;
 using testing::Not;
 
-const Concealer conceal({"/home/maria"});
-
 std::string textOf(const Diagnosis& diagnosis) {
-  return diagnosisText(diagnosis, conceal);
+  return diagnosisText(diagnosis, laptopConcealer);
 }
 
 std::vector<std::string> linesOf(const Diagnosis& diagnosis) {

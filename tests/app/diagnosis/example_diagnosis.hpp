@@ -1,16 +1,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "app/diagnosis/concealer.hpp"
 #include "app/diagnosis/diagnosis.hpp"
+#include "support/example_time.hpp"
 
 namespace vantora::test {
+
+/// Knows the home of the laptop's user.
+inline const Concealer laptopConcealer({"/home/maria"});
 
 /// What a laptop with a running agent gives.
 inline Diagnosis laptopDiagnosis() {
   Diagnosis diagnosis;
   diagnosis.program = "vantora";
   diagnosis.version = "0.1.0";
-  diagnosis.at = wallTimeFromUnix(1'790'000'000);
+  diagnosis.at = exampleTime;
   diagnosis.system = "Debian GNU/Linux 12 (bookworm); Linux 6.1.0-28-amd64 x86_64";
   diagnosis.session = "X11";
   diagnosis.desktop = "XFCE";

@@ -8,20 +8,22 @@
 #include <set>
 #include <sstream>
 
+#include "support/example_time.hpp"
+
 namespace vantora {
 namespace {
 
 using testing::HasSubstr;
 using testing::Not;
 
-const WallTime now = wallTimeFromUnix(1'790'000'000);
+using test::exampleTime;
 
-struct Scene {
+struct MetricsScene {
   void set(MetricID metric, double value) {
-    snapshot.samples.set(metric, MetricSample::valid(value, "fonte", now));
+    snapshot.samples.set(metric, MetricSample::valid(value, "fonte", exampleTime));
   }
   [[nodiscard]] std::string text() const {
-    return OpenMetrics::text({configuration, snapshot, presentation, notice, now});
+    return OpenMetrics::text({configuration, snapshot, presentation, notice, exampleTime});
   }
 
   AppConfiguration configuration;
@@ -30,8 +32,8 @@ struct Scene {
   std::optional<std::string> notice;
 };
 
-Scene complete() {
-  Scene scene;
+MetricsScene complete() {
+  MetricsScene scene;
   scene.set(MetricID::cpuUsage, 57);
   scene.set(MetricID::cpuTemperature, 61.25);
   scene.set(MetricID::download, 1'234'567.5);
@@ -49,15 +51,15 @@ Scene complete() {
   CodexQuotaState& codex = scene.snapshot.codex;
   codex.status = CodexQuotaStatus::ready;
   codex.usedPercent = 43;
-  codex.resetAt = now + std::chrono::hours(1);
-  codex.lastSuccess = now - std::chrono::minutes(2);
+  codex.resetAt = exampleTime + std::chrono::hours(1);
+  codex.lastSuccess = exampleTime - std::chrono::minutes(2);
   ClaudeQuotaState& claude = scene.snapshot.claude;
   claude.status = ClaudeQuotaStatus::stale;
   claude.weeklyUsed = 12.5;
-  claude.weeklyResetAt = now + std::chrono::hours(2);
+  claude.weeklyResetAt = exampleTime + std::chrono::hours(2);
   claude.sessionUsed = 101;
-  claude.sessionResetAt = now + std::chrono::hours(3);
-  claude.lastSuccess = now - std::chrono::minutes(29);
+  claude.sessionResetAt = exampleTime + std::chrono::hours(3);
+  claude.lastSuccess = exampleTime - std::chrono::minutes(29);
   return scene;
 }
 
@@ -98,10 +100,10 @@ TEST(OpenMetrics, WritesEveryReadingInBaseUnits) {
 }
 
 TEST(OpenMetrics, HasNoLineForWhatIsMissing) {
-  Scene scene;
+  MetricsScene scene;
   scene.snapshot.samples.set(MetricID::cpuUsage, MetricSample::waiting("fonte"));
   scene.snapshot.samples.set(MetricID::cpuTemperature, MetricSample::unavailable("fonte"));
-  MetricSample old = MetricSample::valid(40, "fonte", now);
+  MetricSample old = MetricSample::valid(40, "fonte", exampleTime);
   old.quality = Quality::stale;
   scene.snapshot.samples.set(MetricID::batteryPercent, old);
   scene.set(MetricID::upload, std::numeric_limits<double>::quiet_NaN());
@@ -119,24 +121,24 @@ TEST(OpenMetrics, HasNoLineForWhatIsMissing) {
 }
 
 TEST(OpenMetrics, HasNoTimestampOfASampleWithoutAValue) {
-  Scene scene;
+  MetricsScene scene;
   MetricSample failed = MetricSample::waiting("fonte");
-  failed.sampledAt = now;
+  failed.sampledAt = exampleTime;
   scene.snapshot.samples.set(MetricID::cpuUsage, failed);
   EXPECT_THAT(scene.text(), Not(HasSubstr("sample_timestamp")));
 }
 
 TEST(OpenMetrics, ForgetsAQuotaThatIsTooOldToBeShown) {
-  Scene scene = complete();
-  scene.snapshot.codex.lastSuccess = now - std::chrono::minutes(30);
-  scene.snapshot.claude.lastSuccess = now - std::chrono::minutes(31);
+  MetricsScene scene = complete();
+  scene.snapshot.codex.lastSuccess = exampleTime - std::chrono::minutes(30);
+  scene.snapshot.claude.lastSuccess = exampleTime - std::chrono::minutes(31);
   EXPECT_THAT(scene.text(), Not(HasSubstr("quota_used_ratio")));
   EXPECT_THAT(scene.text(), Not(HasSubstr("quota_reset")));
   EXPECT_THAT(scene.text(), HasSubstr("vantora_quota_status{assistant=\"codex\""));
 }
 
 TEST(OpenMetrics, EscapesLabelValuesAndRepairsTheirBytes) {
-  Scene scene;
+  MetricsScene scene;
   scene.set(MetricID::upload, 1);
   scene.snapshot.networkName = "a\"b\\c\nd\xFF";
   EXPECT_THAT(scene.text(), HasSubstr("{interface=\"a\\\"b\\\\c\\nd\xEF\xBF\xBD\"} 1\n"));

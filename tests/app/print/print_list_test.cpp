@@ -7,6 +7,7 @@
 #include "app/cells.hpp"
 #include "model/words.hpp"
 #include "status/status_modules.hpp"
+#include "support/example_time.hpp"
 
 namespace vantora {
 namespace {
@@ -14,10 +15,10 @@ namespace {
 using PrintFormatter::listLines;
 using testing::ElementsAre;
 
-const WallTime now = wallTimeFromUnix(1'790'000'000);
+using test::exampleTime;
 
-struct Scene {
-  Scene() { configuration.modules.clear(); }
+struct ListScene {
+  ListScene() { configuration.modules.clear(); }
 
   void add(MetricID top, MetricID bottom = MetricID::none) {
     ModuleConfiguration module;
@@ -30,7 +31,7 @@ struct Scene {
     snapshot.samples.set(metric, std::move(sample));
   }
   [[nodiscard]] PrintReport report() {
-    StatusModules::read(configuration, snapshot, now, presentation.modules);
+    StatusModules::read(configuration, snapshot, exampleTime, presentation.modules);
     return {configuration, snapshot, presentation, notice};
   }
   [[nodiscard]] std::string reason(MetricID metric) {
@@ -44,11 +45,11 @@ struct Scene {
 };
 
 TEST(PrintList, HasALineForEachMetricInTheModulesOrder) {
-  Scene scene;
+  ListScene scene;
   scene.add(MetricID::upload, MetricID::none);
   scene.add(MetricID::cpuUsage, MetricID::cpuTemperature);
-  scene.set(MetricID::upload, MetricSample::valid(125'400'000, "en0", now));
-  scene.set(MetricID::cpuUsage, MetricSample::valid(7, "Linux /proc/stat", now));
+  scene.set(MetricID::upload, MetricSample::valid(125'400'000, "en0", exampleTime));
+  scene.set(MetricID::cpuUsage, MetricSample::valid(7, "Linux /proc/stat", exampleTime));
   scene.set(MetricID::cpuTemperature, MetricSample::unavailable("nenhum sensor"));
   const std::string title(Words::cpuTemperatureTitle);
   const std::string gap(cellCount(title) - cellCount("Rede · upload"), ' ');
@@ -59,21 +60,21 @@ TEST(PrintList, HasALineForEachMetricInTheModulesOrder) {
 }
 
 TEST(PrintList, ListsAMetricOnceHoweverOftenItIsShown) {
-  Scene scene;
+  ListScene scene;
   scene.add(MetricID::cpuUsage, MetricID::cpuUsage);
   scene.add(MetricID::cpuUsage);
-  scene.set(MetricID::cpuUsage, MetricSample::valid(7, "", now));
+  scene.set(MetricID::cpuUsage, MetricSample::valid(7, "", exampleTime));
   EXPECT_THAT(listLines(scene.report()), ElementsAre("CPU · uso total  7%"));
 }
 
 TEST(PrintList, ShowsTheMarkWhereNoModuleIsVisible) {
-  Scene scene;
+  ListScene scene;
   EXPECT_THAT(listLines(scene.report()), ElementsAre("VA"));
   EXPECT_THAT(listLines(scene.report(), 1), ElementsAre("V"));
 }
 
 TEST(PrintList, GivesUpReasonsBeforeTitlesAndTitlesBeforeValues) {
-  Scene scene;
+  ListScene scene;
   scene.add(MetricID::cpuUsage);
   scene.set(MetricID::cpuUsage, MetricSample::unavailable("falta"));
   EXPECT_THAT(listLines(scene.report(), 25), ElementsAre("CPU · uso total  —  falta"));
@@ -84,7 +85,7 @@ TEST(PrintList, GivesUpReasonsBeforeTitlesAndTitlesBeforeValues) {
 }
 
 TEST(PrintList, IsNeverWiderThanTheTerminal) {
-  Scene scene;
+  ListScene scene;
   scene.add(MetricID::cpuUsage, MetricID::batteryChargeWatts);
   scene.set(MetricID::cpuUsage, MetricSample::unavailable("falta"));
   for (std::size_t columns = 0; columns < 90; ++columns) {
@@ -95,31 +96,31 @@ TEST(PrintList, IsNeverWiderThanTheTerminal) {
 }
 
 TEST(PrintList, LetsNoOthersTextSteerTheTerminal) {
-  Scene scene;
+  ListScene scene;
   scene.add(MetricID::cpuUsage);
   scene.set(MetricID::cpuUsage, MetricSample::unavailable("a\x1b[2Jb\nc\x7f"));
   EXPECT_THAT(listLines(scene.report()), ElementsAre("CPU · uso total  —  a?[2Jb?c?"));
 }
 
 TEST(PrintList, GivesTheReasonOfEachKindOfMissingReading) {
-  Scene scene;
+  ListScene scene;
   EXPECT_EQ(scene.reason(MetricID::cpuUsage), "Aguardando a primeira leitura");
   scene.set(MetricID::cpuUsage, MetricSample::waiting("Linux /proc/stat · aguardando"));
   EXPECT_EQ(scene.reason(MetricID::cpuUsage), "Linux /proc/stat · aguardando");
-  scene.set(MetricID::cpuUsage, MetricSample::valid(7, "Linux /proc/stat", now));
+  scene.set(MetricID::cpuUsage, MetricSample::valid(7, "Linux /proc/stat", exampleTime));
   EXPECT_EQ(scene.reason(MetricID::cpuUsage), "");
   EXPECT_EQ(scene.reason(MetricID::inputWatts), Words::sourceNotValidated);
 }
 
 TEST(PrintList, SaysThatThePauseIsTheReason) {
-  Scene scene;
+  ListScene scene;
   scene.configuration.paused = true;
   EXPECT_EQ(scene.reason(MetricID::cpuUsage), "Coleta pausada");
   EXPECT_EQ(scene.reason(MetricID::inputWatts), Words::sourceNotValidated);
 }
 
 TEST(PrintList, GivesTheQuotasMessagesUnlessTheyAreReady) {
-  Scene scene;
+  ListScene scene;
   scene.snapshot.codex.message = "Mensagem do Codex.";
   scene.snapshot.claude.message = "Mensagem do Claude.";
   EXPECT_EQ(scene.reason(MetricID::codexWeeklyReset), "Mensagem do Codex.");

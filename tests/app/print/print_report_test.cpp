@@ -7,30 +7,32 @@
 #include "model/json.hpp"
 #include "model/words.hpp"
 #include "status/status_modules.hpp"
+#include "support/example_time.hpp"
 
 namespace vantora {
 namespace {
 
-const WallTime now = wallTimeFromUnix(1'790'000'000);  // 2026-09-21T14:13:20Z
+using test::exampleTime;
 
-struct Scene {
-  Scene() {
+struct ReportScene {
+  ReportScene() {
     configuration.modules.resize(2);
     configuration.modules[0].top = MetricID::cpuUsage;
     configuration.modules[0].bottom = MetricID::cpuTemperature;
     configuration.modules[1].top = MetricID::codexWeeklyPercent;
     configuration.modules[1].bottom = MetricID::codexWeeklyReset;
-    snapshot.samples.set(MetricID::cpuUsage, MetricSample::valid(7, "Linux /proc/stat", now));
+    snapshot.samples.set(MetricID::cpuUsage,
+                         MetricSample::valid(7, "Linux /proc/stat", exampleTime));
     snapshot.codex.status = CodexQuotaStatus::ready;
     snapshot.codex.usedPercent = 99.5;
-    snapshot.codex.resetAt = now + std::chrono::seconds(30);
-    snapshot.codex.lastSuccess = now;
+    snapshot.codex.resetAt = exampleTime + std::chrono::seconds(30);
+    snapshot.codex.lastSuccess = exampleTime;
     presentation.accessibilityText = "CPU & <cota>";
     presentation.toolTip = "CPU &\n<cota>";
   }
   /// What was drawn of the readings.
   [[nodiscard]] PrintReport report() {
-    StatusModules::read(configuration, snapshot, now, presentation.modules);
+    StatusModules::read(configuration, snapshot, exampleTime, presentation.modules);
     return {configuration, snapshot, presentation, notice};
   }
 
@@ -41,31 +43,31 @@ struct Scene {
 };
 
 TEST(IsoDate, IsUtcInWholeSeconds) {
-  EXPECT_EQ(isoDate(now), "2026-09-21T14:13:20Z");
-  EXPECT_EQ(isoDate(now + std::chrono::milliseconds(999)), "2026-09-21T14:13:20Z");
+  EXPECT_EQ(isoDate(exampleTime), "2026-09-21T14:13:20Z");
+  EXPECT_EQ(isoDate(exampleTime + std::chrono::milliseconds(999)), "2026-09-21T14:13:20Z");
   EXPECT_EQ(isoDate(wallTimeFromUnix(0)), "1970-01-01T00:00:00Z");
   EXPECT_EQ(isoDate(wallTimeFromUnix(-1)), "1969-12-31T23:59:59Z");
 }
 
 TEST(PrintFormatter, WritesTheVisibleModulesInOneLine) {
-  EXPECT_EQ(PrintFormatter::textLine(Scene().report()), "7% — | <1% <1m");
+  EXPECT_EQ(PrintFormatter::textLine(ReportScene().report()), "7% — | <1% <1m");
 }
 
 TEST(PrintFormatter, LeavesOutInvisibleModulesAndEmptyLines) {
-  Scene scene;
+  ReportScene scene;
   scene.configuration.modules[1].enabled = false;
   scene.configuration.modules[0].bottom = MetricID::none;
   EXPECT_EQ(PrintFormatter::textLine(scene.report()), "7%");
 }
 
 TEST(PrintFormatter, ShowsTheMarkOfThePictureWhenNoModuleIsVisible) {
-  Scene scene;
+  ReportScene scene;
   scene.configuration.modules.clear();
   EXPECT_EQ(PrintFormatter::textLine(scene.report()), "VA");
 }
 
 TEST(PrintFormatter, WritesEverythingAsOneJsonObject) {
-  Scene scene;
+  ReportScene scene;
   scene.snapshot.networkName = "en0";
   scene.snapshot.codex.candidates = {{"codex", "Codex"}, {"outra", std::nullopt}};
   scene.notice = "aviso";
@@ -106,12 +108,12 @@ TEST(PrintFormatter, WritesEverythingAsOneJsonObject) {
 }
 
 TEST(PrintFormatter, WritesEveryFieldOfBothQuotaStates) {
-  Scene scene;
-  const WallTime reset = now + std::chrono::hours(2);
+  ReportScene scene;
+  const WallTime reset = exampleTime + std::chrono::hours(2);
   scene.snapshot.codex = {.status = CodexQuotaStatus::stale,
                           .usedPercent = 12.5,
                           .resetAt = reset,
-                          .lastSuccess = now,
+                          .lastSuccess = exampleTime,
                           .limitID = "semanal",
                           .candidates = {},
                           .message = "Mensagem do Codex.",
@@ -129,7 +131,7 @@ TEST(PrintFormatter, WritesEveryFieldOfBothQuotaStates) {
       .weeklyResetAt = reset,
       .sessionUsed = 3.0,
       .sessionResetAt = reset,
-      .lastSuccess = now,
+      .lastSuccess = exampleTime,
       .message = "Mensagem do Claude.",
       .settings = {.enabled = true, .intervalMinutes = 10, .showUsed = true, .oneDecimal = true}};
   const auto json = parseJson(PrintFormatter::jsonLine(scene.report()));
@@ -148,7 +150,7 @@ TEST(PrintFormatter, WritesEveryFieldOfBothQuotaStates) {
 }
 
 TEST(PrintFormatter, ReportsAPauseToWaybar) {
-  Scene scene;
+  ReportScene scene;
   scene.configuration.paused = true;
   const auto json = parseJson(PrintFormatter::waybarLine(scene.report()));
   ASSERT_TRUE(json);
@@ -156,13 +158,13 @@ TEST(PrintFormatter, ReportsAPauseToWaybar) {
 }
 
 TEST(PrintFormatter, WritesJsonEvenWhenANameIsNotUtf8) {
-  Scene scene;
+  ReportScene scene;
   scene.snapshot.networkName = "\xff";
   EXPECT_TRUE(parseJson(PrintFormatter::jsonLine(scene.report())));
 }
 
 TEST(PrintFormatter, WritesABlockAModuleForI3bar) {
-  const auto json = parseJson(PrintFormatter::i3barLine(Scene().report()));
+  const auto json = parseJson(PrintFormatter::i3barLine(ReportScene().report()));
   ASSERT_TRUE(json);
   ASSERT_EQ(json->size(), 2U);
   EXPECT_EQ((*json)[0]["full_text"], "7% —");
@@ -171,7 +173,7 @@ TEST(PrintFormatter, WritesABlockAModuleForI3bar) {
 }
 
 TEST(PrintFormatter, GreysI3barsBlocksDuringAPause) {
-  Scene scene;
+  ReportScene scene;
   EXPECT_FALSE(parseJson(PrintFormatter::i3barLine(scene.report()))
                    ->elements()[0]
                    .members()
@@ -181,7 +183,7 @@ TEST(PrintFormatter, GreysI3barsBlocksDuringAPause) {
 }
 
 TEST(PrintFormatter, KeepsRoomInI3barForTheWidestText) {
-  Scene scene;
+  ReportScene scene;
   scene.configuration.modules[0].bottom = MetricID::none;
   const auto json = parseJson(PrintFormatter::i3barLine(scene.report()));
   ASSERT_TRUE(json);
@@ -190,7 +192,7 @@ TEST(PrintFormatter, KeepsRoomInI3barForTheWidestText) {
 }
 
 TEST(PrintFormatter, EscapesMarkupForWaybar) {
-  const auto json = parseJson(PrintFormatter::waybarLine(Scene().report()));
+  const auto json = parseJson(PrintFormatter::waybarLine(ReportScene().report()));
   ASSERT_TRUE(json);
   EXPECT_EQ((*json)["text"], "7% — | &lt;1% &lt;1m");
   EXPECT_EQ((*json)["tooltip"], "CPU &amp;\n&lt;cota&gt;");

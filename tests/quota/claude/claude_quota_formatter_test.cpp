@@ -6,10 +6,12 @@
 #include <string_view>
 #include <utility>
 
+#include "support/example_time.hpp"
+
 namespace vantora {
 namespace {
 
-const WallTime now = wallTimeFromUnix(1'790'000'000);  // 2026-09-21T14:13:20Z
+using test::exampleTime;
 constexpr MetricSet bothLines{MetricID::claudeWeeklyPercent, MetricID::claudeSessionPercent};
 
 WallTime later(double seconds) {
@@ -28,21 +30,21 @@ ClaudeQuotaState readyState() {
 }
 
 std::string weekly(const ClaudeQuotaState& state) {
-  return ClaudeQuotaFormatter::text(MetricID::claudeWeeklyPercent, state, now);
+  return ClaudeQuotaFormatter::text(MetricID::claudeWeeklyPercent, state, exampleTime);
 }
 
 std::string session(const ClaudeQuotaState& state) {
-  return ClaudeQuotaFormatter::text(MetricID::claudeSessionPercent, state, now);
+  return ClaudeQuotaFormatter::text(MetricID::claudeSessionPercent, state, exampleTime);
 }
 
 std::optional<double> nextChange(const ClaudeQuotaState& state, MetricSet demand = bothLines) {
-  const auto delay = ClaudeQuotaFormatter::nextVisibleChange(state, demand, now);
+  const auto delay = ClaudeQuotaFormatter::nextVisibleChange(state, demand, exampleTime);
   return delay ? std::optional(delay->count()) : std::nullopt;
 }
 
 TEST(ClaudeQuotaFormatter, WritesAnEmptyTextForOtherMetrics) {
   for (const MetricID metric : allMetrics) {
-    EXPECT_EQ(ClaudeQuotaFormatter::text(metric, readyState(), now).empty(),
+    EXPECT_EQ(ClaudeQuotaFormatter::text(metric, readyState(), exampleTime).empty(),
               !bothLines.contains(metric))
         << id(metric);
   }
@@ -97,7 +99,7 @@ TEST(ClaudeQuotaFormatter, SaysSyncFromTheResetOnUntilANewReading) {
   ClaudeQuotaState state = readyState();
   state.sessionResetAt = later(0.001);
   EXPECT_EQ(session(state), "99%");
-  state.sessionResetAt = now;
+  state.sessionResetAt = exampleTime;
   EXPECT_EQ(session(state), "SYNC");
   state.sessionResetAt = later(-10);
   EXPECT_EQ(session(state), "SYNC");
@@ -134,7 +136,7 @@ TEST(ClaudeQuotaFormatter, LooksOnlyAtTheResetsOfTheShownLines) {
 
 TEST(ClaudeQuotaFormatter, DropsMomentsThatHavePassed) {
   ClaudeQuotaState state = readyState();
-  state.sessionResetAt = now;
+  state.sessionResetAt = exampleTime;
   EXPECT_NEAR(nextChange(state).value(), 1740.5, 1e-6);
   state.sessionResetAt = later(0.25);
   EXPECT_NEAR(nextChange(state).value(), 0.75, 1e-6);

@@ -38,9 +38,9 @@ class ClaudeQuotaProviderTest : public test::QuotaProviderFixture<test::ClaudeCa
  private:
   // Resets may be fractions of a second here.
   [[nodiscard]] std::string window(double used, Seconds resetIn) const {
-    const auto now = std::chrono::duration_cast<Seconds>(time_.now().time_since_epoch());
+    const Seconds resetsAt = secondsBetween(WallTime(), time_.now()) + resetIn;
     return R"({"utilization":)" + std::to_string(used) + R"(,"resets_at":)" +
-           std::to_string((now + resetIn).count()) + "}";
+           std::to_string(resetsAt.count()) + "}";
   }
 };
 

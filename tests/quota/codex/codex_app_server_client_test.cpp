@@ -16,17 +16,17 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-constexpr const char* initialized = "{\"id\":1,\"result\":{}}\n";
-constexpr const char* account = "{\"id\":2,\"result\":{\"account\":{\"type\":\"chatgpt\"}}}\n";
-constexpr const char* limits = "{\"id\":3,\"result\":{\"rateLimits\":{}}}\n";
-constexpr const char* loginStarted =
+constexpr const char* initializedLine = "{\"id\":1,\"result\":{}}\n";
+constexpr const char* accountLine = "{\"id\":2,\"result\":{\"account\":{\"type\":\"chatgpt\"}}}\n";
+constexpr const char* limitsLine = "{\"id\":3,\"result\":{\"rateLimits\":{}}}\n";
+constexpr const char* loginStartedLine =
     "{\"id\":4,\"result\":{\"type\":\"chatgpt\",\"loginId\":\"L1\","
     "\"authUrl\":\"https://chatgpt.com/login\"}}\n";
-constexpr const char* loginCompleted =
+constexpr const char* loginCompletedLine =
     "{\"method\":\"account/login/completed\",\"params\":{\"loginId\":\"L1\",\"success\":true}}\n";
 
 constexpr const char* inputClosed = test::CodexClientCase::inputClosed;
-constexpr const char* invalid = "Resposta inválida do App Server.";
+constexpr const char* invalidAnswer = "Resposta inválida do App Server.";
 
 class CodexAppServerClientTest : public test::QuotaClientFixture<test::CodexClientCase> {
  protected:
@@ -47,78 +47,78 @@ class CodexAppServerClientTest : public test::QuotaClientFixture<test::CodexClie
 TEST_F(CodexAppServerClientTest, ReadsTheLimits) {
   start();
   EXPECT_THAT(child().takeInputLines(), ElementsAre(HasSubstr("\"initialize\"")));
-  say(initialized);
+  say(initializedLine);
   EXPECT_THAT(child().takeInputLines(),
               ElementsAre(HasSubstr("\"initialized\""), HasSubstr("\"account/read\"")));
-  say(account);
+  say(accountLine);
   EXPECT_THAT(child().takeInputLines(), ElementsAre(HasSubstr("\"account/rateLimits/read\"")));
   EXPECT_THAT(results, IsEmpty());
-  say(limits);
+  say(limitsLine);
   expectResult(Answer{R"({"rateLimits":{}})"});
 }
 
 TEST_F(CodexAppServerClientTest, LogsInFirstInLoginMode) {
   start(CodexClientMode::login);
-  say(initialized);
+  say(initializedLine);
   EXPECT_THAT(urls, IsEmpty());
-  say(loginStarted);
+  say(loginStartedLine);
   EXPECT_THAT(urls, ElementsAre("https://chatgpt.com/login"));
-  say(loginCompleted);
-  say(account);
-  say(limits);
+  say(loginCompletedLine);
+  say(accountLine);
+  say(limitsLine);
   expectResult(Answer{R"({"rateLimits":{}})"});
   EXPECT_EQ(urls.size(), 1U);
 }
 
 TEST_F(CodexAppServerClientTest, TakesTwoAnswersOfOneReadInOrder) {
   start();
-  say(std::string(initialized) + account);
+  say(std::string(initializedLine) + accountLine);
   EXPECT_THAT(results, IsEmpty());
-  say(limits);
+  say(limitsLine);
   expectResult(Answer{R"({"rateLimits":{}})"});
 }
 
 TEST_F(CodexAppServerClientTest, LooksAtNothingAfterTheResult) {
   start();
-  say(std::string("nonsense\n") + initialized);
-  expectResult(Failure{invalid});
+  say(std::string("nonsense\n") + initializedLine);
+  expectResult(Failure{invalidAnswer});
   EXPECT_EQ(child().takeInputLines().size(), 1U);
 }
 
 TEST_F(CodexAppServerClientTest, GivesTheAccountTenSecondsFromItsRequest) {
   start();
   time.advance(Seconds{9});
-  say(initialized);
+  say(initializedLine);
   expectDeadline(Seconds{10});
 }
 
 TEST_F(CodexAppServerClientTest, GivesTheLimitsTwentySecondsFromTheirRequest) {
   start();
-  say(initialized);
+  say(initializedLine);
   time.advance(Seconds{9});
-  say(account);
+  say(accountLine);
   expectDeadline(Seconds{20});
 }
 
 TEST_F(CodexAppServerClientTest, GivesTheLoginsStartTenSeconds) {
   start(CodexClientMode::login);
   time.advance(Seconds{9});
-  say(initialized);
+  say(initializedLine);
   expectDeadline(Seconds{10});
 }
 
 TEST_F(CodexAppServerClientTest, GivesTheUserThreeHundredSeconds) {
   start(CodexClientMode::login);
-  say(initialized);
+  say(initializedLine);
   time.advance(Seconds{9});
-  say(loginStarted);
+  say(loginStartedLine);
   expectDeadline(Seconds{300});
 }
 
 TEST_F(CodexAppServerClientTest, KeepsTheUsersDeadlineWhileAnotherLoginEnds) {
   start(CodexClientMode::login);
-  say(initialized);
-  say(loginStarted);
+  say(initializedLine);
+  say(loginStartedLine);
   time.advance(Seconds{200});
   say("{\"method\":\"account/login/"
       "completed\",\"params\":{\"loginId\":\"L2\",\"success\":true}}\n");
@@ -128,10 +128,10 @@ TEST_F(CodexAppServerClientTest, KeepsTheUsersDeadlineWhileAnotherLoginEnds) {
 
 TEST_F(CodexAppServerClientTest, GivesTheAccountTenSecondsAfterTheLogin) {
   start(CodexClientMode::login);
-  say(initialized);
-  say(loginStarted);
+  say(initializedLine);
+  say(loginStartedLine);
   time.advance(Seconds{299});
-  say(loginCompleted);
+  say(loginCompletedLine);
   expectDeadline(Seconds{10});
 }
 
@@ -145,13 +145,13 @@ TEST_F(CodexAppServerClientTest, LeavesTheDeadlineAloneOnNotifications) {
 TEST_F(CodexAppServerClientTest, FailsWhenTheInputWasClosedBeforeALaterRequest) {
   start();
   child().closeInput();
-  say(initialized);
+  say(initializedLine);
   expectResult(Failure{inputClosed});
 }
 
 TEST_F(CodexAppServerClientTest, TakesALineOfExactlyTheLimit) {
   start();
-  std::string line = initialized;
+  std::string line = initializedLine;
   line.insert(1, std::string(1'000'000 - line.size(), ' '));
   say(line);
   EXPECT_THAT(results, IsEmpty());
@@ -161,7 +161,7 @@ TEST_F(CodexAppServerClientTest, TakesALineOfExactlyTheLimit) {
 TEST_F(CodexAppServerClientTest, RefusesAnEmptyLine) {
   start();
   say("\n");
-  expectResult(Failure{invalid});
+  expectResult(Failure{invalidAnswer});
 }
 
 TEST_F(CodexAppServerClientTest, CanBeCancelledInEveryStage) {
@@ -169,13 +169,13 @@ TEST_F(CodexAppServerClientTest, CanBeCancelledInEveryStage) {
     results.clear();
     start(stage < 3 ? CodexClientMode::read : CodexClientMode::login);
     if (stage != 0) {
-      say(initialized);
+      say(initializedLine);
     }
     if (stage == 2) {
-      say(account);
+      say(accountLine);
     }
     if (stage == 4) {
-      say(loginStarted);
+      say(loginStartedLine);
     }
     client->cancel();
     EXPECT_THAT(results, IsEmpty());
@@ -189,8 +189,8 @@ TEST_F(CodexAppServerClientTest, LogsInWithoutACallbackForThePage) {
       host(), executable, CodexClientMode::login, nullptr, nullptr,
       [this](CodexClientResult result) { results.push_back(std::move(result)); });
   startMade();
-  say(initialized);
-  say(loginStarted);
+  say(initializedLine);
+  say(loginStartedLine);
   say("{\"method\":\"account/login/completed\",\"params\":{\"loginId\":\"L1\"}}\n");
   expectResult(NeedsAuthentication{});
 }

@@ -7,12 +7,13 @@
 #include <string_view>
 #include <utility>
 
+#include "support/example_time.hpp"
 #include "support/time_zone.hpp"
 
 namespace vantora {
 namespace {
 
-const WallTime now = wallTimeFromUnix(1'790'000'000);  // 2026-09-21T14:13:20Z
+using test::exampleTime;
 
 WallTime later(double seconds) {
   return wallTimeFromUnix(1'790'000'000 + seconds);
@@ -28,11 +29,13 @@ CodexQuotaState readyState(double usedPercent = 43) {
 }
 
 std::string percent(const CodexQuotaState& state) {
-  return CodexQuotaFormatter::text(MetricID::codexWeeklyPercent, state, now).value_or("nothing");
+  return CodexQuotaFormatter::text(MetricID::codexWeeklyPercent, state, exampleTime)
+      .value_or("nothing");
 }
 
 std::string reset(const CodexQuotaState& state) {
-  return CodexQuotaFormatter::text(MetricID::codexWeeklyReset, state, now).value_or("nothing");
+  return CodexQuotaFormatter::text(MetricID::codexWeeklyReset, state, exampleTime)
+      .value_or("nothing");
 }
 
 std::string resetIn(double seconds) {
@@ -42,7 +45,7 @@ std::string resetIn(double seconds) {
 }
 
 std::optional<double> nextChange(const CodexQuotaState& state) {
-  const auto delay = CodexQuotaFormatter::nextVisibleChange(state, now);
+  const auto delay = CodexQuotaFormatter::nextVisibleChange(state, exampleTime);
   return delay ? std::optional(delay->count()) : std::nullopt;
 }
 
@@ -56,7 +59,7 @@ TEST(CodexQuotaFormatter, WritesNothingForOtherMetrics) {
   for (const MetricID metric : allMetrics) {
     const bool isCodex =
         metric == MetricID::codexWeeklyPercent || metric == MetricID::codexWeeklyReset;
-    EXPECT_EQ(CodexQuotaFormatter::text(metric, readyState(), now).has_value(), isCodex)
+    EXPECT_EQ(CodexQuotaFormatter::text(metric, readyState(), exampleTime).has_value(), isCodex)
         << id(metric);
   }
 }

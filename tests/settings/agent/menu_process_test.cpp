@@ -17,9 +17,9 @@ using namespace MenuProtocol;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char* unopened = "O menu não pôde ser aberto.";
-constexpr const char* broken = "O menu falhou e foi fechado.";
-constexpr const char* hanging = "O menu não respondeu e foi fechado.";
+constexpr const char* unopenedMenu = "O menu não pôde ser aberto.";
+constexpr const char* brokenMenu = "O menu falhou e foi fechado.";
+constexpr const char* hangingMenu = "O menu não respondeu e foi fechado.";
 
 class MenuProcessTest : public test::ChildTest {
  protected:
@@ -140,20 +140,20 @@ TEST_F(MenuProcessTest, SaysThatTheProgramIsMissing) {
 TEST_F(MenuProcessTest, SaysThatTheProgramEndedBeforeItsMenuWasThere) {
   open();
   exit({.status = 0, .signal = 6});
-  expectFailure(unopened);
+  expectFailure(unopenedMenu);
 }
 
 TEST_F(MenuProcessTest, TakesASilentEndBeforeTheMenuForAFault) {
   open();
   child().exit();
-  expectFailure(unopened);
+  expectFailure(unopenedMenu);
 }
 
 TEST_F(MenuProcessTest, SaysThatTheMenuDied) {
   open();
   sayBytes(answerLine(Shown{}));
   exit({.status = 0, .signal = 11});
-  expectFailure(broken);
+  expectFailure(brokenMenu);
 }
 
 TEST_F(MenuProcessTest, EndsAProgramThatNeverShowsItsMenu) {
@@ -163,7 +163,7 @@ TEST_F(MenuProcessTest, EndsAProgramThatNeverShowsItsMenu) {
   EXPECT_THAT(failures_, IsEmpty());
   EXPECT_FALSE(child().isTerminated());
   time_.advance(Seconds{0.001});
-  expectFailure(hanging);
+  expectFailure(hangingMenu);
 }
 
 TEST_F(MenuProcessTest, WaitsForTheUserAsLongAsItTakes) {
@@ -183,7 +183,7 @@ TEST_F(MenuProcessTest, EndsAProgramThatSaysWhatItShouldNot) {
         shown + std::string(agentReadLimit, '\n')}) {
     open();
     sayBytes(bytes);
-    expectFailure(broken);
+    expectFailure(brokenMenu);
     failures_.clear();
   }
 }
@@ -200,7 +200,7 @@ TEST_F(MenuProcessTest, WaitsForTheRestOfHalfALine) {
 TEST_F(MenuProcessTest, SurvivesAProgramThatReadsNothing) {
   launcher_.onStart = [](test::ScriptedProcess& process) { process.closeInput(); };
   open();
-  expectFailure(unopened);
+  expectFailure(unopenedMenu);
 }
 
 }  // namespace

@@ -4,10 +4,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/example_time.hpp"
+
 namespace vantora {
 namespace {
 
-const WallTime now = wallTimeFromUnix(1'790'000'000);
+using test::exampleTime;
 
 class MetricReadingsTest : public testing::Test {
  protected:
@@ -16,7 +18,7 @@ class MetricReadingsTest : public testing::Test {
     configuration_.modules[0].enabled = true;
     configuration_.modules[0].top = metric;
     configuration_.modules[0].bottom = MetricID::none;
-    const auto all = metricReadings(configuration_, snapshot_, now);
+    const auto all = metricReadings(configuration_, snapshot_, exampleTime);
     EXPECT_EQ(all.size(), 1U);
     return all.empty() ? MetricReading{} : all[0];
   }
@@ -29,9 +31,9 @@ class MetricReadingsTest : public testing::Test {
 };
 
 TEST_F(MetricReadingsTest, GiveAFreshValueWithoutAReason) {
-  set(MetricID::cpuUsage, MetricSample::valid(12, "Linux /proc/stat", now));
+  set(MetricID::cpuUsage, MetricSample::valid(12, "Linux /proc/stat", exampleTime));
   EXPECT_EQ(reading(MetricID::cpuUsage), (MetricReading{MetricID::cpuUsage, "12%", Quality::valid,
-                                                        "Linux /proc/stat", "", now}));
+                                                        "Linux /proc/stat", "", exampleTime}));
 }
 
 TEST_F(MetricReadingsTest, SayWhyThereIsNone) {
@@ -52,7 +54,7 @@ TEST_F(MetricReadingsTest, TellALackFromAMetricThatWasNotLookedAtYet) {
 }
 
 TEST_F(MetricReadingsTest, GiveThePauseAsTheReasonWhilePaused) {
-  MetricSample old = MetricSample::valid(12, "Linux /proc/stat", now);
+  MetricSample old = MetricSample::valid(12, "Linux /proc/stat", exampleTime);
   old.quality = Quality::stale;
   set(MetricID::cpuUsage, old);
   EXPECT_EQ(reading(MetricID::cpuUsage).reason, "Aguardando amostra");
@@ -68,10 +70,10 @@ TEST_F(MetricReadingsTest, GiveAQuotasMessageAsTheReason) {
   EXPECT_EQ(reading(MetricID::claudeWeeklyPercent).quality, Quality::unavailable);
   snapshot_.claude.status = ClaudeQuotaStatus::ready;
   snapshot_.claude.weeklyUsed = 40;
-  snapshot_.claude.lastSuccess = now;
+  snapshot_.claude.lastSuccess = exampleTime;
   snapshot_.claude.message = "Limites consultados.";
   EXPECT_EQ(reading(MetricID::claudeWeeklyPercent).reason, "");
-  EXPECT_EQ(reading(MetricID::claudeWeeklyPercent).sampledAt, now);
+  EXPECT_EQ(reading(MetricID::claudeWeeklyPercent).sampledAt, exampleTime);
   // The service reported the other window alone.
   EXPECT_EQ(reading(MetricID::claudeSessionPercent).reason, "Limites consultados.");
   snapshot_.codex.status = CodexQuotaStatus::error;
@@ -84,7 +86,7 @@ TEST_F(MetricReadingsTest, LeaveOutWhatNoActiveModuleShows) {
   configuration_.modules[0].bottom = MetricID::batteryPercent;
   configuration_.modules[1].enabled = false;
   configuration_.modules[1].top = MetricID::cpuUsage;
-  const auto all = metricReadings(configuration_, snapshot_, now);
+  const auto all = metricReadings(configuration_, snapshot_, exampleTime);
   ASSERT_EQ(all.size(), 2U);
   EXPECT_EQ(all[0].metric, MetricID::batteryPercent);
   EXPECT_EQ(all[1].metric, MetricID::download);

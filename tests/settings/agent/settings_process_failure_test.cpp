@@ -18,8 +18,8 @@ using namespace SettingsProtocol;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char* broken = "A janela de configurações falhou e foi fechada.";
-constexpr const char* hanging = "A janela de configurações parou de responder e foi fechada.";
+constexpr const char* brokenWindow = "A janela de configurações falhou e foi fechada.";
+constexpr const char* hangingWindow = "A janela de configurações parou de responder e foi fechada.";
 
 using SettingsProcessTest = test::SettingsProcessFixture;
 
@@ -49,9 +49,9 @@ TEST_F(SettingsProcessTest, SaysThatTheWindowEndedBeforeItOpened) {
 TEST_F(SettingsProcessTest, SurvivesAWindowThatDies) {
   open();
   child().exit({0, 11});
-  expectFailure(broken);
+  expectFailure(brokenWindow);
   open();
-  EXPECT_EQ(told_.notice, broken);
+  EXPECT_EQ(told_.notice, brokenWindow);
 }
 
 TEST_F(SettingsProcessTest, SurvivesAWindowThatNeverBecomesReady) {
@@ -60,7 +60,7 @@ TEST_F(SettingsProcessTest, SurvivesAWindowThatNeverBecomesReady) {
   time_.advance(SettingsProcess::answerLimit - Seconds{0.001});
   EXPECT_TRUE(process_->isVisible());
   time_.advance(Seconds{0.001});
-  expectFailure(hanging);
+  expectFailure(hangingWindow);
 }
 
 TEST_F(SettingsProcessTest, SurvivesAWindowThatHangs) {
@@ -71,7 +71,7 @@ TEST_F(SettingsProcessTest, SurvivesAWindowThatHangs) {
   time_.advance(SettingsProcess::answerLimit - Seconds{0.001});
   EXPECT_TRUE(process_->isVisible());
   time_.advance(Seconds{0.001});
-  expectFailure(hanging);
+  expectFailure(hangingWindow);
 }
 
 // A window that moves to another screen says `ready` again, whatever it has not shown yet.
@@ -87,7 +87,7 @@ TEST_F(SettingsProcessTest, WaitsForTheAnswerOfAWindowThatChangesItsScale) {
   EXPECT_TRUE(process_->isVisible());
   say(Ready{2});
   time_.advance(SettingsProcess::answerLimit);
-  expectFailure(hanging);
+  expectFailure(hangingWindow);
 }
 
 TEST_F(SettingsProcessTest, LetsAWindowBeQuietWhileThereIsNothingToAnswer) {
@@ -102,7 +102,7 @@ TEST_F(SettingsProcessTest, SurvivesAWindowThatWritesWithoutALineFeed) {
   for (int count = 0; count < 5 && process_->isVisible(); ++count) {
     sayBytes(piece);
   }
-  expectFailure(broken);
+  expectFailure(brokenWindow);
 }
 
 TEST_F(SettingsProcessTest, KeepsNoMemoryOfAWindowThatSaidTooMuch) {
@@ -125,7 +125,7 @@ TEST_F(SettingsProcessTest, SurvivesAWindowThatFloodsItWithMessages) {
        ++count) {
     sayBytes(line);
   }
-  expectFailure(broken);
+  expectFailure(brokenWindow);
 }
 
 TEST_F(SettingsProcessTest, TakesAsManyMessagesAsASliderSends) {
@@ -151,7 +151,7 @@ TEST_F(SettingsProcessTest, CountsTheMessagesOfEachSecondAnew) {
   EXPECT_TRUE(process_->isVisible());
   time_.advance(Seconds{0.999});
   sayBytes(line);
-  expectFailure(broken);
+  expectFailure(brokenWindow);
 }
 
 TEST_F(SettingsProcessTest, WaitsForTheRestOfALine) {
@@ -176,26 +176,26 @@ TEST_F(SettingsProcessTest, DropsHalfALineThatAWindowLeft) {
 TEST_F(SettingsProcessTest, EndsAWindowThatSpeaksOutOfTurn) {
   process_->show("");
   say(Intent::scrolled);
-  expectFailure(broken);
+  expectFailure(brokenWindow);
   open();
   sayBytes("{\"type\":\"quit\"}\n");
-  expectFailure(broken);
+  expectFailure(brokenWindow);
   open();
   say(Seen{77});
-  expectFailure(broken);
+  expectFailure(brokenWindow);
   open();
   model_.setStartAtLogin(true);
   time_.runPosted();
   (void)heardFields();
   say(Seen{sequence_ + 1});
-  expectFailure(broken);
+  expectFailure(brokenWindow);
   open();
   const std::uint64_t first = sequence_;
   model_.setStartAtLogin(false);
   time_.runPosted();
   (void)heardFields();
   say(Seen{first});
-  expectFailure(broken);
+  expectFailure(brokenWindow);
 }
 
 TEST_F(SettingsProcessTest, EndsAWindowThatNoLongerListens) {

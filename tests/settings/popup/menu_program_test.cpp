@@ -21,7 +21,7 @@ using namespace MenuProtocol;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const MenuContent content{
+const MenuContent menuContent{
     {{1, "Configurações…"}, {2, "Pausar & mais"}, {3, "Sair"}}, {100, 20}, {90, 10, 60, 22}, false};
 
 // Within this process, without a screen.
@@ -42,7 +42,7 @@ class MenuProgramTest : public testing::Test {
 };
 
 TEST_F(MenuProgramTest, ShowsTheEntriesBesideTheItem) {
-  program_.receive(menuLine(content));
+  program_.receive(menuLine(menuContent));
   ASSERT_NE(openMenu(), nullptr);
   EXPECT_THAT(lines_, ElementsAre(answerLine(Shown{})));
   EXPECT_EQ(openMenu()->pos(), QPoint(100, 32));
@@ -54,7 +54,7 @@ TEST_F(MenuProgramTest, ShowsTheEntriesBesideTheItem) {
 }
 
 TEST_F(MenuProgramTest, IsAMenuToAssistiveTechnology) {
-  program_.receive(menuLine(content));
+  program_.receive(menuLine(menuContent));
   ASSERT_NE(openMenu(), nullptr);
   QAccessibleInterface* menu = QAccessible::queryAccessibleInterface(openMenu());
   ASSERT_NE(menu, nullptr);
@@ -64,7 +64,7 @@ TEST_F(MenuProgramTest, IsAMenuToAssistiveTechnology) {
 }
 
 TEST_F(MenuProgramTest, SendsTheChoiceThatTheKeyboardMadeAndEnds) {
-  program_.receive(menuLine(content));
+  program_.receive(menuLine(menuContent));
   QTest::keyClick(openMenu(), Qt::Key_Down);
   QTest::keyClick(openMenu(), Qt::Key_Down);
   QTest::keyClick(openMenu(), Qt::Key_Return);
@@ -75,7 +75,7 @@ TEST_F(MenuProgramTest, SendsTheChoiceThatTheKeyboardMadeAndEnds) {
 }
 
 TEST_F(MenuProgramTest, SendsTheChoiceOfThePointer) {
-  program_.receive(menuLine(content));
+  program_.receive(menuLine(menuContent));
   QMenu* menu = openMenu();
   const QPoint last = menu->actionGeometry(menu->actions()[2]).center();
   QTest::mouseMove(menu, last);
@@ -86,7 +86,7 @@ TEST_F(MenuProgramTest, SendsTheChoiceOfThePointer) {
 }
 
 TEST_F(MenuProgramTest, ChoosesNothingOnEscape) {
-  program_.receive(menuLine(content));
+  program_.receive(menuLine(menuContent));
   QTest::keyClick(openMenu(), Qt::Key_Escape);
   settle();
   EXPECT_THAT(lines_, ElementsAre(answerLine(Shown{})));
@@ -94,7 +94,7 @@ TEST_F(MenuProgramTest, ChoosesNothingOnEscape) {
 }
 
 TEST_F(MenuProgramTest, ChoosesNothingByAClickElsewhere) {
-  program_.receive(menuLine(content));
+  program_.receive(menuLine(menuContent));
   QTest::mouseClick(openMenu(), Qt::LeftButton, {}, QPoint(-40, -5));
   settle();
   EXPECT_EQ(openMenu(), nullptr);
@@ -103,8 +103,8 @@ TEST_F(MenuProgramTest, ChoosesNothingByAClickElsewhere) {
 }
 
 TEST_F(MenuProgramTest, IsDarkOnADarkDesktop) {
-  MenuContent dark = content;
-  program_.receive(menuLine(content));
+  MenuContent dark = menuContent;
+  program_.receive(menuLine(menuContent));
   EXPECT_FALSE(looksDark());
   MenuProgram another({[](std::string_view) {}, [](int) {}});
   dark.isDark = true;
@@ -121,7 +121,7 @@ TEST_F(MenuProgramTest, EndsWithAFaultOverALineThatIsNoMenu) {
 }
 
 TEST_F(MenuProgramTest, EndsWithAFaultOverASecondMenu) {
-  program_.receive(menuLine(content) + menuLine(content));
+  program_.receive(menuLine(menuContent) + menuLine(menuContent));
   EXPECT_THAT(ends_, ElementsAre(1));
 }
 
@@ -134,7 +134,7 @@ using MenuProgramProcess = test::ProgramTest;
 
 TEST_F(MenuProgramProcess, ShowsItsMenuAndEndsWithItsInput) {
   const auto child = startWith(argument);
-  ASSERT_TRUE(child->write(menuLine(content)));
+  ASSERT_TRUE(child->write(menuLine(menuContent)));
   runUntilLine();
   EXPECT_EQ(output_, answerLine(Shown{}));
   child->closeInput();
@@ -164,10 +164,10 @@ TEST_F(MenuProgramProcess, OpensForTheAgentOneAtATimeAndLeavesNothingBehind) {
     MenuProcess menu({processes_.queue(), processes_.launcher(), VANTORA_SETTINGS, {}});
     menu.onFailure = [&](const std::string& message) { failures.push_back(message); };
     for (int round = 0; round < 3; ++round) {
-      menu.open(content, nullptr);
+      menu.open(menuContent, nullptr);
     }
     menu.close();
-    menu.open(content, nullptr);
+    menu.open(menuContent, nullptr);
   }
   processes_.runUntilBackTo(before);
   EXPECT_THAT(failures, IsEmpty());
@@ -180,7 +180,7 @@ TEST_F(MenuProgramProcess, SaysThatThereIsNoScreen) {
                     {{"QT_QPA_PLATFORM", "xcb"}, {"DISPLAY", ":nowhere"}}});
   std::vector<std::string> failures;
   menu.onFailure = [&](const std::string& message) { failures.push_back(message); };
-  menu.open(content, nullptr);
+  menu.open(menuContent, nullptr);
   processes_.runUntil([&] { return !failures.empty(); });
   EXPECT_THAT(failures, ElementsAre("O menu não pôde ser aberto."));
 }

@@ -20,7 +20,7 @@ using namespace MenuProtocol;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const ToolTipContent content{"CPU: <b>12%</b>\nRede: 0,1M", {100, 20}, false};
+const ToolTipContent toolTipContent{"CPU: <b>12%</b>\nRede: 0,1M", {100, 20}, false};
 
 class ToolTipProgramTest : public testing::Test {
  protected:
@@ -34,7 +34,7 @@ class ToolTipProgramTest : public testing::Test {
 };
 
 TEST_F(ToolTipProgramTest, ShowsTheTextAsItIs) {
-  program_.receive(toolTipLine(content));
+  program_.receive(toolTipLine(toolTipContent));
   ASSERT_TRUE(QToolTip::isVisible());
   EXPECT_EQ(
       QToolTip::text(),
@@ -43,7 +43,7 @@ TEST_F(ToolTipProgramTest, ShowsTheTextAsItIs) {
 }
 
 TEST_F(ToolTipProgramTest, IsDarkOnADarkDesktop) {
-  ToolTipContent dark = content;
+  ToolTipContent dark = toolTipContent;
   dark.isDark = true;
   program_.receive(toolTipLine(dark));
   const QPalette palette = QToolTip::palette();
@@ -57,7 +57,7 @@ TEST_F(ToolTipProgramTest, EndsWithAFaultOverALineThatIsNoToolTip) {
 }
 
 TEST_F(ToolTipProgramTest, EndsWithAFaultOverASecondOne) {
-  program_.receive(toolTipLine(content) + toolTipLine(content));
+  program_.receive(toolTipLine(toolTipContent) + toolTipLine(toolTipContent));
   EXPECT_THAT(ends_, ElementsAre(1));
 }
 
@@ -70,7 +70,7 @@ using ToolTipProgramProcess = test::ProgramTest;
 
 TEST_F(ToolTipProgramProcess, EndsWithItsInput) {
   const auto child = startWith(toolTipArgument);
-  ASSERT_TRUE(child->write(toolTipLine(content)));
+  ASSERT_TRUE(child->write(toolTipLine(toolTipContent)));
   child->closeInput();
   runUntilExit();
   EXPECT_EQ(exit_, ChildExit{});
@@ -89,10 +89,10 @@ TEST_F(ToolTipProgramProcess, ComesAndGoesForTheAgentAndLeavesNothingBehind) {
   {
     ToolTipProcess toolTip({processes_.queue(), processes_.launcher(), VANTORA_SETTINGS, {}});
     toolTip.onFailure = [&](const std::string& message) { failures.push_back(message); };
-    toolTip.show(content);
+    toolTip.show(toolTipContent);
     toolTip.hide();
-    toolTip.show(content);
-    toolTip.show(content);
+    toolTip.show(toolTipContent);
+    toolTip.show(toolTipContent);
   }
   processes_.runUntilBackTo(before);
   EXPECT_THAT(failures, IsEmpty());

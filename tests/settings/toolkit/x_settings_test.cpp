@@ -13,7 +13,7 @@ using Bytes = std::vector<std::uint8_t>;
 
 constexpr const char* themeName = "Net/ThemeName";
 
-Bytes usual(bool isBigEndian = false) {
+Bytes usualSettings(bool isBigEndian = false) {
   return XSettingsBytes(isBigEndian)
       .integer("Net/DoubleClickTime", 400)
       .color("Gtk/Cursor")
@@ -25,14 +25,14 @@ Bytes usual(bool isBigEndian = false) {
 
 TEST(XSettings, FindTheTextOfASettingInEitherByteOrder) {
   for (const bool isBigEndian : {false, true}) {
-    EXPECT_EQ(xSettingText(usual(isBigEndian), themeName), "ContrastHigh");
-    EXPECT_EQ(xSettingText(usual(isBigEndian), "Gtk/FontName"), "Sans 10");
+    EXPECT_EQ(xSettingText(usualSettings(isBigEndian), themeName), "ContrastHigh");
+    EXPECT_EQ(xSettingText(usualSettings(isBigEndian), "Gtk/FontName"), "Sans 10");
   }
 }
 
 TEST(XSettings, HaveNoTextOfWhatIsMissingOrANumber) {
-  EXPECT_EQ(xSettingText(usual(), "Net/Theme"), std::nullopt);
-  EXPECT_EQ(xSettingText(usual(), "Net/DoubleClickTime"), std::nullopt);
+  EXPECT_EQ(xSettingText(usualSettings(), "Net/Theme"), std::nullopt);
+  EXPECT_EQ(xSettingText(usualSettings(), "Net/DoubleClickTime"), std::nullopt);
   EXPECT_EQ(xSettingText({}, themeName), std::nullopt);
   EXPECT_EQ(xSettingText(XSettingsBytes(false).text(themeName, "").bytes(), themeName), "");
 }

@@ -6,13 +6,12 @@
 #include "settings/agent/metric_readings.hpp"
 #include "status/rasterise.hpp"
 #include "status/status_renderer.hpp"
+#include "support/example_time.hpp"
 
 namespace vantora::test {
 namespace {
 
 constexpr double thickness = 24;
-const WallTime now = wallTimeFromUnix(1'790'000'000);
-
 UUID identity(std::uint8_t number) {
   std::array<std::uint8_t, 16> bytes{};
   bytes.back() = number;
@@ -30,7 +29,7 @@ ModuleConfiguration module(std::uint8_t number, MetricID top, MetricID bottom) {
 MetricSnapshot snapshot(bool isPaused) {
   MetricSnapshot readings;
   const auto set = [&](MetricID metric, double value) {
-    MetricSample sample = MetricSample::valid(value, "exemplo", now);
+    MetricSample sample = MetricSample::valid(value, "exemplo", exampleTime);
     if (isPaused) {
       sample.quality = Quality::stale;
     }
@@ -47,14 +46,14 @@ MetricSnapshot snapshot(bool isPaused) {
   readings.networkName = "wlp3s0";
   readings.codex.status = CodexQuotaStatus::ready;
   readings.codex.usedPercent = 38;
-  readings.codex.lastSuccess = now - std::chrono::minutes(2);
-  readings.codex.resetAt = now + std::chrono::hours(77);
+  readings.codex.lastSuccess = exampleTime - std::chrono::minutes(2);
+  readings.codex.resetAt = exampleTime + std::chrono::hours(77);
   readings.codex.message = "Cota semanal da categoria codex, consultada com sucesso.";
   readings.codex.candidates = {{"codex", "Codex"}, {"codex-spark", "Codex Spark"}};
   readings.claude.status = ClaudeQuotaStatus::ready;
   readings.claude.weeklyUsed = 52;
   readings.claude.sessionUsed = 17;
-  readings.claude.lastSuccess = now - std::chrono::minutes(1);
+  readings.claude.lastSuccess = exampleTime - std::chrono::minutes(1);
   readings.claude.message = "Limites do Claude (semanal e 5 horas) consultados com sucesso.";
   return readings;
 }
@@ -93,7 +92,7 @@ WindowState exampleState(double scale, bool isPaused) {
 
   FreetypeTextEngine engine(lookUpFonts());
   const StatusPresentation presentation =
-      StatusRenderer::render(configuration, readings, {thickness, now, engine});
+      StatusRenderer::render(configuration, readings, {thickness, exampleTime, engine});
   AlphaBitmap bitmap = rasterise(presentation.image, engine, scale);
   state.picture = {
       presentation.width,  scale, bitmap.width, bitmap.height, std::move(bitmap.pixels),
@@ -104,7 +103,7 @@ WindowState exampleState(double scale, bool isPaused) {
   }
   bitmap = rasterise(presentation.image, engine, 2 * scale);
   state.picture.enlarged = {2 * scale, bitmap.width, bitmap.height, std::move(bitmap.pixels)};
-  state.readings = metricReadings(configuration, readings, now);
+  state.readings = metricReadings(configuration, readings, exampleTime);
   return state;
 }
 

@@ -18,6 +18,9 @@
 
 namespace vantora::test {
 
+/// The tabs, which are told apart by their places.
+enum Tab { modulesTab, appearanceTab, samplingTab, codexTab, claudeTab, generalTab };
+
 /// The real window without a screen, with the test in the agent's place. The program's
 /// main makes the application.
 class WindowTest : public testing::Test {

@@ -23,8 +23,8 @@ using Outcome = AgentQuestion::Outcome;
 using test::runUntil;
 
 // The agent's end of the bus, as far as it is asked here.
-struct Agent {
-  Agent(UvLoop& loop, TaskQueue& queue, const std::string& address)
+struct AskedAgent {
+  AskedAgent(UvLoop& loop, TaskQueue& queue, const std::string& address)
       : connection(loop.raw(), queue, address), name(connection, queue, {}) {}
   void open(UvLoop& loop) {
     connection.open();
@@ -63,7 +63,7 @@ class DiagnosisServiceTest : public testing::Test {
 };
 
 TEST_F(DiagnosisServiceTest, GivesTheAgentsAnswer) {
-  Agent agent(loop_, *queue_, bus_.address());
+  AskedAgent agent(loop_, *queue_, bus_.address());
   const DiagnosisService service(agent.connection, [] { return std::string("{\"é\":1}"); });
   agent.open(loop_);
   EXPECT_EQ(askAndWait(), Outcome::answered);
@@ -76,13 +76,13 @@ TEST_F(DiagnosisServiceTest, SaysThatThereIsNoAgent) {
 }
 
 TEST_F(DiagnosisServiceTest, KnowsAnAgentThatDoesNotKnowTheQuestion) {
-  Agent agent(loop_, *queue_, bus_.address());
+  AskedAgent agent(loop_, *queue_, bus_.address());
   agent.open(loop_);
   EXPECT_EQ(askAndWait(), Outcome::older);
 }
 
 TEST_F(DiagnosisServiceTest, WaitsTwoSecondsForAnAgentThatHangs) {
-  Agent agent(loop_, *queue_, bus_.address());
+  AskedAgent agent(loop_, *queue_, bus_.address());
   agent.open(loop_);
   int calls = 0;
   BusSlot object;
@@ -114,7 +114,7 @@ TEST_F(DiagnosisServiceTest, TakesABusThatDoesNotAnswerForNone) {
 }
 
 TEST_F(DiagnosisServiceTest, IsThereAgainWhenTheBusComesBack) {
-  Agent agent(loop_, *queue_, bus_.address());
+  AskedAgent agent(loop_, *queue_, bus_.address());
   const DiagnosisService service(agent.connection, [] { return std::string("again"); });
   agent.open(loop_);
   bus_.stop();

@@ -9,13 +9,13 @@
 namespace vantora {
 namespace {
 
-class BatteryReminder : public test::CountedCalls {
+class BatteryReminderTest : public test::CountedCalls {
  protected:
   test::SysfsTree tree{"thinkpad-t440s"};
-  vantora::BatteryReminder reminder{*queue, tree.powerSupply(), call};
+  BatteryReminder reminder{*queue, tree.powerSupply(), call};
 };
 
-TEST_F(BatteryReminder, CallsOnceAMinuteWhileThereIsABattery) {
+TEST_F(BatteryReminderTest, CallsOnceAMinuteWhileThereIsABattery) {
   reminder.refresh();
   EXPECT_EQ(queue->lastLeeway(), Seconds{10});
   EXPECT_EQ(callsAfter(Seconds{59.999}), 0);
@@ -23,14 +23,14 @@ TEST_F(BatteryReminder, CallsOnceAMinuteWhileThereIsABattery) {
   EXPECT_EQ(callsAfter(Seconds{600}), 11);
 }
 
-TEST_F(BatteryReminder, KeepsItsMinuteWhenTheKernelAnnouncesAChange) {
+TEST_F(BatteryReminderTest, KeepsItsMinuteWhenTheKernelAnnouncesAChange) {
   reminder.refresh();
   time.advance(Seconds{50});
   reminder.refresh();
   EXPECT_EQ(callsAfter(Seconds{10}), 1);
 }
 
-TEST_F(BatteryReminder, NeverWakesAMachineWithoutABattery) {
+TEST_F(BatteryReminderTest, NeverWakesAMachineWithoutABattery) {
   tree.remove("power_supply");
   tree.remove("hwmon");
   reminder.refresh();
@@ -40,7 +40,7 @@ TEST_F(BatteryReminder, NeverWakesAMachineWithoutABattery) {
   EXPECT_EQ(time.pendingCount(), 0U);
 }
 
-TEST_F(BatteryReminder, StopsWithTheLastBatteryAndStartsWithTheNext) {
+TEST_F(BatteryReminderTest, StopsWithTheLastBatteryAndStartsWithTheNext) {
   reminder.refresh();
   tree.remove("hwmon");
   tree.remove("power_supply/BAT0");

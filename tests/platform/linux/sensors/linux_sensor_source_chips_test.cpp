@@ -12,9 +12,9 @@ namespace {
 
 using test::allSensors;
 using test::unavailable;
-using LinuxSensorSource = test::LinuxSensorSourceFixture;
+using LinuxSensorSourceTest = test::LinuxSensorSourceFixture;
 
-TEST_F(LinuxSensorSource, LooksAgainAtOnceWhenADeviceIsGone) {
+TEST_F(LinuxSensorSourceTest, LooksAgainAtOnceWhenADeviceIsGone) {
   useMachine("raspberry-pi-4");
   EXPECT_EQ(cpuTemperature().value, 47.712);
   // The driver was loaded anew: the old files answer no more, and the chip has a new number.
@@ -26,7 +26,7 @@ TEST_F(LinuxSensorSource, LooksAgainAtOnceWhenADeviceIsGone) {
   EXPECT_EQ(cpuTemperature(), valid(44, "Linux hwmon · sensor de CPU (cpu_thermal) · °C"));
 }
 
-TEST_F(LinuxSensorSource, SaysSoWhenAChipIsGoneForGood) {
+TEST_F(LinuxSensorSourceTest, SaysSoWhenAChipIsGoneForGood) {
   useMachine("dell-xps-13-9370");
   (void)source->sample(allSensors);
   for (const char* name :
@@ -42,7 +42,7 @@ TEST_F(LinuxSensorSource, SaysSoWhenAChipIsGoneForGood) {
   EXPECT_EQ(*samples.find(MetricID::fan1RPM), unavailable("Ventoinha 1 não existe nesta máquina"));
 }
 
-TEST_F(LinuxSensorSource, CountsADeviceThatStaysGoneAsAFailure) {
+TEST_F(LinuxSensorSourceTest, CountsADeviceThatStaysGoneAsAFailure) {
   useMachine("raspberry-pi-4");
   (void)cpuTemperature();
   calls.fail(tree->path("hwmon/hwmon0/temp1_input"), ENODEV);
@@ -55,7 +55,7 @@ TEST_F(LinuxSensorSource, CountsADeviceThatStaysGoneAsAFailure) {
   EXPECT_EQ(calls.opens, 0);
 }
 
-TEST_F(LinuxSensorSource, LooksForAnAbsentChipEverySixtySeconds) {
+TEST_F(LinuxSensorSourceTest, LooksForAnAbsentChipEverySixtySeconds) {
   useMachine("raspberry-pi-4");
   tree->rename("hwmon/hwmon0", "gone");
   const auto absent = unavailable("Linux hwmon · nenhum sensor de CPU nesta máquina");
@@ -69,7 +69,7 @@ TEST_F(LinuxSensorSource, LooksForAnAbsentChipEverySixtySeconds) {
   EXPECT_EQ(cpuTemperature().value, 47.712);
 }
 
-TEST_F(LinuxSensorSource, NoticesAChipThatAppearsBesideTheOthers) {
+TEST_F(LinuxSensorSourceTest, NoticesAChipThatAppearsBesideTheOthers) {
   useMachine("server-with-ups");
   tree->rename("hwmon/hwmon1", "later");
   EXPECT_EQ(cpuTemperature().value, 54);
@@ -80,7 +80,7 @@ TEST_F(LinuxSensorSource, NoticesAChipThatAppearsBesideTheOthers) {
   EXPECT_EQ(cpuTemperature().value, 58);
 }
 
-TEST_F(LinuxSensorSource, LooksNoFurtherWhileTheChipsStayTheSame) {
+TEST_F(LinuxSensorSourceTest, LooksNoFurtherWhileTheChipsStayTheSame) {
   useMachine("server-with-ups");
   (void)cpuTemperature();
   time.advance(Seconds{60});
@@ -89,7 +89,7 @@ TEST_F(LinuxSensorSource, LooksNoFurtherWhileTheChipsStayTheSame) {
   EXPECT_EQ(calls.opens, 1);  // the listing
 }
 
-TEST_F(LinuxSensorSource, SurvivesAChipThatDisappearsBetweenListingAndReading) {
+TEST_F(LinuxSensorSourceTest, SurvivesAChipThatDisappearsBetweenListingAndReading) {
   for (const char* file : {"name", "temp1_input", "temp1_label"}) {
     useMachine("raspberry-pi-4");
     bool removed = false;
@@ -106,7 +106,7 @@ TEST_F(LinuxSensorSource, SurvivesAChipThatDisappearsBetweenListingAndReading) {
   }
 }
 
-TEST_F(LinuxSensorSource, ForgetsEverythingWithAReset) {
+TEST_F(LinuxSensorSourceTest, ForgetsEverythingWithAReset) {
   useMachine("raspberry-pi-4");
   tree->write("hwmon/hwmon0/temp1_input", "");
   for (int pass = 0; pass < 4; ++pass) {

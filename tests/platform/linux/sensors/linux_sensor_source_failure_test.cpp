@@ -13,9 +13,9 @@ namespace {
 using test::allSensors;
 using test::fan1;
 using test::unavailable;
-using LinuxSensorSource = test::LinuxSensorSourceFixture;
+using LinuxSensorSourceTest = test::LinuxSensorSourceFixture;
 
-TEST_F(LinuxSensorSource, HasNoMaximumOfSomeOfTheSensors) {
+TEST_F(LinuxSensorSourceTest, HasNoMaximumOfSomeOfTheSensors) {
   useMachine("dell-xps-13-9370");
   (void)cpuTemperature();
   calls.fail(tree->path("hwmon/hwmon6/temp3_input"), EAGAIN);
@@ -24,7 +24,7 @@ TEST_F(LinuxSensorSource, HasNoMaximumOfSomeOfTheSensors) {
   EXPECT_EQ(cpuTemperature().value, 52);
 }
 
-TEST_F(LinuxSensorSource, BelievesNoTemperatureThatCannotBe) {
+TEST_F(LinuxSensorSourceTest, BelievesNoTemperatureThatCannotBe) {
   useMachine("raspberry-pi-4");
   for (const char* value :
        {"", "\n", "-", "abc\n", "47712x\n", "200000\n", "-273200\n", "99999999999999999999\n"}) {
@@ -37,7 +37,7 @@ TEST_F(LinuxSensorSource, BelievesNoTemperatureThatCannotBe) {
   EXPECT_EQ(cpuTemperature().value, -12) << "a board in the cold";
 }
 
-TEST_F(LinuxSensorSource, RestsSixtySecondsAfterThreeFailedPassesInARow) {
+TEST_F(LinuxSensorSourceTest, RestsSixtySecondsAfterThreeFailedPassesInARow) {
   useMachine("raspberry-pi-4");
   tree->write("hwmon/hwmon0/temp1_input", "");
   const auto partial = unavailable("Linux · apenas 0/1 sensores de CPU disponíveis");
@@ -56,7 +56,7 @@ TEST_F(LinuxSensorSource, RestsSixtySecondsAfterThreeFailedPassesInARow) {
   EXPECT_EQ(cpuTemperature().value, 47.712);
 }
 
-TEST_F(LinuxSensorSource, CountsOnlyFailedPassesInARow) {
+TEST_F(LinuxSensorSourceTest, CountsOnlyFailedPassesInARow) {
   useMachine("raspberry-pi-4");
   for (int round = 0; round < 3; ++round) {
     tree->write("hwmon/hwmon0/temp1_input", "");
@@ -67,7 +67,7 @@ TEST_F(LinuxSensorSource, CountsOnlyFailedPassesInARow) {
   }
 }
 
-TEST_F(LinuxSensorSource, LetsOneGroupRestWithoutTheOthers) {
+TEST_F(LinuxSensorSourceTest, LetsOneGroupRestWithoutTheOthers) {
   useMachine("dell-xps-13-9370");
   (void)source->sample(allSensors);
   calls.fail(tree->path("hwmon/hwmon5/fan1_input"), EIO);
@@ -86,7 +86,7 @@ TEST_F(LinuxSensorSource, LetsOneGroupRestWithoutTheOthers) {
   EXPECT_EQ(sample(MetricID::fan1RPM).value, 2450);
 }
 
-TEST_F(LinuxSensorSource, LetsOneFanRestWithoutTheOther) {
+TEST_F(LinuxSensorSourceTest, LetsOneFanRestWithoutTheOther) {
   useMachine("dell-xps-13-9370");
   (void)source->sample(allSensors);
   calls.fail(tree->path("hwmon/hwmon5/fan1_input"), EIO);
@@ -97,7 +97,7 @@ TEST_F(LinuxSensorSource, LetsOneFanRestWithoutTheOther) {
 
 // An ASUS desktop: its controller announces a fan that is not there, and the fans that turn
 // are behind the Super I/O chip, on whichever of its channels.
-TEST_F(LinuxSensorSource, TakesFansThatTurnBeforeThoseThatDoNot) {
+TEST_F(LinuxSensorSourceTest, TakesFansThatTurnBeforeThoseThatDoNot) {
   useMachine("raspberry-pi-4");
   tree->write("hwmon/hwmon1/name", "asus\n");
   tree->write("hwmon/hwmon1/fan1_input", "0\n");
@@ -120,7 +120,7 @@ TEST_F(LinuxSensorSource, TakesFansThatTurnBeforeThoseThatDoNot) {
   EXPECT_EQ(sample(MetricID::fan2RPM), valid(700, board("fan5")));
 }
 
-TEST_F(LinuxSensorSource, HasNoSpeedThatIsMissingNegativeOrImpossible) {
+TEST_F(LinuxSensorSourceTest, HasNoSpeedThatIsMissingNegativeOrImpossible) {
   useMachine("thinkpad-t440s");
   for (const char* value : {"", "abc\n", "-1\n", "65535\n", "99999999999999999999\n"}) {
     source->reset();
@@ -131,7 +131,7 @@ TEST_F(LinuxSensorSource, HasNoSpeedThatIsMissingNegativeOrImpossible) {
   }
 }
 
-TEST_F(LinuxSensorSource, ShowsTheSpeedOfAFanAboveItsMaximumWithoutAFailure) {
+TEST_F(LinuxSensorSourceTest, ShowsTheSpeedOfAFanAboveItsMaximumWithoutAFailure) {
   useMachine("dell-xps-13-9370");
   tree->write("hwmon/hwmon5/fan1_input", "4901\n");
   for (int pass = 0; pass < 4; ++pass) {
@@ -142,7 +142,7 @@ TEST_F(LinuxSensorSource, ShowsTheSpeedOfAFanAboveItsMaximumWithoutAFailure) {
   }
 }
 
-TEST_F(LinuxSensorSource, HasNoPercentageByAnImpossibleMaximum) {
+TEST_F(LinuxSensorSourceTest, HasNoPercentageByAnImpossibleMaximum) {
   useMachine("dell-xps-13-9370");
   for (const char* maximum : {"0\n", "-1\n"}) {
     source->reset();
@@ -158,7 +158,7 @@ TEST_F(LinuxSensorSource, HasNoPercentageByAnImpossibleMaximum) {
   }
 }
 
-TEST_F(LinuxSensorSource, ReadsMaximaOnceForEachOpening) {
+TEST_F(LinuxSensorSourceTest, ReadsMaximaOnceForEachOpening) {
   useMachine("dell-xps-13-9370");
   EXPECT_EQ(sample(MetricID::fan1Percent).value, 50);
   tree->write("hwmon/hwmon5/fan1_max", "2450\n");
@@ -167,7 +167,7 @@ TEST_F(LinuxSensorSource, ReadsMaximaOnceForEachOpening) {
   EXPECT_EQ(sample(MetricID::fan1Percent).value, 100);
 }
 
-TEST_F(LinuxSensorSource, TakesTheMeanOfSeveralBatteriesOrNothing) {
+TEST_F(LinuxSensorSourceTest, TakesTheMeanOfSeveralBatteriesOrNothing) {
   useMachine("thinkpad-t440s");
   tree->write("power_supply/BAT0/temp", "300\n");
   tree->write("power_supply/BAT1/temp", "351\n");
@@ -178,13 +178,13 @@ TEST_F(LinuxSensorSource, TakesTheMeanOfSeveralBatteriesOrNothing) {
             unavailable("Linux · apenas 1/2 sensores da bateria disponíveis"));
 }
 
-TEST_F(LinuxSensorSource, NeverTakesTheThermometerOfAMouse) {
+TEST_F(LinuxSensorSourceTest, NeverTakesTheThermometerOfAMouse) {
   useMachine("desktop-ryzen-5900x");
   tree->write("power_supply/hidpp_battery_0/temp", "250\n");
   EXPECT_EQ(sample(MetricID::batteryTemperature), unavailable("Bateria interna indisponível"));
 }
 
-TEST_F(LinuxSensorSource, DoesNotHangOnPipesAndFoldersInPlaceOfAttributes) {
+TEST_F(LinuxSensorSourceTest, DoesNotHangOnPipesAndFoldersInPlaceOfAttributes) {
   useMachine("dell-xps-13-9370");
   tree->putPipe("hwmon/hwmon6/temp1_input");
   tree->putFolder("hwmon/hwmon6/temp2_input");

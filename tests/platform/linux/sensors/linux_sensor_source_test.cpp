@@ -13,9 +13,9 @@ using test::battery;
 using test::cpu;
 using test::fan1;
 using test::unavailable;
-using LinuxSensorSource = test::LinuxSensorSourceFixture;
+using LinuxSensorSourceTest = test::LinuxSensorSourceFixture;
 
-TEST_F(LinuxSensorSource, ReadsAThinkPad) {
+TEST_F(LinuxSensorSourceTest, ReadsAThinkPad) {
   useMachine("thinkpad-t440s");
   const SampleTable samples = source->sample(allSensors);
   EXPECT_EQ(samples.metrics(), allSensors);
@@ -32,7 +32,7 @@ TEST_F(LinuxSensorSource, ReadsAThinkPad) {
             unavailable("Ventoinha 2 não existe nesta máquina"));
 }
 
-TEST_F(LinuxSensorSource, ReadsTheFansOfAnXpsWithTheirMaxima) {
+TEST_F(LinuxSensorSourceTest, ReadsTheFansOfAnXpsWithTheirMaxima) {
   useMachine("dell-xps-13-9370");
   const SampleTable samples = source->sample(allSensors);
   EXPECT_EQ(*samples.find(MetricID::cpuTemperature),
@@ -44,13 +44,13 @@ TEST_F(LinuxSensorSource, ReadsTheFansOfAnXpsWithTheirMaxima) {
   EXPECT_EQ(samples.find(MetricID::fan2RPM)->value, 0);
 }
 
-TEST_F(LinuxSensorSource, ReadsAFrameworkWithAmd) {
+TEST_F(LinuxSensorSourceTest, ReadsAFrameworkWithAmd) {
   useMachine("framework-13-amd");
   EXPECT_EQ(cpuTemperature(), valid(48.5, "Linux hwmon · sensor de CPU (k10temp) · °C"));
   EXPECT_EQ(sample(MetricID::fan1RPM), valid(0, "Linux hwmon · cros_ec · fan1_input · RPM"));
 }
 
-TEST_F(LinuxSensorSource, ReadsTheBatteryOfAMacBookAir) {
+TEST_F(LinuxSensorSourceTest, ReadsTheBatteryOfAMacBookAir) {
   useMachine("macbook-air-m2-asahi");
   const SampleTable samples = source->sample(allSensors);
   EXPECT_EQ(*samples.find(MetricID::batteryTemperature),
@@ -60,7 +60,7 @@ TEST_F(LinuxSensorSource, ReadsTheBatteryOfAMacBookAir) {
   EXPECT_EQ(*samples.find(MetricID::fan1RPM), unavailable("Ventoinha 1 não existe nesta máquina"));
 }
 
-TEST_F(LinuxSensorSource, TakesTheBatteryThermometerOfApplesController) {
+TEST_F(LinuxSensorSourceTest, TakesTheBatteryThermometerOfApplesController) {
   useMachine("macbook-pro-2015");
   const SampleTable samples = source->sample(allSensors);
   EXPECT_EQ(*samples.find(MetricID::batteryTemperature),
@@ -69,7 +69,7 @@ TEST_F(LinuxSensorSource, TakesTheBatteryThermometerOfApplesController) {
   EXPECT_NEAR(samples.find(MetricID::fan2Percent)->value.value(), 1998.0 * 100 / 5700, 1e-9);
 }
 
-TEST_F(LinuxSensorSource, ReadsRaspberryPis) {
+TEST_F(LinuxSensorSourceTest, ReadsRaspberryPis) {
   useMachine("raspberry-pi-4");
   EXPECT_EQ(cpuTemperature(), valid(47.712, "Linux hwmon · sensor de CPU (cpu_thermal) · °C"));
   EXPECT_EQ(sample(MetricID::fan1Percent), unavailable("Ventoinha 1 não existe nesta máquina"));
@@ -79,7 +79,7 @@ TEST_F(LinuxSensorSource, ReadsRaspberryPis) {
   EXPECT_EQ(sample(MetricID::fan1RPM), valid(2871, "Linux hwmon · pwmfan · fan1_input · RPM"));
 }
 
-TEST_F(LinuxSensorSource, TakesTheBoardsFansAndNeverTheGraphicsCards) {
+TEST_F(LinuxSensorSourceTest, TakesTheBoardsFansAndNeverTheGraphicsCards) {
   useMachine("desktop-ryzen-5900x");
   const SampleTable samples = source->sample(allSensors);
   EXPECT_EQ(*samples.find(MetricID::cpuTemperature),
@@ -91,18 +91,18 @@ TEST_F(LinuxSensorSource, TakesTheBoardsFansAndNeverTheGraphicsCards) {
             unavailable("Bateria interna indisponível"));
 }
 
-TEST_F(LinuxSensorSource, LeavesOutTheOffsetOfAThreadripper) {
+TEST_F(LinuxSensorSourceTest, LeavesOutTheOffsetOfAThreadripper) {
   useMachine("desktop-threadripper-1950x");
   EXPECT_EQ(cpuTemperature(),
             valid(41.5, "Linux hwmon · maior valor de 2 sensores de CPU (k10temp) · °C"));
 }
 
-TEST_F(LinuxSensorSource, TakesTheHottestOfTwoProcessors) {
+TEST_F(LinuxSensorSourceTest, TakesTheHottestOfTwoProcessors) {
   useMachine("server-with-ups");
   EXPECT_EQ(cpuTemperature().value, 58);
 }
 
-TEST_F(LinuxSensorSource, IsQuietOnAMachineWithoutAnySensor) {
+TEST_F(LinuxSensorSourceTest, IsQuietOnAMachineWithoutAnySensor) {
   useMachine("raspberry-pi-4");
   tree->remove("hwmon");
   tree->remove("power_supply");
@@ -114,7 +114,7 @@ TEST_F(LinuxSensorSource, IsQuietOnAMachineWithoutAnySensor) {
   }
 }
 
-TEST_F(LinuxSensorSource, TouchesNothingWhileNoSensorIsDemanded) {
+TEST_F(LinuxSensorSourceTest, TouchesNothingWhileNoSensorIsDemanded) {
   useMachine("thinkpad-t440s");
   calls.clear();
   const MetricSet others{MetricID::cpuUsage, MetricID::batteryPercent, MetricID::none,
@@ -126,7 +126,7 @@ TEST_F(LinuxSensorSource, TouchesNothingWhileNoSensorIsDemanded) {
   EXPECT_EQ(calls.reads, 0);
 }
 
-TEST_F(LinuxSensorSource, CostsOneReadForEachValueAfterTheFirstPass) {
+TEST_F(LinuxSensorSourceTest, CostsOneReadForEachValueAfterTheFirstPass) {
   useMachine("dell-xps-13-9370");
   (void)source->sample(allSensors);
   calls.clear();
@@ -135,7 +135,7 @@ TEST_F(LinuxSensorSource, CostsOneReadForEachValueAfterTheFirstPass) {
   EXPECT_EQ(calls.reads, 5 + 2);  // five cores and package, two fans; no battery sensor
 }
 
-TEST_F(LinuxSensorSource, ReadsNothingForMetricsThatAreNotDemanded) {
+TEST_F(LinuxSensorSourceTest, ReadsNothingForMetricsThatAreNotDemanded) {
   useMachine("dell-xps-13-9370");
   (void)source->sample(allSensors);
   (void)source->sample(fan1);
@@ -148,7 +148,7 @@ TEST_F(LinuxSensorSource, ReadsNothingForMetricsThatAreNotDemanded) {
   EXPECT_EQ(calls.reads, 0);
 }
 
-TEST_F(LinuxSensorSource, OpensWhenConfiguredSoThatThePassOnlyReads) {
+TEST_F(LinuxSensorSourceTest, OpensWhenConfiguredSoThatThePassOnlyReads) {
   useMachine("dell-xps-13-9370");
   source->configure(cpu);
   calls.clear();
@@ -156,7 +156,7 @@ TEST_F(LinuxSensorSource, OpensWhenConfiguredSoThatThePassOnlyReads) {
   EXPECT_EQ(calls.opens, 0);
 }
 
-TEST_F(LinuxSensorSource, LetsGoOfEverythingWhenNoSensorIsDemandedAnyMore) {
+TEST_F(LinuxSensorSourceTest, LetsGoOfEverythingWhenNoSensorIsDemandedAnyMore) {
   useMachine("raspberry-pi-4");
   (void)cpuTemperature();
   source->configure({MetricID::cpuUsage});
@@ -165,7 +165,7 @@ TEST_F(LinuxSensorSource, LetsGoOfEverythingWhenNoSensorIsDemandedAnyMore) {
   EXPECT_GT(calls.opens, 0);
 }
 
-TEST_F(LinuxSensorSource, SeesNewValuesInFilesThatItKeepsOpen) {
+TEST_F(LinuxSensorSourceTest, SeesNewValuesInFilesThatItKeepsOpen) {
   useMachine("raspberry-pi-4");
   EXPECT_EQ(cpuTemperature().value, 47.712);
   tree->write("hwmon/hwmon0/temp1_input", "51607\n");

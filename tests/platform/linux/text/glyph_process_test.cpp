@@ -15,7 +15,7 @@
 namespace vantora {
 namespace {
 
-const GlyphRequest request{true, 18 * 64, U"17%— \U0010FFFE"};
+const GlyphRequest percentRequest{true, 18 * 64, U"17%— \U0010FFFE"};
 
 /// A program that answers as `script`, a shell's, does.
 std::string program(const test::TemporaryFolder& folder, const std::string& script) {
@@ -28,7 +28,7 @@ std::string program(const test::TemporaryFolder& folder, const std::string& scri
 struct GlyphProcessTest : ::testing::Test {
   std::optional<GlyphAnswer> draw(GlyphProcess& process) {
     process.onFailure = [this](const std::string& message) { messages.push_back(message); };
-    return process.draw(request);
+    return process.draw(percentRequest);
   }
 
   test::VirtualTime time;
@@ -39,9 +39,9 @@ struct GlyphProcessTest : ::testing::Test {
 TEST_F(GlyphProcessTest, DrawsAsThisProcessWould) {
   GlyphProcess process(VANTORA_GLYPHS, time);
   FreetypeGlyphs here(lookUpFonts());
-  EXPECT_EQ(draw(process), here.draw(request));
+  EXPECT_EQ(draw(process), here.draw(percentRequest));
   // With the fonts that the first answer named.
-  EXPECT_EQ(draw(process), here.draw(request));
+  EXPECT_EQ(draw(process), here.draw(percentRequest));
   EXPECT_TRUE(messages.empty());
 }
 
@@ -53,9 +53,9 @@ TEST_F(GlyphProcessTest, SaysOnceWhatItLacksAndTriesAgainLater) {
                                   (folder / "glyphs").string() + " não respondeu");
   process.onFailure = nullptr;
   std::filesystem::create_symlink(VANTORA_GLYPHS, folder / "glyphs");
-  EXPECT_EQ(process.draw(request), std::nullopt);
+  EXPECT_EQ(process.draw(percentRequest), std::nullopt);
   time.advance(GlyphProcess::restAfterFailure);
-  EXPECT_NE(process.draw(request), std::nullopt);
+  EXPECT_NE(process.draw(percentRequest), std::nullopt);
 }
 
 TEST_F(GlyphProcessTest, TakesNothingFromAProgramThatAnswersSomethingElse) {

@@ -16,12 +16,11 @@
 #include "status/drawn_image.hpp"
 #include "status/status_modules.hpp"
 #include "status/status_renderer.hpp"
+#include "support/example_time.hpp"
 #include "support/live_memory.hpp"
 
 namespace vantora::test {
 namespace {
-
-const WallTime now = wallTimeFromUnix(1'700'000'000);
 
 class KeptPictureTest : public testing::Test {
  protected:
@@ -35,7 +34,7 @@ class KeptPictureTest : public testing::Test {
   }
 
   void set(MetricID metric, double value) {
-    snapshot_.samples.set(metric, MetricSample::valid(value, "fonte", now));
+    snapshot_.samples.set(metric, MetricSample::valid(value, "fonte", exampleTime));
   }
   void setReadings(double value) {
     for (const MetricID metric : configuration_.demand()) {
@@ -46,12 +45,12 @@ class KeptPictureTest : public testing::Test {
   /// The number of allocations.
   std::size_t tick() {
     const std::size_t before = allocations();
-    StatusModules::read(configuration_, snapshot_, now, readModules_);
+    StatusModules::read(configuration_, snapshot_, exampleTime, readModules_);
     StatusModules::sign(readModules_, readSignature_);
     if (signature_ != readSignature_) {
       signature_.swap(readSignature_);
       presentation_.modules.swap(readModules_);
-      StatusRenderer::layOut(configuration_, snapshot_, {24, now, engine_}, presentation_);
+      StatusRenderer::layOut(configuration_, snapshot_, {24, exampleTime, engine_}, presentation_);
     }
     for (const int scale : {1, 2}) {
       const AlphaBitmap& bitmap = kept(scale);

@@ -11,11 +11,10 @@
 #include "platform/linux/fonts/freetype_text_engine.hpp"
 #include "status/rasterise.hpp"
 #include "status/status_renderer.hpp"
+#include "support/example_time.hpp"
 
 namespace vantora::test {
 namespace {
-
-const WallTime now = wallTimeFromUnix(1'700'000'000);
 
 struct Scene {
   std::string name;
@@ -25,7 +24,7 @@ struct Scene {
 };
 
 void set(MetricSnapshot& snapshot, MetricID metric, double value) {
-  snapshot.samples.set(metric, MetricSample::valid(value, "fonte", now));
+  snapshot.samples.set(metric, MetricSample::valid(value, "fonte", exampleTime));
 }
 
 ModuleConfiguration module(MetricID top, MetricID bottom, double width = 34) {
@@ -96,12 +95,12 @@ void quotas(AppConfiguration& configuration, MetricSnapshot& snapshot) {
   };
   snapshot.codex.status = CodexQuotaStatus::stale;
   snapshot.codex.usedPercent = 12.97;
-  snapshot.codex.lastSuccess = now;
-  snapshot.codex.resetAt = now + std::chrono::minutes{14 * 60 + 59};
+  snapshot.codex.lastSuccess = exampleTime;
+  snapshot.codex.resetAt = exampleTime + std::chrono::minutes{14 * 60 + 59};
   snapshot.claude.status = ClaudeQuotaStatus::ready;
   snapshot.claude.weeklyUsed = 130;
   snapshot.claude.sessionUsed = 99.5;
-  snapshot.claude.lastSuccess = now;
+  snapshot.claude.lastSuccess = exampleTime;
 }
 
 void quotaWords(AppConfiguration& configuration, MetricSnapshot& snapshot) {
@@ -150,7 +149,7 @@ std::vector<StatusPicture> drawStatusPictures() {
     MetricSnapshot snapshot;
     scene.prepare(configuration, snapshot);
     const StatusPresentation presentation =
-        StatusRenderer::render(configuration, snapshot, {scene.thickness, now, engine});
+        StatusRenderer::render(configuration, snapshot, {scene.thickness, exampleTime, engine});
     for (const double scale : scene.scales) {
       pictures.push_back({fileName(scene, scale), rasterise(presentation.image, engine, scale)});
     }

@@ -11,7 +11,7 @@
 namespace vantora {
 namespace {
 
-constexpr int samplingTab = 2;
+using test::samplingTab;
 
 class LinkPickerTest : public test::WindowTest {
  protected:

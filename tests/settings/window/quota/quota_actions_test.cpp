@@ -10,7 +10,8 @@
 namespace vantora {
 namespace {
 
-enum Tab { codexTab = 3, claudeTab = 4 };
+using test::claudeTab;
+using test::codexTab;
 
 class QuotaActionsTest : public test::WindowTest {
  protected:

@@ -18,10 +18,9 @@
 namespace vantora {
 namespace {
 
+using test::codexTab;
 using testing::ElementsAre;
 using M = ModuleConfiguration;
-
-constexpr int codexTab = 3;
 
 class ReadingsTest : public test::WindowTest {
  protected:

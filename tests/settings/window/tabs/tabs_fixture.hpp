@@ -7,8 +7,6 @@
 
 namespace vantora::test {
 
-enum Tab { modulesTab, appearanceTab, samplingTab, codexTab, claudeTab, generalTab };
-
 /// The settings of a quota, which the configuration may lack.
 inline CodexQuotaSettings& codex(AppConfiguration& configuration) {
   if (!configuration.codexSettings) {
@@ -23,7 +21,7 @@ inline ClaudeQuotaSettings& claude(AppConfiguration& configuration) {
   return *configuration.claudeSettings;
 }
 
-/// The whole window, whose tabs are told apart by their places.
+/// The whole window, with buttons to click.
 class TabsFixture : public WindowTest {
  protected:
   void click(Tab tab, const char* name) {
