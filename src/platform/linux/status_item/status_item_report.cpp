@@ -75,7 +75,9 @@ void describeItem(const StatusItemFacts& facts, StatusItemReport& report) {
   switch (form) {
     case PictureForm::wide:
       report.formWhy = "este painel mantém a largura da imagem";
-      report.scale = "1 e 2 pixels por ponto, à escolha do painel";
+      report.scale = panel.drawsLargest
+                         ? "2 pixels por ponto; este painel adapta a maior imagem à tela"
+                         : "1 e 2 pixels por ponto, à escolha do painel";
       break;
     case PictureForm::label:
       report.formWhy = "este painel põe o ícone em um quadrado, mas mostra um texto ao lado";

@@ -28,6 +28,12 @@ TEST(StatusItemReport, NamesThePanelWithItsProgramFormAndReason) {
   EXPECT_EQ(report.formWhy, "este painel mantém a largura da imagem");
 }
 
+TEST(StatusItemReport, TellsWhichScalesAPanelIsOffered) {
+  EXPECT_EQ(describe(shownBy("mate-panel")).scale, "1 e 2 pixels por ponto, à escolha do painel");
+  EXPECT_EQ(describe(shownBy("waybar")).scale,
+            "2 pixels por ponto; este painel adapta a maior imagem à tela");
+}
+
 TEST(StatusItemReport, SaysWhyASquareIsShown) {
   EXPECT_EQ(describe(shownBy("plasmashell")).formWhy, "este painel põe todo item em um quadrado");
   const StatusItemReport unknown = describe(shownBy("ironbar"));
