@@ -20,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (plain.size() != text.size() || (strict && vantora::parseJson(plain) != strict)) {
     std::abort();
   }
-  (void)vantora::isVerticalWaybar(text);
+  (void)vantora::waybarLayout(text);
   const std::string_view half = text.substr(0, size / 2);
   if (vantora::waybarConfigurations(half, text.substr(size / 2)).empty()) {
     std::abort();

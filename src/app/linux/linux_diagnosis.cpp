@@ -99,7 +99,7 @@ class BusLook {
 
  private:
   [[nodiscard]] bool isPanelComplete() const {
-    return panel_.hasHost && (panel_.isVertical || panel_.panel->readsVertical == nullptr);
+    return panel_.hasHost && (panel_.layout || panel_.panel->readsLayout == nullptr);
   }
 
   void watcherChanged(const StatusNotifierWatcher::State& state) {
@@ -107,17 +107,22 @@ class BusLook {
     changed_();
   }
 
-  // How an agent's item would be shown. What only a docked window tells stays unknown.
+  // How an agent's item would be shown. What a docked window alone tells stays unknown, and so do
+  // the screens.
   [[nodiscard]] StatusItemReport expectedItem() const {
-    StatusItemFacts facts{
-        .watcher = panel_, .colorScheme = scheme_, .isVertical = panel_.isVertical.value_or(false)};
+    StatusItemFacts facts{.watcher = panel_,
+                          .colorScheme = scheme_,
+                          .isVertical = panel_.layout.value_or(PanelLayout()).isVertical};
     const bool usesTray = isSet("DISPLAY") && panel_.hasHost && panel_.panel->keepsTrayWindowWide;
     if (usesTray) {
       facts.tray = XEmbedWindow::State::docked;
     }
     StatusItemReport report = describe(facts);
-    if (usesTray) {
+    const bool dependsOnScreens = panel_.panel->drawsLargest && !facts.isVertical;
+    if (usesTray || dependsOnScreens) {
       report.scale.clear();
+    }
+    if (usesTray) {
       report.ink.clear();
       report.inkWhy.clear();
     }

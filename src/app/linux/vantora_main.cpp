@@ -26,6 +26,7 @@
 #include "platform/linux/desktop/startup_notification.hpp"
 #include "platform/linux/desktop/xdg_folders.hpp"
 #include "platform/linux/desktop/xdg_url_opener.hpp"
+#include "platform/linux/screens/screen_scales.hpp"
 #include "platform/linux/status_item/linux_status_item.hpp"
 #include "platform/linux/text/glyph_process.hpp"
 #include "platform/linux/text/glyph_text_engine.hpp"
@@ -187,6 +188,8 @@ int runAgent(LinuxApplication& application, LaunchTokens tokens) {
   LinuxStatusItem::Options itemOptions;
   itemOptions.fileWorker = &application.insides().fileWorker;
   itemOptions.onDecision = [&log](const std::string& line) { log.info(line); };
+  ScreenScales screens(loop.raw());
+  itemOptions.onScaleWanted = [&screens] { screens.follow(environmentText("WAYLAND_DISPLAY")); };
   LinuxStatusItem statusItem(bus, loop.queue(), textEngine, std::move(itemOptions),
                              [&notifier](StatusItemSituation situation) {
                                say(describe(situation));
@@ -194,6 +197,7 @@ int runAgent(LinuxApplication& application, LaunchTokens tokens) {
                                  notifyOfMissingPanel(notifier);
                                }
                              });
+  screens.onChange = [&statusItem](std::optional<int> scale) { statusItem.setScreenScale(scale); };
   if (const std::string display = environmentText("DISPLAY"); !display.empty()) {
     statusItem.useTray(displayThread, display, {menu, toolTip});
   }

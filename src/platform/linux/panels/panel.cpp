@@ -21,7 +21,7 @@ constexpr std::array<Panel, 7> panels{{
         .form = PictureForm::wide,
         .drawsLargest = true,
         .readsMarkup = true,
-        .readsVertical = readsVerticalWaybar,
+        .readsLayout = readWaybarLayout,
     },
     {
         .name = "MATE",

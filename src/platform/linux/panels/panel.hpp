@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -31,6 +32,14 @@ enum class ItemOrder : std::uint8_t {
   rightmost  ///< The rightmost comes first.
 };
 
+/// What the configuration of a panel's process says of how its items are shown.
+struct PanelLayout {
+  bool isVertical = false;
+  /// How high it draws an item's picture, in points; nothing where that is not said.
+  std::optional<int> iconHeight = {};
+  bool operator==(const PanelLayout&) const = default;
+};
+
 /// One row of the table. The defaults are what a panel that is not in it gets.
 struct Panel {
   std::string_view name;
@@ -43,18 +52,17 @@ struct Panel {
   /// Heights in pixels, beside 22 and 44, of which the panel draws an offered picture as it
   /// is when it has just that height itself; it stretches all others.
   std::span<const int> exactHeights{};
-  /// Of several pictures it draws the largest, whatever its screen's scale: it is offered that
-  /// alone.
+  /// Of several pictures it draws the largest, whatever its screen's scale: it is offered one
+  /// alone, for the scale of the session's screens.
   bool drawsLargest = false;
   bool hasToolTip = true;
   bool readsMarkup = false;         ///< Takes the tool tip's text for Pango markup.
   bool repeatsDescription = false;  ///< Puts the accessible description beneath the tool tip.
   bool isAlwaysDark = false;        ///< Whatever colours the desktop prefers.
   bool hasTrayToAsk = false;        ///< Its X11 tray says whether the panel is vertical.
-  /// Reads from the configuration of its process, whose folder in /proc it gets, whether the
-  /// panel is vertical: where no tray says it. May wait for a disk. Null where there is nothing
-  /// to read.
-  bool (*readsVertical)(const std::string& process) = nullptr;
+  /// Reads the configuration of its process, whose folder in /proc it gets: where no tray tells
+  /// what it says. May wait for a disk. Null where there is nothing to read.
+  PanelLayout (*readsLayout)(const std::string& process) = nullptr;
   bool keepsTrayWindowWide = false;  ///< A window in its X11 tray, though not the item.
 };
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 
 #include "model/json.hpp"
@@ -17,6 +18,7 @@ namespace fs = std::filesystem;
 
 // Larger than any configuration, command line or environment in practice.
 constexpr std::size_t maxFileSize = std::size_t{1024} * 1024;
+constexpr std::int64_t maxIconHeight = 1024;  // points
 
 /// The texts that zero bytes end.
 std::vector<std::string_view> texts(std::string_view bytes) {
@@ -54,11 +56,13 @@ std::optional<std::string_view> namedFile(const std::vector<std::string_view>& a
   return std::nullopt;
 }
 
+bool isTray(std::string_view name) {
+  return name == "tray" || name.starts_with("tray#");
+}
+
 bool holdsTray(const Json& modules) {
-  return std::ranges::any_of(modules, [](const Json& module) {
-    const std::string name = asText(module).value_or("");
-    return name == "tray" || name.starts_with("tray#");
-  });
+  return std::ranges::any_of(
+      modules, [](const Json& module) { return isTray(asText(module).value_or("")); });
 }
 
 /// Among its modules, or those of a group of modules.
@@ -75,16 +79,39 @@ bool isVertical(const Json& bar) {
   return position == "left" || position == "right";
 }
 
+/// Of all trays that the bar describes.
+std::optional<int> iconHeight(const Json& bar) {
+  std::optional<int> largest;
+  for (const auto& [key, value] : bar.members()) {
+    if (isTray(key)) {
+      const std::int64_t height = asInteger(value["icon-size"]).value_or(0);
+      if (height < 1 || height > maxIconHeight) {
+        return std::nullopt;
+      }
+      largest = std::max(largest.value_or(0), static_cast<int>(height));
+    }
+  }
+  return largest;
+}
+
 }  // namespace
 
-bool isVerticalWaybar(std::string_view configuration) {
+PanelLayout waybarLayout(std::string_view configuration) {
   const Json document = parseJson(plainJson(configuration)).value_or(Json());
   std::vector<Json> bars = document.isArray() ? document.elements() : std::vector{document};
   // Without a tray in sight it came with an included file, and may be any bar's.
   if (std::ranges::any_of(bars, hasTray)) {
     std::erase_if(bars, [](const Json& bar) { return !hasTray(bar); });
   }
-  return !bars.empty() && std::ranges::all_of(bars, isVertical);
+  PanelLayout layout{.isVertical = !bars.empty() && std::ranges::all_of(bars, isVertical)};
+  for (const Json& bar : bars) {
+    const std::optional<int> height = iconHeight(bar);
+    if (!height) {
+      return {.isVertical = layout.isVertical};
+    }
+    layout.iconHeight = std::max(layout.iconHeight.value_or(0), *height);
+  }
+  return layout;
 }
 
 std::vector<fs::path> waybarConfigurations(std::string_view commandLine,
@@ -110,23 +137,23 @@ std::vector<fs::path> waybarConfigurations(std::string_view commandLine,
   return files;
 }
 
-bool readsVerticalWaybar(const std::string& process) {
+PanelLayout readWaybarLayout(const std::string& process) {
   const auto read = [](const fs::path& path) { return FileIO::readFile(path, maxFileSize); };
   const auto commandLine = read(process + "/cmdline");
   const auto environment = read(process + "/environ");
   if (!commandLine || !environment) {
-    return false;
+    return {};
   }
   for (const fs::path& file : waybarConfigurations(*commandLine, *environment)) {
     const auto configuration = read(fs::path(process) / "cwd" / file);
     if (configuration) {
-      return isVerticalWaybar(*configuration);
+      return waybarLayout(*configuration);
     }
     if (configuration.fault().kind != Fault::Kind::absent) {
-      return false;
+      return {};
     }
   }
-  return false;
+  return {};
 }
 
 }  // namespace vantora

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Where a waybar stands. Its tray does not tell that; its configuration does (waybar(5)).
+// Where a waybar stands, and how high it draws icons. Its tray does not tell that; its
+// configuration does (waybar(5), waybar-tray(5)).
 #pragma once
 
 #include <filesystem>
@@ -8,13 +9,15 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/linux/panels/panel.hpp"
+
 namespace vantora {
 
-/// Whether the bar of this configuration stands at the left or the right of its screen; of
-/// several, every one that has a tray. False for what is no configuration. What a configuration
-/// includes from other files is not looked at, so that a position that stands there is missed.
-/// Pure.
-[[nodiscard]] bool isVerticalWaybar(std::string_view configuration);
+/// Vertical is a bar that stands at the left or the right of its screen; of several, every one
+/// that has a tray. The icons' height is the largest of their trays, and nothing where one of them
+/// does not say it. The defaults for what is no configuration. What a configuration includes from
+/// other files is not looked at, so that what stands there is missed. Pure.
+[[nodiscard]] PanelLayout waybarLayout(std::string_view configuration);
 
 /// The places in which a waybar looks for its configuration, in order: it takes the first file
 /// that exists. `commandLine` and `environment` are those of its process as the kernel has them
@@ -23,9 +26,9 @@ namespace vantora {
 [[nodiscard]] std::vector<std::filesystem::path> waybarConfigurations(std::string_view commandLine,
                                                                       std::string_view environment);
 
-/// isVerticalWaybar() of what the process has as its configuration now; `process` is its folder,
-/// "/proc/123". Reads regular files of at most 1 MiB, and may wait for a disk. False when they
-/// cannot be read.
-[[nodiscard]] bool readsVerticalWaybar(const std::string& process);
+/// waybarLayout() of what the process has as its configuration now; `process` is its folder,
+/// "/proc/123". Reads regular files of at most 1 MiB, and may wait for a disk. The defaults when
+/// they cannot be read.
+[[nodiscard]] PanelLayout readWaybarLayout(const std::string& process);
 
 }  // namespace vantora

@@ -14,11 +14,11 @@ constexpr double sideMargin = 3;
 constexpr double plateRadius = 5;
 // Pixels in a point. Both are offered: the panel takes what suits the screen that it is on now,
 // which may change while the item is shown.
-constexpr std::size_t maxScale = 2;
+constexpr int maxScale = 2;
 constexpr std::array<int, 4> markSides{16, 22, 32, 48};
 
 std::size_t scaleCount(const Panel& panel) {
-  return panel.drawsLargest ? 1 : maxScale;
+  return panel.drawsLargest ? 1 : std::size_t{maxScale};
 }
 
 }  // namespace
@@ -26,6 +26,7 @@ std::size_t scaleCount(const Panel& panel) {
 void ItemPictures::setPanel(const Panel& panel) {
   panel_ = &panel;
   isVertical_ = false;
+  onlyScale_ = maxScale;
   drawn_.clear();
   takeContent();
 }
@@ -38,6 +39,15 @@ bool ItemPictures::setVertical(bool isVertical) {
   drawn_.clear();
   takeContent();
   return true;
+}
+
+bool ItemPictures::setOnlyScale(int scale) {
+  if (scale == onlyScale_) {
+    return false;
+  }
+  onlyScale_ = scale;
+  drawn_.clear();
+  return panel_->drawsLargest && form() == PictureForm::wide;
 }
 
 bool ItemPictures::setSquareModule(const std::optional<UUID>& module) {
@@ -106,7 +116,7 @@ StatusNotifierContent::Picture ItemPictures::picture(std::size_t index) {
       const std::size_t scales = scaleCount(*panel_);
       double scale = 1;
       if (index < scales) {
-        scale = static_cast<double>(maxScale - scales + index + 1);
+        scale = panel_->drawsLargest ? onlyScale_ : static_cast<double>(index + 1);
       } else {
         frame.height = panel_->exactHeights[index - scales];
         frame.bottom = centredFrame(image, frame.width, frame.height).bottom;

@@ -37,6 +37,9 @@ class ItemPictures {
   void setPanel(const Panel& panel);
   /// Returns whether that is new.
   bool setVertical(bool isVertical);
+  /// Pixels in a point, 1 or 2 (at first), for a panel that is offered one picture alone. Returns
+  /// whether the icon is another one now.
+  bool setOnlyScale(int scale);
   /// Which module a square shows; nothing leaves it to the item. Returns whether the icon is
   /// another one now.
   bool setSquareModule(const std::optional<UUID>& module);
@@ -45,6 +48,7 @@ class ItemPictures {
   [[nodiscard]] const StatusPresentation& presentation() const { return presentation_; }
   [[nodiscard]] PictureForm form() const;
   [[nodiscard]] bool isVertical() const { return isVertical_; }
+  [[nodiscard]] int onlyScale() const { return onlyScale_; }
   /// Of the whole picture with its margins, in points.
   [[nodiscard]] double length() const;
   /// The readings as one line; empty where the form has no label.
@@ -62,6 +66,7 @@ class ItemPictures {
   const Panel* panel_;
   TextEngine& engine_;
   bool isVertical_ = false;  // the panel, as far as it lets itself be asked
+  int onlyScale_ = 2;        // pixels in a point, where one picture is offered alone
   StatusPresentation presentation_;
   std::optional<UUID> squareModule_;
   SquareContent square_;  // of the square form; empty otherwise

@@ -8,8 +8,15 @@ namespace {
 
 // Panels are 24 points high by default; the picture takes 22 of them.
 constexpr double barThickness = 24;
+// The picture's height in points.
+constexpr int pictureHeight = 22;
 // How long after its watcher a panel's tray may come.
 constexpr Seconds trayTimeout{2};
+
+/// Whether the panel is known to draw the picture no larger than it is offered at its own scale.
+bool drawsAsOffered(const PanelLayout& layout) {
+  return layout.iconHeight.value_or(pictureHeight + 1) <= pictureHeight;
+}
 
 }  // namespace
 
@@ -94,14 +101,14 @@ void LinuxStatusItem::colorSchemeChanged(ColorScheme scheme) {
 void LinuxStatusItem::watcherChanged(const StatusNotifierWatcher::State& state) {
   const bool isNewPanel = state.panel != watcherState_.panel;
   const bool isNewBus = state.hasBus && !watcherState_.hasBus;
-  const bool isTurned = state.isVertical != watcherState_.isVertical;
+  const bool isNewLayout = state.layout != watcherState_.layout;
   watcherState_ = state;
   if (isNewPanel) {
     pictures_.setPanel(panel());
     item_.setHasLabel(panel().form == PictureForm::label);
   }
-  if (isTurned) {
-    orientationChanged(state.isVertical.value_or(false));
+  if (isNewLayout) {
+    layoutChanged();
   }
   if (!state.isPresent) {
     isTrayTooNarrow_ = false;
@@ -247,6 +254,29 @@ void LinuxStatusItem::watchTray() {
   }
 }
 
+void LinuxStatusItem::layoutChanged() {
+  const PanelLayout layout = watcherState_.layout.value_or(PanelLayout());
+  orientationChanged(layout.isVertical);
+  if (drawsAsOffered(layout) && panel().drawsLargest && options_.onScaleWanted != nullptr) {
+    options_.onScaleWanted();
+  }
+  chooseScale();
+}
+
+void LinuxStatusItem::setScreenScale(std::optional<int> scale) {
+  screenScale_ = scale;
+  chooseScale();
+}
+
+// A panel that enlarges the picture, or may do so, does better with the larger one.
+void LinuxStatusItem::chooseScale() {
+  const bool isSmallEnough =
+      screenScale_ == 1 && drawsAsOffered(watcherState_.layout.value_or(PanelLayout()));
+  if (pictures_.setOnlyScale(isSmallEnough ? 1 : 2) && isRegistered()) {
+    item_.announceIcon();
+  }
+}
+
 void LinuxStatusItem::orientationChanged(bool isVertical) {
   if (!pictures_.setVertical(isVertical)) {
     return;
@@ -265,6 +295,7 @@ StatusItemFacts LinuxStatusItem::facts() const {
   StatusItemFacts found{.watcher = watcherState_,
                         .colorScheme = colorScheme_,
                         .isVertical = pictures_.isVertical(),
+                        .onlyScale = pictures_.onlyScale(),
                         .isTrayTooNarrow = isTrayTooNarrow_,
                         .isRowOfModules = modules_ != nullptr};
   if (tray_ != nullptr) {

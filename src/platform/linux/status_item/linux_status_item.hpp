@@ -43,6 +43,9 @@ class LinuxStatusItem final : public StatusItem,
     Seconds hostTimeout{5};
     /// Gets a line of Portuguese whenever the item is shown elsewhere or otherwise.
     std::function<void(const std::string& line)> onDecision;
+    /// The panel is offered the picture for one scale alone, and setScreenScale() would choose it.
+    /// May come again.
+    std::function<void()> onScaleWanted;
   };
 
   using TrayPopups = TrayPointer::Popups;
@@ -63,6 +66,9 @@ class LinuxStatusItem final : public StatusItem,
 
   /// Which module a square shows where the panel keeps only one; nothing leaves it to the item.
   void setSquareModule(const std::optional<UUID>& module);
+
+  /// The largest scale of the session's screens; nothing while it is not known.
+  void setScreenScale(std::optional<int> scale);
 
   /// `onSquare` gets whether the panel keeps one square of the picture: now, and whenever that
   /// has changed.
@@ -99,7 +105,9 @@ class LinuxStatusItem final : public StatusItem,
   void reportSquare();
   [[nodiscard]] StatusItemFacts facts() const;
   [[nodiscard]] const Panel& panel() const { return *watcherState_.panel; }
+  void layoutChanged();
   void orientationChanged(bool isVertical);
+  void chooseScale();
   void putUpModules();
 
   BusConnection& connection_;
@@ -112,6 +120,7 @@ class LinuxStatusItem final : public StatusItem,
   StatusNotifierWatcher::State watcherState_;
   ItemPictures pictures_;
   ColorScheme colorScheme_ = ColorScheme::noPreference;
+  std::optional<int> screenScale_;
   std::optional<StatusItemSituation> reported_;
   std::string explained_;
   std::function<void(bool)> onSquare_;

@@ -13,6 +13,11 @@ std::string pixelsForAPoint(int scale) {
   return std::to_string(scale) + (scale == 1 ? " pixel por ponto" : " pixels por ponto");
 }
 
+std::string onlyScale(int scale) {
+  return pixelsForAPoint(scale) + (scale == 1 ? ", como em todas as telas da sessão"
+                                              : "; este painel adapta a maior imagem à tela");
+}
+
 const char* name(Ink ink) {
   switch (ink) {
     case Ink::light:
@@ -75,9 +80,8 @@ void describeItem(const StatusItemFacts& facts, StatusItemReport& report) {
   switch (form) {
     case PictureForm::wide:
       report.formWhy = "este painel mantém a largura da imagem";
-      report.scale = panel.drawsLargest
-                         ? "2 pixels por ponto; este painel adapta a maior imagem à tela"
-                         : "1 e 2 pixels por ponto, à escolha do painel";
+      report.scale = panel.drawsLargest ? onlyScale(facts.onlyScale)
+                                        : "1 e 2 pixels por ponto, à escolha do painel";
       break;
     case PictureForm::label:
       report.formWhy = "este painel põe o ícone em um quadrado, mas mostra um texto ao lado";

@@ -18,6 +18,7 @@ struct StatusItemFacts {
   StatusNotifierWatcher::State watcher;
   ColorScheme colorScheme = ColorScheme::noPreference;
   bool isVertical = false;       ///< The panel is a column.
+  int onlyScale = 2;             ///< Pixels in a point, where one picture is offered alone.
   bool isTrayTooNarrow = false;  ///< The panel's tray gave too little width, and was left.
   bool isRowOfModules = false;   ///< Each module is an item of its own.
   /// Nothing where there is no display, or it is not to be used.

@@ -150,27 +150,27 @@ void StatusNotifierWatcher::onProcess(sd_bus_message* reply) {
     state.panel = &panelOf(state.program);
   }
   setState(state);
-  readOrientation(process);
+  readLayout(process);
   registerItem();
   askForHost();
 }
 
 // The item does not wait for it: a disk that hangs costs the form and not the item. Commonly it is
 // known before the panel has asked for a picture.
-void StatusNotifierWatcher::readOrientation(const std::string& process) {
-  const auto read = state_.panel->readsVertical;
+void StatusNotifierWatcher::readLayout(const std::string& process) {
+  const auto read = state_.panel->readsLayout;
   if (read == nullptr || processes_.worker == nullptr) {
     return;
   }
   reading_ = std::make_shared<bool>(true);
-  const auto answer = std::make_shared<bool>(false);
+  const auto answer = std::make_shared<PanelLayout>();
   processes_.worker->run([answer, read, process] { *answer = read(process); },
                          [this, answer, reading = std::weak_ptr(reading_)] {
                            // Not when the panel, or this object, has gone meanwhile.
                            if (!reading.expired()) {
                              reading_.reset();
                              State state = state_;
-                             state.isVertical = *answer;
+                             state.layout = *answer;
                              setState(state);
                            }
                          });

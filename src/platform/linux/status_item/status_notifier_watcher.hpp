@@ -28,9 +28,9 @@ class StatusNotifierWatcher final : public BusConnection::Listener {
     const Panel* panel = &unknownPanel();  ///< Never null.
     /// The name of the watcher's process; empty while there is none, or it cannot be found out.
     std::string program = {};
-    /// Whether the panel's configuration makes it a column. Nothing where there is none to read
-    /// (Panel::readsVertical), and until it has been read.
-    std::optional<bool> isVertical = {};
+    /// What the panel's configuration says. Nothing where there is none to read
+    /// (Panel::readsLayout), and until it has been read.
+    std::optional<PanelLayout> layout = {};
     bool operator==(const State&) const = default;
   };
 
@@ -78,7 +78,7 @@ class StatusNotifierWatcher final : public BusConnection::Listener {
   void registerItem();
   void registerLater();
   void askForHost();
-  void readOrientation(const std::string& process);
+  void readLayout(const std::string& process);
   void setState(const State& state);
 
   BusConnection& connection_;

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -21,16 +22,20 @@ using testing::ElementsAre;
 
 namespace fs = std::filesystem;
 
+bool isVertical(std::string_view configuration) {
+  return waybarLayout(configuration).isVertical;
+}
+
 TEST(WaybarConfiguration, IsVerticalWhereTheBarStandsAtASide) {
-  EXPECT_TRUE(isVerticalWaybar(R"({"position": "left", "modules-right": ["tray"]})"));
-  EXPECT_TRUE(isVerticalWaybar(R"({"position": "right", "modules-left": ["clock", "tray"]})"));
-  EXPECT_FALSE(isVerticalWaybar(R"({"position": "top", "modules-right": ["tray"]})"));
-  EXPECT_FALSE(isVerticalWaybar(R"({"position": "bottom", "modules-right": ["tray"]})"));
-  EXPECT_FALSE(isVerticalWaybar(R"({"modules-right": ["tray"]})"));
+  EXPECT_TRUE(isVertical(R"({"position": "left", "modules-right": ["tray"]})"));
+  EXPECT_TRUE(isVertical(R"({"position": "right", "modules-left": ["clock", "tray"]})"));
+  EXPECT_FALSE(isVertical(R"({"position": "top", "modules-right": ["tray"]})"));
+  EXPECT_FALSE(isVertical(R"({"position": "bottom", "modules-right": ["tray"]})"));
+  EXPECT_FALSE(isVertical(R"({"modules-right": ["tray"]})"));
 }
 
 TEST(WaybarConfiguration, IsReadAsPeopleWriteIt) {
-  EXPECT_TRUE(isVerticalWaybar(R"(// -*- mode: jsonc -*-
+  EXPECT_TRUE(isVertical(R"(// -*- mode: jsonc -*-
 {
     // "position": "top",
     "position": "left", /* a column */
@@ -39,37 +44,63 @@ TEST(WaybarConfiguration, IsReadAsPeopleWriteIt) {
 }
 
 TEST(WaybarConfiguration, CountsOnlyBarsWithATray) {
-  EXPECT_TRUE(isVerticalWaybar(R"([{"position": "top", "modules-left": ["clock"]},
+  EXPECT_TRUE(isVertical(R"([{"position": "top", "modules-left": ["clock"]},
                                    {"position": "left", "modules-left": ["tray"]}])"));
-  EXPECT_FALSE(isVerticalWaybar(R"([{"position": "left", "modules-left": ["clock"]},
+  EXPECT_FALSE(isVertical(R"([{"position": "left", "modules-left": ["clock"]},
                                     {"position": "top", "modules-left": ["tray"]}])"));
 }
 
 TEST(WaybarConfiguration, IsHorizontalWhereOneOfSeveralBarsWithATrayIs) {
-  EXPECT_FALSE(isVerticalWaybar(R"([{"position": "top", "modules-left": ["tray"]},
+  EXPECT_FALSE(isVertical(R"([{"position": "top", "modules-left": ["tray"]},
                                     {"position": "left", "modules-left": ["tray"]}])"));
-  EXPECT_TRUE(isVerticalWaybar(R"([{"position": "right", "modules-left": ["tray"]},
+  EXPECT_TRUE(isVertical(R"([{"position": "right", "modules-left": ["tray"]},
                                    {"position": "left", "modules-left": ["tray"]}])"));
 }
 
 TEST(WaybarConfiguration, FindsATrayThatHasANameOrStandsInAGroup) {
   for (const char* tray : {R"("modules-left": ["tray#second"])",
                            R"("modules-left": ["group/g"], "group/g": {"modules": ["tray"]})"}) {
-    EXPECT_FALSE(isVerticalWaybar(R"([{"position": "left", "modules-left": ["tray"]},{)" +
-                                  std::string(tray) + "}]"))
+    EXPECT_FALSE(isVertical(R"([{"position": "left", "modules-left": ["tray"]},{)" +
+                            std::string(tray) + "}]"))
         << tray;
   }
 }
 
 TEST(WaybarConfiguration, CountsEveryBarWhereNoneShowsItsTray) {
-  EXPECT_TRUE(isVerticalWaybar(R"({"position": "left", "include": ["modules.json"]})"));
-  EXPECT_FALSE(isVerticalWaybar(R"([{"position": "left"}, {"position": "top"}])"));
+  EXPECT_TRUE(isVertical(R"({"position": "left", "include": ["modules.json"]})"));
+  EXPECT_FALSE(isVertical(R"([{"position": "left"}, {"position": "top"}])"));
 }
 
 TEST(WaybarConfiguration, IsHorizontalWhereNothingCanBeRead) {
   for (const char* text : {"", "left", "[]", "[[]]", "[1, null]", "{\"position\": [\"left\"]}",
                            "{\"position\": \"left\"", "\xff"}) {
-    EXPECT_FALSE(isVerticalWaybar(text)) << text;
+    EXPECT_FALSE(isVertical(text)) << text;
+  }
+}
+
+std::optional<int> iconHeight(std::string_view configuration) {
+  return waybarLayout(configuration).iconHeight;
+}
+
+TEST(WaybarConfiguration, SaysHowHighTheTraysIconsAre) {
+  EXPECT_EQ(iconHeight(R"({"modules-right": ["tray"], "tray": {"icon-size": 22}})"), 22);
+  EXPECT_EQ(iconHeight(R"({"modules-right": ["tray#a"], "tray#a": {"icon-size": 30}})"), 30);
+  EXPECT_EQ(iconHeight(R"([{"modules-right": ["tray"], "tray": {"icon-size": 22}},
+                           {"modules-right": ["tray"], "tray": {"icon-size": 28}},
+                           {"modules-right": ["clock"]}])"),
+            28);
+}
+
+TEST(WaybarConfiguration, SaysNoHeightWhereATrayDoesNotSayIt) {
+  for (const char* text :
+       {"", R"({"modules-right": ["tray"]})", R"({"modules-right": ["tray"], "tray": {}})",
+        R"({"modules-right": ["tray"], "tray": {"icon-size": "22"}})",
+        R"({"modules-right": ["tray"], "tray": {"icon-size": 0}})",
+        R"({"modules-right": ["tray"], "tray": {"icon-size": 4294967318}})",
+        R"({"modules-right": ["tray"], "tray": {"icon-size": 22}, "tray#b": {}})",
+        R"([{"modules-right": ["tray"], "tray": {"icon-size": 22}},
+            {"modules-right": ["tray"], "include": ["tray.json"]}])"}) {
+    EXPECT_EQ(iconHeight(text), std::nullopt) << text;
   }
 }
 
@@ -107,7 +138,7 @@ class WaybarProcess : public testing::Test {
   [[nodiscard]] fs::path home() const { return folder_ / "home"; }
   // As code asks: the row.
   [[nodiscard]] bool isVertical() const {
-    return panelOf("waybar").readsVertical(process_.string());
+    return panelOf("waybar").readsLayout(process_.string()).isVertical;
   }
 
   static constexpr std::string_view column = R"({"position": "left"})";
@@ -155,7 +186,7 @@ TEST_F(WaybarProcess, IsHorizontalWhereTheProcessCannotBeSeen) {
 
 TEST(WaybarConfiguration, IsTheOnlyOneOfAPanelThatIsRead) {
   for (const Panel& panel : knownPanels()) {
-    EXPECT_EQ(panel.readsVertical != nullptr, panel.name == "waybar") << panel.name;
+    EXPECT_EQ(panel.readsLayout != nullptr, panel.name == "waybar") << panel.name;
   }
 }
 

@@ -64,6 +64,56 @@ TEST_F(LinuxStatusItemTest, IsASquareInAPanelWhoseConfigurationMakesItAColumn) {
   EXPECT_EQ(squares, (std::vector{false, true})) << "the user may choose its module";
 }
 
+TEST_F(LinuxStatusItemTest, FollowsTheScreensScaleWhereThePictureIsNotEnlarged) {
+  test::VirtualWorker worker(*queue_);
+  options_.fileWorker = &worker;
+  int wanted = 0;
+  options_.onScaleWanted = [&wanted] { ++wanted; };
+  startPanel("waybar");
+  test::nameWaybarFile(options_.processRoot,
+                       R"({"modules-right": ["tray"], "tray": {"icon-size": 22}})");
+  startItem();
+  item_->show(examplePresentation("12%"));
+  ASSERT_TRUE(untilShown());
+  ASSERT_TRUE(untilRegistered());
+  time_.runPosted();
+  EXPECT_EQ(wanted, 1);
+  EXPECT_EQ(ask().pixmaps.front().height, 44) << "until the scale is known";
+  item_->setScreenScale(1);
+  const ItemProperties properties = ask();
+  EXPECT_EQ(panel_->signals(), Strings{"NewIcon"});
+  ASSERT_EQ(properties.pixmaps.size(), 1U);
+  EXPECT_EQ(properties.pixmaps.front().height, 22);
+  EXPECT_EQ(item_->report().scale, "1 pixel por ponto, como em todas as telas da sessão");
+  item_->setScreenScale(2);
+  EXPECT_EQ(ask().pixmaps.front().height, 44);
+  item_->setScreenScale(1);
+  item_->setScreenScale(std::nullopt);
+  EXPECT_EQ(ask().pixmaps.front().height, 44) << "the compositor is gone";
+}
+
+TEST_F(LinuxStatusItemTest, KeepsTheLargerPictureWhereItMayBeEnlarged) {
+  test::VirtualWorker worker(*queue_);
+  options_.fileWorker = &worker;
+  int wanted = 0;
+  options_.onScaleWanted = [&wanted] { ++wanted; };
+  for (const char* tray : {"", R"(, "tray": {"icon-size": 23})"}) {
+    startPanel("waybar");
+    test::nameWaybarFile(options_.processRoot,
+                         R"({"modules-right": ["tray"])" + std::string(tray) + "}");
+    startItem();
+    item_->show(examplePresentation("12%"));
+    ASSERT_TRUE(untilShown());
+    ASSERT_TRUE(untilRegistered());
+    time_.runPosted();
+    item_->setScreenScale(1);
+    EXPECT_EQ(ask().pixmaps.front().height, 44) << tray;
+    item_.reset();
+    panel_.reset();
+  }
+  EXPECT_EQ(wanted, 0);
+}
+
 TEST_F(LinuxStatusItemTest, SaysWhatItIs) {
   ASSERT_TRUE(showOn("waybar"));
   const ItemProperties properties = ask();

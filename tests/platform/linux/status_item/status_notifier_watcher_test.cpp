@@ -119,11 +119,11 @@ TEST_F(StatusNotifierWatcherTest, ReadsWhetherThePanelIsVerticalAndDoesNotWaitFo
   startWatcher();
   ASSERT_TRUE(untilRegistered());
   ASSERT_TRUE(untilHost());
-  EXPECT_EQ(states_.back().isVertical, std::nullopt);
+  EXPECT_EQ(states_.back().layout, std::nullopt);
   const std::size_t before = states_.size();
   worker_.resume();
   time_.runPosted();
-  EXPECT_EQ(states_.back().isVertical, true);
+  EXPECT_EQ(states_.back().layout, PanelLayout{.isVertical = true});
   EXPECT_EQ(states_.size(), before + 1);
   EXPECT_EQ(time_.pendingCount(), 0U);
 }
@@ -133,7 +133,7 @@ TEST_F(StatusNotifierWatcherTest, SaysThatAPanelIsNotVertical) {
   startWatcher();
   ASSERT_TRUE(untilHost());
   time_.runPosted();
-  EXPECT_EQ(states_.back().isVertical, false);
+  EXPECT_EQ(states_.back().layout, PanelLayout{});
 }
 
 TEST_F(StatusNotifierWatcherTest, ReadsAnewWhenThePanelComesBack) {
@@ -141,14 +141,14 @@ TEST_F(StatusNotifierWatcherTest, ReadsAnewWhenThePanelComesBack) {
   startWatcher();
   ASSERT_TRUE(untilHost());
   time_.runPosted();
-  ASSERT_EQ(states_.back().isVertical, true);
+  ASSERT_EQ(states_.back().layout, PanelLayout{.isVertical = true});
   panel_.reset();
   ASSERT_TRUE(until([this] { return !states_.back().isPresent; }));
-  EXPECT_EQ(states_.back().isVertical, std::nullopt);
+  EXPECT_EQ(states_.back().layout, std::nullopt);
   startWaybar("{}");
   ASSERT_TRUE(untilHost());
   time_.runPosted();
-  EXPECT_EQ(states_.back().isVertical, false);
+  EXPECT_EQ(states_.back().layout, PanelLayout{});
 }
 
 TEST_F(StatusNotifierWatcherTest, DropsWhatItReadsOfAPanelThatHasGone) {
@@ -160,7 +160,7 @@ TEST_F(StatusNotifierWatcherTest, DropsWhatItReadsOfAPanelThatHasGone) {
   ASSERT_TRUE(until([this] { return !states_.back().isPresent; }));
   worker_.resume();
   time_.runPosted();
-  EXPECT_EQ(states_.back().isVertical, std::nullopt);
+  EXPECT_EQ(states_.back().layout, std::nullopt);
 }
 
 TEST_F(StatusNotifierWatcherTest, MayEndWhileItReads) {
