@@ -228,6 +228,8 @@ void UvChildProcessLauncher::Child::terminate() {
   } else if (isGroupLeft && isGroupAlive()) {
     signalGroup(SIGTERM);
     watchGroup();
+  } else {
+    guard.dismiss();
   }
 }
 
@@ -242,6 +244,7 @@ void UvChildProcessLauncher::Child::watchGroup() {
       }
       signalGroup(SIGKILL);
     }
+    guard.dismiss();
     escalation.reset();
     leaveWhenDone();
   });

@@ -172,6 +172,26 @@ TEST_F(UvChildProcessTest, KillsAGrandchildThatIgnoresTerminationAfterTheGrace) 
   EXPECT_EQ(time.pendingCount(), 0U);
 }
 
+// The group's number may be another's by then, which the guard must not terminate.
+TEST_F(UvChildProcessTest, KeepsNoGuardOfAGroupThatWasKilledThoughItsOwnerKeepsTheChild) {
+  const auto child = start("wrap", {"stubborn"});
+  runUntilGrandchild();
+  child->terminate();
+  runUntilNoChildIsLeft();
+  processes.runUntilBackTo(before, [this] { time.advance(RealProcesses::turn); });
+}
+
+TEST_F(UvChildProcessTest, KeepsNoGuardOfAGroupThatEndedBeforeTheChildIsTerminated) {
+  const auto child = start("leave-a-grandchild");
+  const int grandchild = runUntilGrandchild();
+  runUntil([this] { return lastExit.has_value(); });
+  kill(grandchild, SIGKILL);
+  runUntil([&] { return !isRunning(grandchild); });
+  child->terminate();
+  // It may still have to be reaped.
+  processes.runUntilBackTo(before, [this] { time.advance(RealProcesses::turn); });
+}
+
 TEST_F(UvChildProcessTest, DrainsErrorOutputWithoutAListener) {
   const auto child = start("huge-error");
   runUntilReady();
