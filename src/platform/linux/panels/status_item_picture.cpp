@@ -120,12 +120,11 @@ void put(std::uint8_t* pixel, const Pixel& value) {
 
 // Most of a picture has no ink, so that it is put by whole runs.
 void putPlainPlate(std::span<const std::uint8_t> inks, std::uint8_t* pixel) {
-  using Run = std::uint64_t;  // of inks, one byte each
-  constexpr auto barePair = std::bit_cast<Run>(std::array{plainPlate[0], plainPlate[0]});
+  constexpr auto barePair = std::bit_cast<std::uint64_t>(std::array{plainPlate[0], plainPlate[0]});
   const std::uint8_t* ink = inks.data();
   const std::uint8_t* const end = ink + inks.size();
   while (ink != end) {
-    Run together = 1;
+    std::uint64_t together = 1;  // the inks of a run
     if (static_cast<std::size_t>(end - ink) >= sizeof together) {
       std::memcpy(&together, ink, sizeof together);
     }

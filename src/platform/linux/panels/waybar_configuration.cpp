@@ -79,19 +79,29 @@ bool isVertical(const Json& bar) {
   return position == "left" || position == "right";
 }
 
+using IconHeight = std::optional<int>;
+
+IconHeight iconHeightOf(const Json& tray) {
+  const std::int64_t height = asInteger(tray["icon-size"]).value_or(0);
+  return height < 1 || height > maxIconHeight ? std::nullopt : IconHeight(static_cast<int>(height));
+}
+
+/// Nothing where one of them is not known, or there is none.
+IconHeight largest(const std::vector<IconHeight>& heights) {
+  // Nothing is less than any height.
+  const bool areKnown = !heights.empty() && std::ranges::min(heights);
+  return areKnown ? std::ranges::max(heights) : std::nullopt;
+}
+
 /// Of all trays that the bar describes.
-std::optional<int> iconHeight(const Json& bar) {
-  std::optional<int> largest;
+IconHeight iconHeight(const Json& bar) {
+  std::vector<IconHeight> heights;
   for (const auto& [key, value] : bar.members()) {
     if (isTray(key)) {
-      const std::int64_t height = asInteger(value["icon-size"]).value_or(0);
-      if (height < 1 || height > maxIconHeight) {
-        return std::nullopt;
-      }
-      largest = std::max(largest.value_or(0), static_cast<int>(height));
+      heights.push_back(iconHeightOf(value));
     }
   }
-  return largest;
+  return largest(heights);
 }
 
 }  // namespace
@@ -103,15 +113,10 @@ PanelLayout waybarLayout(std::string_view configuration) {
   if (std::ranges::any_of(bars, hasTray)) {
     std::erase_if(bars, [](const Json& bar) { return !hasTray(bar); });
   }
-  PanelLayout layout{.isVertical = !bars.empty() && std::ranges::all_of(bars, isVertical)};
-  for (const Json& bar : bars) {
-    const std::optional<int> height = iconHeight(bar);
-    if (!height) {
-      return {.isVertical = layout.isVertical};
-    }
-    layout.iconHeight = std::max(layout.iconHeight.value_or(0), *height);
-  }
-  return layout;
+  std::vector<IconHeight> heights(bars.size());
+  std::ranges::transform(bars, heights.begin(), iconHeight);
+  return {.isVertical = !bars.empty() && std::ranges::all_of(bars, isVertical),
+          .iconHeight = largest(heights)};
 }
 
 std::vector<fs::path> waybarConfigurations(std::string_view commandLine,

@@ -46,7 +46,6 @@ bool ItemPictures::setOnlyScale(int scale) {
     return false;
   }
   onlyScale_ = scale;
-  drawn_.clear();
   return panel_->drawsLargest && form() == PictureForm::wide;
 }
 
