@@ -9,9 +9,7 @@
 
 #include "platform/linux/status_item/example_presentation.hpp"
 #include "platform/linux/status_item/status_item_stage.hpp"
-#include "platform/linux/status_item/waybar_file.hpp"
 #include "status/rasterise.hpp"
-#include "support/virtual_worker.hpp"
 
 namespace vantora {
 namespace {
@@ -43,75 +41,6 @@ TEST_F(LinuxStatusItemTest, RegistersUnderItsOwnNameWithAPanelThatIsThere) {
   EXPECT_EQ(panel_->items().front(),
             "org.kde.StatusNotifierItem-" + std::to_string(::getpid()) + "-1");
   EXPECT_TRUE(untilShown());
-}
-
-TEST_F(LinuxStatusItemTest, IsASquareInAPanelWhoseConfigurationMakesItAColumn) {
-  test::VirtualWorker worker(*queue_);
-  options_.fileWorker = &worker;
-  startPanel("waybar");
-  test::nameWaybarFile(options_.processRoot, R"({"position": "right"})");
-  startItem();
-  std::vector<bool> squares;
-  item_->setSquareListener([&squares](bool keepsSquare) { squares.push_back(keepsSquare); });
-  item_->show(examplePresentation("12%"));
-  ASSERT_TRUE(untilShown());
-  ASSERT_TRUE(untilRegistered());
-  EXPECT_GT(ask().pixmaps.front().width, ask().pixmaps.front().height);
-  time_.runPosted();
-  EXPECT_EQ(ask().pixmaps.front().width, ask().pixmaps.front().height);
-  EXPECT_EQ(panel_->signals(), Strings{"NewIcon"});
-  EXPECT_EQ(item_->report().formWhy, "o painel é vertical: não há largura para a imagem");
-  EXPECT_EQ(squares, (std::vector{false, true})) << "the user may choose its module";
-}
-
-TEST_F(LinuxStatusItemTest, FollowsTheScreensScaleWhereThePictureIsNotEnlarged) {
-  test::VirtualWorker worker(*queue_);
-  options_.fileWorker = &worker;
-  int wanted = 0;
-  options_.onScaleWanted = [&wanted] { ++wanted; };
-  startPanel("waybar");
-  test::nameWaybarFile(options_.processRoot,
-                       R"({"modules-right": ["tray"], "tray": {"icon-size": 22}})");
-  startItem();
-  item_->show(examplePresentation("12%"));
-  ASSERT_TRUE(untilShown());
-  ASSERT_TRUE(untilRegistered());
-  time_.runPosted();
-  EXPECT_EQ(wanted, 1);
-  EXPECT_EQ(ask().pixmaps.front().height, 44) << "until the scale is known";
-  item_->setScreenScale(1);
-  const ItemProperties properties = ask();
-  EXPECT_EQ(panel_->signals(), Strings{"NewIcon"});
-  ASSERT_EQ(properties.pixmaps.size(), 1U);
-  EXPECT_EQ(properties.pixmaps.front().height, 22);
-  EXPECT_EQ(item_->report().scale, "1 pixel por ponto, como em todas as telas da sessão");
-  item_->setScreenScale(2);
-  EXPECT_EQ(ask().pixmaps.front().height, 44);
-  item_->setScreenScale(1);
-  item_->setScreenScale(std::nullopt);
-  EXPECT_EQ(ask().pixmaps.front().height, 44) << "the compositor is gone";
-}
-
-TEST_F(LinuxStatusItemTest, KeepsTheLargerPictureWhereItMayBeEnlarged) {
-  test::VirtualWorker worker(*queue_);
-  options_.fileWorker = &worker;
-  int wanted = 0;
-  options_.onScaleWanted = [&wanted] { ++wanted; };
-  for (const char* tray : {"", R"(, "tray": {"icon-size": 23})"}) {
-    startPanel("waybar");
-    test::nameWaybarFile(options_.processRoot,
-                         R"({"modules-right": ["tray"])" + std::string(tray) + "}");
-    startItem();
-    item_->show(examplePresentation("12%"));
-    ASSERT_TRUE(untilShown());
-    ASSERT_TRUE(untilRegistered());
-    time_.runPosted();
-    item_->setScreenScale(1);
-    EXPECT_EQ(ask().pixmaps.front().height, 44) << tray;
-    item_.reset();
-    panel_.reset();
-  }
-  EXPECT_EQ(wanted, 0);
 }
 
 TEST_F(LinuxStatusItemTest, SaysWhatItIs) {
